@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+/// @file Clock.hpp
+/// The one clock: every time stamp and every wait with a time-out of the host platform goes through it.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+
+struct epoll_event;
+
+namespace dorn::host {
+
+using Nanoseconds = std::chrono::nanoseconds;
+
+/// A point in time on Clock::monotonic()'s scale until which a wait lasts.
+using Deadline = Nanoseconds;
+constexpr Deadline noDeadline = Deadline::max();
+
+/// Tells the time and waits. A test or a tool puts another one in its place with ClockScope.
+class Clock {
+public:
+    virtual ~Clock() = default;
+
+    /// Time since the board started; never steps back.
+    virtual Nanoseconds monotonic() const = 0;
+    /// Time since the epoch, UTC.
+    virtual Nanoseconds wall() const = 0;
+
+    /// Sleeps while @p word holds @p expected, at most until @p until. May return early for no reason.
+    /// @param shared whether the word lies in memory that other processes map
+    virtual void waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expected, Deadline until, bool shared) = 0;
+
+    /// Waits for events of an epoll descriptor, at most until @p until.
+    /// @return the number of events stored; 0 when the time has passed or a signal came.
+    virtual int waitEvents(int epollDescriptor, epoll_event* events, int capacity, Deadline until) = 0;
+
+    /// Waits until @p descriptor has one of the `poll` @p events, at most until @p until.
+    /// @return whether it has.
+    virtual bool waitDescriptor(int descriptor, short events, Deadline until) = 0;
+
+    /// The clock in use.
+    static Clock& get() { return *s_current.load(std::memory_order_acquire); }
+
+    /// The deadline that lies @p timeout micro-seconds ahead; none for a negative time-out.
+    Deadline after(std::int64_t timeout) const;
+
+private:
+    friend class ClockScope;
+    static std::atomic<Clock*> s_current;
+};
+
+/// Wakes up to @p count threads that sleep in Clock::waitWhile() on @p word. May be called from a signal handler.
+void wakeWaiters(std::atomic<std::uint32_t>& word, int count, bool shared);
+
+/// Has another clock used as long as the scope lives. Made and ended while no other thread waits.
+class ClockScope {
+public:
+    explicit ClockScope(Clock& clock);
+    ~ClockScope();
+    ClockScope(const ClockScope&) = delete;
+    ClockScope& operator=(const ClockScope&) = delete;
+
+private:
+    Clock* m_previous;
+};
+
+} // namespace dorn::host
