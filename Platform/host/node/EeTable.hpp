@@ -63,12 +63,8 @@ class EeTable {
 public:
     static constexpr std::size_t capacity = 1024;
 
-    /// The table of this process's node; opened at the first call. @throws EnvironmentError
-    static EeTable& get();
-    /// The table if get() has opened it, else null. Does not throw; for use on hot and on ending paths.
-    static EeTable* ifOpen();
-    static void forget();
-
+    /// Opens the table of this process's node. @throws EnvironmentError. Use it through `PerNode<EeTable>`.
+    EeTable();
     explicit EeTable(const RunDirectory& directory);
 
     /// Gives this process a record. Called once the EE has a name.

@@ -25,10 +25,9 @@ std::uint16_t nodeIdFromEnvironment();
 /// The run directory is `DORN_RUN_DIR`, else `$XDG_RUNTIME_DIR/dorn`, else `/run/dorn`.
 class RunDirectory {
 public:
-    /// The directory of this process's node, made when it is missing. Opened at the first call, kept for the process's
-    /// life.
-    /// @throws EnvironmentError when it cannot be made or must not be trusted; the next call tries again.
-    static RunDirectory& get();
+    /// Opens the directory of this process's node, as the environment gives it, and makes it when it is missing.
+    /// @throws EnvironmentError when it cannot be made or must not be trusted. Use it through `PerNode<RunDirectory>`.
+    RunDirectory();
 
     /// Opens, and makes when missing, the node's directory below @p runPath.
     RunDirectory(const std::string& runPath, std::uint16_t nodeId);
@@ -46,10 +45,6 @@ public:
 
     /// Makes the directory @p name inside this one unless it is there, mode 0700. @throws EnvironmentError
     void makeSubdirectory(const std::string& name) const;
-
-    /// Forgets the directory that get() opened, so that the environment is read again. For tests, between two
-    /// platforms.
-    static void forget();
 
 private:
     std::string m_path;

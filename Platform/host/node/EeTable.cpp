@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+#include "node/EeTable.hpp"
+
+#include "node/PerNode.hpp"
+#include "port/Clock.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <span>
+#include <unistd.h>
+
+namespace dorn::host {
+namespace {
+
+constexpr std::size_t headerSize = 64;
+constexpr std::size_t tableLock = EeTable::capacity; ///< the byte behind the places' own: guards the choice of a place
+constexpr SharedStoreFormat format{0x44524E45, 1, headerSize + EeTable::capacity * sizeof(EeRecord)};
+
+std::int64_t wallNow()
+{
+    return Clock::get().wall().count();
+}
+
+template <std::size_t Size>
+void copyText(std::array<char, Size>& to, const std::string& from)
+{
+    to.fill('\0');
+    std::copy_n(from.begin(), std::min(from.size(), Size - 1), to.begin());
+}
+
+template <std::size_t Size>
+std::string textOf(const std::array<char, Size>& from)
+{
+    return {from.data(), strnlen(from.data(), Size)};
+}
+
+void clear(EeRecord& record)
+{
+    for (EeRecord::Published& entry : record.published) {
+        entry.id.store(0);
+        entry.value.store(0);
+        entry.when.store(0);
+    }
+    for (EeRecord::Cpid& entry : record.cpids) {
+        entry.cpid.store(0);
+    }
+}
+
+EeInfo copyOf(const EeRecord& record, bool alive)
+{
+    EeInfo info{textOf(record.name),
+                record.pid.load(),
+                alive,
+                static_cast<std::uint16_t>(record.cpid.load()),
+                record.since.load(),
+                {},
+                {}};
+    for (const EeRecord::Published& entry : record.published) {
+        if (entry.id.load() != 0) {
+            info.published.push_back({entry.id.load(), entry.value.load(), entry.when.load()});
+        }
+    }
+    for (const EeRecord::Cpid& entry : record.cpids) {
+        if (entry.cpid.load() != 0) {
+            info.cpids.push_back({static_cast<std::uint16_t>(entry.cpid.load()), textOf(entry.euName)});
+        }
+    }
+    return info;
+}
+
+} // namespace
+
+EeTable::EeTable() : EeTable(PerNode<RunDirectory>::get()) {}
+
+EeTable::EeTable(const RunDirectory& directory) : m_store(directory, "ees", format) {}
+
+EeRecord* EeTable::records() const
+{
+    return reinterpret_cast<EeRecord*>(m_store.data() + headerSize);
+}
+
+bool EeTable::isAlive(std::size_t place) const
+{
+    return place == m_ownPlace || m_store.lockHolder(place) != 0;
+}
+
+std::size_t EeTable::choosePlace(const std::string& name) const
+{
+    std::size_t empty = capacity;
+    std::size_t oldest = capacity;
+    for (std::size_t place = 0; place < capacity; ++place) {
+        const EeRecord& record = records()[place];
+        if (record.pid.load() == 0) {
+            empty = std::min(empty, place);
+            continue;
+        }
+        if (isAlive(place)) {
+            continue;
+        }
+        if (textOf(record.name) == name.substr(0, record.name.size() - 1)) {
+            return place;
+        }
+        if (oldest == capacity || record.since.load() < records()[oldest].since.load()) {
+            oldest = place;
+        }
+    }
+    return empty != capacity ? empty : oldest;
+}
+
+void EeTable::enter(const std::string& name, std::uint16_t cpid)
+{
+    m_store.lock(tableLock);
+    const std::size_t place = choosePlace(name);
+    if (place != capacity && m_store.tryLock(place)) {
+        EeRecord& record = records()[place];
+        clear(record);
+        copyText(record.name, name);
+        record.cpid.store(cpid);
+        record.since.store(wallNow());
+        record.pid.store(getpid());
+        m_ownPlace = place;
+        m_own.store(&record, std::memory_order_release);
+    }
+    m_store.unlock(tableLock);
+}
+
+void EeTable::notePublished(std::uint32_t id, std::uint32_t value)
+{
+    EeRecord* const own = m_own.load(std::memory_order_acquire);
+    if (!own) {
+        return;
+    }
+    for (EeRecord::Published& entry : own->published) {
+        std::uint32_t there = entry.id.load(std::memory_order_relaxed);
+        if (there == id || (there == 0 && entry.id.compare_exchange_strong(there, id)) || there == id) {
+            entry.value.store(value, std::memory_order_relaxed);
+            entry.when.store(wallNow(), std::memory_order_relaxed);
+            return;
+        }
+    }
+}
+
+void EeTable::noteCpid(std::uint16_t cpid, const std::string& euName)
+{
+    EeRecord* const own = m_own.load(std::memory_order_acquire);
+    if (!own) {
+        return;
+    }
+    for (EeRecord::Cpid& entry : own->cpids) {
+        if (entry.cpid.load() == 0) {
+            copyText(entry.euName, euName);
+            entry.cpid.store(cpid);
+            return;
+        }
+    }
+}
+
+void EeTable::forgetCpid(std::uint16_t cpid)
+{
+    EeRecord* const own = m_own.load(std::memory_order_acquire);
+    if (!own) {
+        return;
+    }
+    for (EeRecord::Cpid& entry : own->cpids) {
+        std::uint32_t expected = cpid;
+        entry.cpid.compare_exchange_strong(expected, 0);
+    }
+}
+
+std::vector<EeInfo> EeTable::list() const
+{
+    std::vector<EeInfo> infos;
+    for (std::size_t place = 0; place < capacity; ++place) {
+        if (records()[place].pid.load() != 0) {
+            infos.push_back(copyOf(records()[place], isAlive(place)));
+        }
+    }
+    return infos;
+}
+
+std::optional<EeInfo> EeTable::holderOf(std::uint16_t cpid) const
+{
+    for (const EeRecord& record : std::span(records(), capacity)) {
+        const auto place = static_cast<std::size_t>(&record - records());
+        const bool holds = std::any_of(record.cpids.begin(), record.cpids.end(),
+                                       [cpid](const EeRecord::Cpid& entry) { return entry.cpid.load() == cpid; });
+        if (record.pid.load() != 0 && holds && isAlive(place)) {
+            return copyOf(record, true);
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace dorn::host

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+#include "node/SharedStore.hpp"
+
+#include "port/FilePort.hpp"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace dorn::host {
+namespace {
+
+[[noreturn]] void fail(const std::string& path, const std::string& what, int error)
+{
+    throw EnvironmentError("store '" + path + "' " + what + ": " + std::strerror(error));
+}
+
+/// Serialises the making of stores among the processes of a node; given up with the descriptor.
+class CreationLock {
+public:
+    explicit CreationLock(const RunDirectory& directory)
+        : m_descriptor(::openat(directory.descriptor(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+    {
+        while (flock(m_descriptor, LOCK_EX) != 0 && errno == EINTR) {
+        }
+    }
+    ~CreationLock() { close(m_descriptor); }
+    CreationLock(const CreationLock&) = delete;
+    CreationLock& operator=(const CreationLock&) = delete;
+
+private:
+    int m_descriptor;
+};
+
+bool hasFormat(int descriptor, const SharedStoreFormat& format)
+{
+    SharedStoreHeader header{};
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 && static_cast<std::size_t>(status.st_size) == format.size &&
+           pread(descriptor, &header, sizeof header, 0) == static_cast<ssize_t>(sizeof header) &&
+           header.magic == format.magic && header.version == format.version && header.size == format.size;
+}
+
+int createStore(const RunDirectory& directory, const std::string& name, const SharedStoreFormat& format)
+{
+    FilePort& files = FilePort::get();
+    const std::string path = directory.path() + "/" + name;
+    const std::string unfinished = name + ".new";
+    const int descriptor =
+        files.open(directory.descriptor(), unfinished.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_NOFOLLOW, 0600);
+    if (descriptor < 0) {
+        fail(path, "cannot be created", -descriptor);
+    }
+    const SharedStoreHeader header{format.magic, format.version, format.size};
+    ssize_t result = files.reserve(descriptor, static_cast<off_t>(format.size));
+    if (result == 0) {
+        result = files.write(descriptor, &header, sizeof header);
+    }
+    if (result >= 0) {
+        result = files.rename(directory.descriptor(), unfinished.c_str(), directory.descriptor(), name.c_str());
+    }
+    if (result < 0) {
+        close(descriptor);
+        files.remove(directory.descriptor(), unfinished.c_str());
+        fail(path, "cannot be created", static_cast<int>(-result));
+    }
+    return descriptor;
+}
+
+int openOrCreate(const RunDirectory& directory, const std::string& name, const SharedStoreFormat& format)
+{
+    const CreationLock lock(directory);
+    FilePort& files = FilePort::get();
+    const int descriptor = files.open(directory.descriptor(), name.c_str(), O_RDWR | O_NOFOLLOW, 0);
+    if (descriptor >= 0 && hasFormat(descriptor, format)) {
+        return descriptor;
+    }
+    if (descriptor >= 0) {
+        close(descriptor);
+        const std::string path = directory.path() + "/" + name;
+        std::fprintf(stderr, "dorn: store '%s' is damaged or of another version; set aside as '%s.broken'\n",
+                     path.c_str(), path.c_str());
+        files.rename(directory.descriptor(), name.c_str(), directory.descriptor(), (name + ".broken").c_str());
+    } else if (descriptor != -ENOENT) {
+        fail(directory.path() + "/" + name, "cannot be opened", -descriptor);
+    }
+    return createStore(directory, name, format);
+}
+
+struct flock byteLock(short type, std::size_t index)
+{
+    struct flock lock {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = static_cast<off_t>(index);
+    lock.l_len = 1;
+    return lock;
+}
+
+} // namespace
+
+SharedStore::SharedStore(const RunDirectory& directory, const std::string& name, const SharedStoreFormat& format)
+    : m_descriptor(openOrCreate(directory, name, format)), m_size(format.size)
+{
+    void* const mapping = mmap(nullptr, m_size, PROT_READ | PROT_WRITE, MAP_SHARED, m_descriptor, 0);
+    if (mapping == MAP_FAILED) {
+        const int error = errno;
+        close(m_descriptor);
+        fail(directory.path() + "/" + name, "cannot be mapped", error);
+    }
+    m_data = static_cast<std::byte*>(mapping);
+}
+
+SharedStore::~SharedStore()
+{
+    munmap(m_data, m_size);
+    close(m_descriptor);
+}
+
+bool SharedStore::tryLock(std::size_t index) const
+{
+    struct flock lock = byteLock(F_WRLCK, index);
+    return fcntl(m_descriptor, F_SETLK, &lock) == 0;
+}
+
+void SharedStore::lock(std::size_t index) const
+{
+    struct flock lock = byteLock(F_WRLCK, index);
+    while (fcntl(m_descriptor, F_SETLKW, &lock) != 0 && errno == EINTR) {
+    }
+}
+
+void SharedStore::unlock(std::size_t index) const
+{
+    struct flock lock = byteLock(F_UNLCK, index);
+    fcntl(m_descriptor, F_SETLK, &lock);
+}
+
+int SharedStore::lockHolder(std::size_t index) const
+{
+    struct flock lock = byteLock(F_WRLCK, index);
+    if (fcntl(m_descriptor, F_GETLK, &lock) != 0 || lock.l_type == F_UNLCK) {
+        return 0;
+    }
+    return lock.l_pid;
+}
+
+} // namespace dorn::host
