@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+#include "syscom/CpidRegistry.hpp"
+
+#include "AaSysLog.h"
+#include "eu/Eu.hpp"
+#include "node/EeTable.hpp"
+#include "syscom/ActiveTransport.hpp"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+
+namespace dorn::host {
+namespace {
+
+constexpr SharedStoreFormat format{0x64697063, 1, 64};
+
+/// Indexed by cpid. Lies in zeroed memory of which only touched pages exist.
+std::array<std::atomic<TAaProEuId>, 0x10000> holders;
+
+} // namespace
+
+TAaProEuId localHolder(TAaSysComCpid cpid)
+{
+    return holders[cpid].load(std::memory_order_acquire);
+}
+
+CpidRegistry::CpidRegistry() : m_locks(PerNode<RunDirectory>::get(), "cpids", format) {}
+
+CpidRegistry::~CpidRegistry()
+{
+    while (!m_holdings.empty()) {
+        releaseLocked(m_holdings.begin()->first);
+    }
+}
+
+TAaSysComCpid CpidRegistry::acquire(TAaSysComCpid cpid, TAaProEuId eu)
+{
+    const std::lock_guard lock(m_mutex);
+    return cpid == 0 ? acquireAny(eu) : acquireExactly(cpid, eu);
+}
+
+TAaSysComCpid CpidRegistry::acquireAny(TAaProEuId eu)
+{
+    for (unsigned cpid = firstDynamic; cpid <= lastDynamic; ++cpid) {
+        const auto candidate = static_cast<TAaSysComCpid>(cpid);
+        if (localHolder(candidate) == 0 && foreignHolder(candidate) == 0 && acquireExactly(candidate, eu) != 0) {
+            return candidate;
+        }
+    }
+    return 0;
+}
+
+TAaSysComCpid CpidRegistry::acquireExactly(TAaSysComCpid cpid, TAaProEuId euId)
+{
+    Eu* const eu = eus::find(euId);
+    const TAaProEuId holder = localHolder(cpid);
+    if (!eu || holder != 0) {
+        return eu && holder == euId ? cpid : TAaSysComCpid{0};
+    }
+    if (!m_locks.tryLock(cpid)) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "cpid 0x%04X is not granted: process %d holds it", cpid,
+                      m_locks.lockHolder(cpid));
+        return 0;
+    }
+    try {
+        Holding holding{euId, std::make_unique<FrameInlet>(cpid, *eu), nullptr};
+        holding.endpoint = activeTransport().open(cpid, eu->queue.waitSet(), *holding.inlet);
+        if (!holding.endpoint) {
+            throw std::system_error(errno, std::generic_category());
+        }
+        m_holdings.emplace(cpid, std::move(holding));
+    } catch (const std::exception& error) {
+        m_locks.unlock(cpid);
+        AaSysLogPrint(EAaSysLogSeverityLevel_Error, "cpid 0x%04X cannot be made reachable: %s", cpid, error.what());
+        return 0;
+    }
+    holders[cpid].store(euId, std::memory_order_release);
+    TAaSysComCpid none = 0;
+    eu->firstCpid.compare_exchange_strong(none, cpid);
+    if (EeTable* const table = PerNode<EeTable>::ifOpen()) {
+        table->noteCpid(cpid, eu->name.data());
+    }
+    return cpid;
+}
+
+bool CpidRegistry::release(TAaSysComCpid cpid)
+{
+    const std::lock_guard lock(m_mutex);
+    if (!m_holdings.contains(cpid)) {
+        return false;
+    }
+    releaseLocked(cpid);
+    return true;
+}
+
+void CpidRegistry::releaseAll(TAaProEuId eu)
+{
+    const std::lock_guard lock(m_mutex);
+    for (auto holding = m_holdings.begin(); holding != m_holdings.end();) {
+        const auto [cpid, held] = std::pair(holding->first, holding->second.eu);
+        ++holding;
+        if (held == eu) {
+            releaseLocked(cpid);
+        }
+    }
+}
+
+void CpidRegistry::releaseLocked(TAaSysComCpid cpid)
+{
+    const auto holding = m_holdings.find(cpid);
+    if (EeTable* const table = PerNode<EeTable>::ifOpen()) {
+        table->forgetCpid(cpid);
+    }
+    holders[cpid].store(0, std::memory_order_release);
+    if (Eu* const eu = eus::find(holding->second.eu)) {
+        TAaSysComCpid first = cpid;
+        eu->firstCpid.compare_exchange_strong(first, 0);
+    }
+    m_holdings.erase(holding); // takes in what other processes had handed over; still locked, so nobody else is found
+    m_locks.unlock(cpid);
+}
+
+pid_t CpidRegistry::foreignHolder(TAaSysComCpid cpid) const
+{
+    return m_locks.lockHolder(cpid);
+}
+
+} // namespace dorn::host

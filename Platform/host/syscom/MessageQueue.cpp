@@ -1,0 +1,315 @@
+// SPDX-License-Identifier: MIT
+#include "syscom/MessageQueue.hpp"
+
+#include <algorithm>
+#include <unistd.h>
+
+namespace dorn::host {
+namespace {
+
+// States of an empty inbound stack besides null; never dereferenced.
+alignas(Message) std::byte sleepingMark[sizeof(Message)];
+alignas(Message) std::byte closedMark[sizeof(Message)];
+Message* const sleeping = reinterpret_cast<Message*>(sleepingMark);
+Message* const closed = reinterpret_cast<Message*>(closedMark);
+
+/// After so many messages taken without waiting, descriptors get a look.
+constexpr std::uint32_t takesBetweenLooks = 64;
+
+/// How long an EU watches its queue before it sleeps; a little less than what sleeping and being woken costs.
+constexpr std::chrono::nanoseconds spinTime{4000};
+constexpr int spinChecksPerTimeCheck = 32;
+constexpr int greatestSpinCredit = 8;
+constexpr std::uint32_t sleepsBetweenProbes = 32;
+
+bool mayUseSpinning()
+{
+    static const bool hasSeveralProcessors = sysconf(_SC_NPROCESSORS_ONLN) > 1;
+    return hasSeveralProcessors;
+}
+
+void relaxProcessor()
+{
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#elif defined(__aarch64__) || defined(__ARM_ARCH_7A__)
+    __asm__ volatile("yield" ::: "memory");
+#endif
+}
+
+} // namespace
+
+MessageQueue::~MessageQueue()
+{
+    close();
+    delete m_waitSet.load();
+}
+
+MessageQueue::PushResult MessageQueue::push(Message* message)
+{
+    if (m_inboundCount.fetch_add(1, std::memory_order_relaxed) >= capacity) {
+        m_inboundCount.fetch_sub(1, std::memory_order_relaxed);
+        return PushResult::Full;
+    }
+    Message* head = m_inbound.load(std::memory_order_relaxed);
+    do {
+        if (head == closed) {
+            m_inboundCount.fetch_sub(1, std::memory_order_relaxed);
+            return PushResult::Closed;
+        }
+        message->next = head == sleeping ? nullptr : head;
+    } while (!m_inbound.compare_exchange_weak(head, message, std::memory_order_seq_cst, std::memory_order_relaxed));
+    if (head == sleeping) {
+        // The set exists: the owner sleeps in it. It lives as long as the queue.
+        m_waitSet.load(std::memory_order_acquire)->ring();
+    }
+    return PushResult::Ok;
+}
+
+void MessageQueue::requestWakeUp() noexcept
+{
+    m_wakeUpRequested.store(true);
+    if (WaitSet* const set = m_waitSet.load()) {
+        set->ring();
+    }
+}
+
+bool MessageQueue::consumeWakeUp()
+{
+    return m_wakeUpRequested.load(std::memory_order_relaxed) && m_wakeUpRequested.exchange(false);
+}
+
+WaitSet& MessageQueue::waitSet()
+{
+    WaitSet* set = m_waitSet.load(std::memory_order_acquire);
+    if (!set) {
+        auto fresh = std::make_unique<WaitSet>();
+        if (m_waitSet.compare_exchange_strong(set, fresh.get(), std::memory_order_acq_rel)) {
+            set = fresh.release();
+        }
+    }
+    return *set;
+}
+
+Message* MessageQueue::receive(Deadline until, const std::span<const std::uint16_t>* filter)
+{
+    for (;;) {
+        if (Message* const message = filter ? takeFirstOf(*filter) : takeFirst()) {
+            lookAtDescriptors();
+            return message;
+        }
+        if (takeOverInbound()) {
+            continue;
+        }
+        if (consumeWakeUp()) {
+            return nullptr;
+        }
+        if (until == Deadline(0) && !hasDescriptors()) {
+            return nullptr;
+        }
+        if (until != Deadline(0) && spinForInbound()) {
+            continue;
+        }
+        const Message* const lastBefore = m_last;
+        if (!sleep(until)) {
+            continue;
+        }
+        const bool isLate = until != noDeadline && (until == Deadline(0) || Clock::get().monotonic() >= until);
+        if (isLate && m_last == lastBefore && !takeOverInbound()) {
+            return nullptr;
+        }
+    }
+}
+
+bool MessageQueue::hasDescriptors() const
+{
+    const WaitSet* const set = m_waitSet.load(std::memory_order_acquire);
+    return set && set->hasSources();
+}
+
+/// Gives descriptors their turn while the queue itself never runs dry.
+void MessageQueue::lookAtDescriptors()
+{
+    if (++m_takenSinceLook >= takesBetweenLooks && hasDescriptors()) {
+        m_takenSinceLook = 0;
+        waitSet().wait(Deadline(0));
+    }
+}
+
+/// Sleeps until something may have come. @return false when something was there before.
+bool MessageQueue::sleep(Deadline until)
+{
+    WaitSet& set = waitSet();
+    m_takenSinceLook = 0;
+    if (isPendingFull()) {
+        // A selective receive that has passed over all that may be kept: only time or a wake-up ends it.
+        set.waitForRing(until, m_wakeUpRequested);
+        return true;
+    }
+    Message* expected = nullptr;
+    if (!m_inbound.compare_exchange_strong(expected, sleeping)) {
+        return false;
+    }
+    if (!m_wakeUpRequested.load()) {
+        set.wait(until);
+    }
+    expected = sleeping;
+    m_inbound.compare_exchange_strong(expected, nullptr);
+    return true;
+}
+
+/// Watches the queue for a moment. Pays off between EUs that answer each other at once; where it does not, it is tried
+/// only now and then.
+bool MessageQueue::spinForInbound()
+{
+    if (!mayUseSpinning() || (m_spinCredit == 0 && ++m_sleeps % sleepsBetweenProbes != 0)) {
+        return false;
+    }
+    const auto end = std::chrono::steady_clock::now() + spinTime;
+    do {
+        for (int check = 0; check < spinChecksPerTimeCheck; ++check) {
+            if (m_inbound.load(std::memory_order_relaxed)) {
+                m_spinCredit = std::min(m_spinCredit + 2, greatestSpinCredit);
+                return true;
+            }
+            relaxProcessor();
+        }
+    } while (std::chrono::steady_clock::now() < end);
+    m_spinCredit = std::max(m_spinCredit - 1, 0);
+    return false;
+}
+
+bool MessageQueue::takeOverInbound()
+{
+    if (!m_inbound.load(std::memory_order_relaxed) || isPendingFull()) {
+        return false;
+    }
+    Message* message = m_inbound.exchange(nullptr, std::memory_order_seq_cst);
+    Message* reversed = nullptr;
+    std::int32_t count = 0;
+    while (message) {
+        Message* const next = message->next;
+        message->next = reversed;
+        reversed = message;
+        message = next;
+        ++count;
+    }
+    m_inboundCount.fetch_sub(count, std::memory_order_relaxed);
+    bool hasAny = false;
+    while (reversed) {
+        Message* const next = reversed->next;
+        if (reversed->targetEu == m_owner) {
+            append(reversed);
+            hasAny = true;
+        } else {
+            Message::destroy(reversed); // sent to an EU that had this place before and has ended
+        }
+        reversed = next;
+    }
+    return hasAny;
+}
+
+void MessageQueue::appendArrived(Message* message)
+{
+    append(message);
+}
+
+void MessageQueue::append(Message* message)
+{
+    message->next = nullptr;
+    message->previous = m_last;
+    message->nextOfSameId = nullptr;
+    message->isIndexed = 0;
+    message->position = m_nextPosition++;
+    (m_last ? m_last->next : m_first) = message;
+    m_last = message;
+    if (!m_firstNotIndexed) {
+        m_firstNotIndexed = message;
+    }
+    ++m_pendingCount;
+}
+
+Message* MessageQueue::takeFirst()
+{
+    Message* const message = m_first;
+    if (message) {
+        unlink(message);
+    }
+    return message;
+}
+
+Message* MessageQueue::takeFirstOf(std::span<const std::uint16_t> ids)
+{
+    takeOverInbound();
+    indexPending();
+    Message* earliest = nullptr;
+    for (const std::uint16_t id : ids) {
+        const auto chain = m_index.find(id);
+        Message* const first = chain == m_index.end() ? nullptr : chain->second.first;
+        if (first && (!earliest || first->position < earliest->position)) {
+            earliest = first;
+        }
+    }
+    if (earliest) {
+        unlink(earliest);
+    }
+    return earliest;
+}
+
+/// Enters the messages that came since the last selective receive. A filter has 16-bit ids, so greater ones are left
+/// out, which also bounds the index.
+void MessageQueue::indexPending()
+{
+    for (Message* message = m_firstNotIndexed; message; message = message->next) {
+        if (message->header.id > 0xFFFFU) {
+            continue;
+        }
+        Chain& chain = m_index[message->header.id];
+        (chain.first ? chain.last->nextOfSameId : chain.first) = message;
+        chain.last = message;
+        message->isIndexed = 1;
+    }
+    m_firstNotIndexed = nullptr;
+}
+
+/// Takes a message out of the pending ones. It is the first of its id, as both kinds of receive take the earliest.
+void MessageQueue::unlink(Message* message)
+{
+    if (message->isIndexed) {
+        m_index[message->header.id].first = message->nextOfSameId;
+    }
+    if (m_firstNotIndexed == message) {
+        m_firstNotIndexed = message->next;
+    }
+    (message->previous ? message->previous->next : m_first) = message->next;
+    (message->next ? message->next->previous : m_last) = message->previous;
+    --m_pendingCount;
+}
+
+void MessageQueue::open(TAaProEuId owner)
+{
+    m_owner = owner;
+    m_wakeUpRequested.store(false);
+    m_inbound.store(nullptr);
+}
+
+std::size_t MessageQueue::close()
+{
+    Message* message = m_inbound.exchange(closed);
+    std::size_t count = m_pendingCount;
+    std::int32_t inbound = 0;
+    while (message && message != closed && message != sleeping) {
+        Message* const next = message->next;
+        Message::destroy(message);
+        message = next;
+        ++inbound;
+    }
+    m_inboundCount.fetch_sub(inbound, std::memory_order_relaxed);
+    while (Message* const pending = takeFirst()) {
+        Message::destroy(pending);
+    }
+    m_index.clear();
+    return count + static_cast<std::size_t>(inbound);
+}
+
+} // namespace dorn::host

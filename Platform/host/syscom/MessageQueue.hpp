@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+/// @file MessageQueue.hpp
+/// The queue of one EU: any thread puts, the EU takes.
+#pragma once
+
+#include "port/Clock.hpp"
+#include "syscom/Message.hpp"
+#include "syscom/WaitSet.hpp"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <unordered_map>
+
+namespace dorn::host {
+
+/// Senders push onto a lock-free stack whose head also says whether the owner sleeps or the queue is closed; the owner
+/// takes the whole stack at once and keeps it, turned round, as its list of pending messages. A sender thus makes a
+/// system call only when the owner really sleeps, and holds nothing while it does.
+class MessageQueue {
+public:
+    enum class PushResult { Ok, Full, Closed };
+
+    /// Messages that may wait to be taken over; as many again may be pending with the owner.
+    static constexpr std::int32_t capacity = 65536;
+
+    MessageQueue() = default;
+    ~MessageQueue();
+    MessageQueue(const MessageQueue&) = delete;
+    MessageQueue& operator=(const MessageQueue&) = delete;
+
+    // By any thread:
+
+    /// Hands a message over. It stays the caller's unless the result is Ok.
+    PushResult push(Message* message);
+    /// See AaSysComEuWakeUp(). Safe in a signal handler.
+    void requestWakeUp() noexcept;
+    /// The descriptors that receive() also waits for; made at the first call. @throws std::system_error
+    WaitSet& waitSet();
+
+    // By the owner:
+
+    /// Takes the next message, or with a @p filter the next whose id is in it.
+    /// @return null at the deadline and after a wake-up.
+    Message* receive(Deadline until, const std::span<const std::uint16_t>* filter);
+    /// Puts a message that came from another process behind the pending ones; called while receive() serves
+    /// descriptors.
+    void appendArrived(Message* message);
+    /// Whether so many are pending that arrivals should stay with their senders.
+    bool isPendingFull() const { return m_pendingCount >= static_cast<std::size_t>(capacity); }
+    /// Makes the queue usable for the EU @p owner; messages for another are dropped on arrival.
+    void open(TAaProEuId owner);
+    /// Refuses all further messages and frees what is queued. @return how many were.
+    std::size_t close();
+
+private:
+    struct Chain {
+        Message* first = nullptr;
+        Message* last = nullptr;
+    };
+
+    bool takeOverInbound();
+    void append(Message* message);
+    Message* takeFirst();
+    Message* takeFirstOf(std::span<const std::uint16_t> ids);
+    void indexPending();
+    void unlink(Message* message);
+    bool spinForInbound();
+    bool sleep(Deadline until);
+    bool hasDescriptors() const;
+    void lookAtDescriptors();
+    bool consumeWakeUp();
+
+    // Senders and owner; on a line of its own.
+    alignas(64) std::atomic<Message*> m_inbound{nullptr};
+    std::atomic<std::int32_t> m_inboundCount{0};
+    std::atomic<bool> m_wakeUpRequested{false};
+    std::atomic<WaitSet*> m_waitSet{nullptr};
+
+    // Owner only.
+    alignas(64) Message* m_first = nullptr;
+    Message* m_last = nullptr;
+    Message* m_firstNotIndexed = nullptr;
+    std::unordered_map<TAaSysComMsgId, Chain> m_index;
+    std::uint64_t m_nextPosition = 0;
+    std::size_t m_pendingCount = 0;
+    std::uint32_t m_takenSinceLook = 0;
+    int m_spinCredit = 0;
+    std::uint32_t m_sleeps = 0;
+    TAaProEuId m_owner = 0;
+};
+
+} // namespace dorn::host

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+/// @file Node.hpp
+/// The own node's id in addresses.
+#pragma once
+
+#include "AaSysCom.h"
+
+namespace dorn::host {
+
+/// Whether an address with this node id is one of this node. A node without an id of its own is known as 0x0F01.
+bool isOwnNode(TAaSysComNid nid);
+
+} // namespace dorn::host

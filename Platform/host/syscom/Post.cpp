@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#include "syscom/Post.hpp"
+
+#include "eu/Eu.hpp"
+#include "syscom/ActiveTransport.hpp"
+#include "syscom/CpidRegistry.hpp"
+#include "syscom/Node.hpp"
+
+#include <exception>
+
+namespace dorn::host {
+
+EAaSysComStatus postToEu(std::unique_ptr<Message, MessageDeleter>& message, TAaProEuId euId)
+{
+    Eu* const eu = eus::find(euId);
+    if (!eu) {
+        return EAaSysComStatus_NoReceiver;
+    }
+    message->targetEu = euId;
+    switch (eu->queue.push(message.get())) {
+    case MessageQueue::PushResult::Ok:
+        message.release(); // NOLINT(bugprone-unused-return-value): the queue owns it
+        return EAaSysComStatus_Ok;
+    case MessageQueue::PushResult::Full:
+        return EAaSysComStatus_QueueFull;
+    case MessageQueue::PushResult::Closed:
+        break;
+    }
+    return EAaSysComStatus_NoReceiver;
+}
+
+EAaSysComStatus post(std::unique_ptr<Message, MessageDeleter>& message, Nanoseconds patience)
+{
+    const TAaSysComSicad receiver = message->header.receiver;
+    if (!isOwnNode(receiver >> 16)) {
+        return EAaSysComStatus_NoRoute;
+    }
+    const auto cpid = static_cast<TAaSysComCpid>(receiver & 0xFFFFU);
+    if (const TAaProEuId eu = localHolder(cpid)) {
+        return postToEu(message, eu);
+    }
+    try {
+        const Deadline until = patience > Nanoseconds(0) ? Clock::get().monotonic() + patience : Deadline(0);
+        const EAaSysComStatus status = activeTransport().send(cpid, message->frame(), until);
+        if (status == EAaSysComStatus_Ok) {
+            message.reset();
+        }
+        return status;
+    } catch (const std::exception&) {
+        return EAaSysComStatus_NoResources; // the node's directory cannot be opened; said when the EE was started
+    }
+}
+
+} // namespace dorn::host

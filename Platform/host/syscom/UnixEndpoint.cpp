@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: MIT
+#include "syscom/UnixEndpoint.hpp"
+
+#include "AaSysLog.h"
+#include "node/RunDirectory.hpp"
+#include "port/FilePort.hpp"
+#include "syscom/Message.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace dorn::host {
+namespace {
+
+/// Packets that one call takes from a connection.
+constexpr std::size_t packetsAtOnce = 16;
+
+/// Room to receive into; one byte more than the greatest frame would be cut off by the kernel and reported as such.
+/// Only what has been written to becomes memory.
+class ReceiveBuffer {
+public:
+    ReceiveBuffer() : m_bytes(new std::byte[packetsAtOnce * slotSize])
+    {
+        for (std::size_t index = 0; index < packetsAtOnce; ++index) {
+            m_parts[index] = {m_bytes.get() + index * slotSize, maxFrameSize};
+            m_packets[index].msg_hdr = {};
+            m_packets[index].msg_hdr.msg_iov = &m_parts[index];
+            m_packets[index].msg_hdr.msg_iovlen = 1;
+        }
+    }
+
+    /// @return packets received; 0 when there are none, -1 when the connection has failed.
+    int receive(int descriptor)
+    {
+        const int count = recvmmsg(descriptor, m_packets.data(), packetsAtOnce, MSG_DONTWAIT, nullptr);
+        return count < 0 && (errno == EAGAIN || errno == EINTR) ? 0 : count;
+    }
+
+    std::span<const std::byte> packet(std::size_t index) const
+    {
+        return {static_cast<const std::byte*>(m_parts[index].iov_base), m_packets[index].msg_len};
+    }
+    bool isCut(std::size_t index) const { return (m_packets[index].msg_hdr.msg_flags & MSG_TRUNC) != 0; }
+
+    static ReceiveBuffer& ofThread()
+    {
+        static thread_local ReceiveBuffer buffer;
+        return buffer;
+    }
+
+private:
+    static constexpr std::size_t slotSize = (maxFrameSize + 4095) / 4096 * 4096;
+
+    std::unique_ptr<std::byte[]> m_bytes;
+    std::array<iovec, packetsAtOnce> m_parts;
+    std::array<mmsghdr, packetsAtOnce> m_packets;
+};
+
+} // namespace
+
+/// What one other process sends.
+class UnixEndpoint::Connection final : public WaitSource, public Peer {
+public:
+    Connection(UnixEndpoint& endpoint, UnixSocket socket, pid_t pid)
+        : m_endpoint(endpoint), m_socket(std::move(socket)), m_pid(pid)
+    {
+    }
+
+    int descriptor() const { return m_socket.get(); }
+    pid_t pid() const override { return m_pid; }
+
+    bool hasHungUp() const override
+    {
+        pollfd entry{m_socket.get(), POLLRDHUP | POLLHUP, 0};
+        return ::poll(&entry, 1, 0) > 0;
+    }
+
+    void onReadable() override
+    {
+        if (m_endpoint.m_sink.hasRoom() && !takeSome(m_endpoint.m_sink, ReceiveBuffer::ofThread())) {
+            close();
+        }
+    }
+
+    /// Takes what has been handed over, after making sure that nothing can follow.
+    void takeRest()
+    {
+        shutdown(m_socket.get(), SHUT_RD);
+        ReceiveBuffer buffer; // of its own, as this may run while the thread's variables are ending
+        while (m_endpoint.m_sink.hasRoom() && takeSome(m_endpoint.m_sink, buffer)) {
+        }
+    }
+
+private:
+    /// @return false when nothing will follow.
+    bool takeSome(FrameSink& sink, ReceiveBuffer& buffer)
+    {
+        const int count = buffer.receive(m_socket.get());
+        for (int index = 0; index < count; ++index) {
+            const auto slot = static_cast<std::size_t>(index);
+            if (buffer.packet(slot).empty()) {
+                return false; // the end: an empty packet is none that a message could be in
+            }
+            sink.onFrame(buffer.packet(slot), buffer.isCut(slot), *this);
+        }
+        return count >= 0;
+    }
+
+    void close()
+    {
+        m_endpoint.m_waitSet.remove(m_socket.get());
+        std::erase_if(m_endpoint.m_connections, [this](const auto& other) { return other.get() == this; });
+    }
+
+    UnixEndpoint& m_endpoint;
+    UnixSocket m_socket;
+    pid_t m_pid;
+};
+
+std::unique_ptr<UnixEndpoint> UnixEndpoint::open(const RunDirectory& directory, TAaSysComCpid cpid, WaitSet& waitSet,
+                                                 FrameSink& sink)
+{
+    // The caller holds the cpid alone, so a socket of that name is a dead process's.
+    FilePort::get().remove(directory.descriptor(), socketName(cpid).c_str());
+    UnixSocket listener = UnixSocket::make();
+    const sockaddr_un address = socketAddress(directory, cpid);
+    if (!listener || bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        listen(listener.get(), SOMAXCONN) != 0) {
+        return nullptr;
+    }
+    const int descriptor = listener.get();
+    std::unique_ptr<UnixEndpoint> endpoint(new UnixEndpoint(directory, cpid, std::move(listener), waitSet, sink));
+    return waitSet.add(descriptor, *endpoint) ? std::move(endpoint) : nullptr;
+}
+
+UnixEndpoint::UnixEndpoint(const RunDirectory& directory, TAaSysComCpid cpid, UnixSocket listener, WaitSet& waitSet,
+                           FrameSink& sink)
+    : m_directory(directory), m_cpid(cpid), m_listener(std::move(listener)), m_waitSet(waitSet), m_sink(sink)
+{
+}
+
+UnixEndpoint::~UnixEndpoint()
+{
+    FilePort::get().remove(m_directory.descriptor(), socketName(m_cpid).c_str());
+    const std::lock_guard lock(m_waitSet.mutex());
+    onReadable(); // those who have connected may have sent
+    m_waitSet.remove(m_listener.get());
+    for (const auto& connection : m_connections) {
+        m_waitSet.remove(connection->descriptor());
+        connection->takeRest();
+    }
+}
+
+void UnixEndpoint::onReadable()
+{
+    for (;;) {
+        pollfd entry{m_listener.get(), POLLIN, 0};
+        if (::poll(&entry, 1, 0) <= 0) {
+            return;
+        }
+        UnixSocket socket(accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
+        if (socket) {
+            accept(std::move(socket));
+        } else if (errno == EMFILE || errno == ENFILE) {
+            turnAway();
+        } else {
+            return;
+        }
+    }
+}
+
+/// Without descriptors a connection cannot be taken, and would be reported as waiting without end: it is taken in place
+/// of the spare descriptor and ended, so that its sender learns of it.
+void UnixEndpoint::turnAway()
+{
+    m_spare = UnixSocket(-1);
+    {
+        const UnixSocket refused(accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    }
+    m_spare = UnixSocket::make();
+    AaSysLogPrint(EAaSysLogSeverityLevel_Error, "Refused a connection to cpid 0x%04X: descriptors have run out",
+                  m_cpid);
+}
+
+void UnixEndpoint::accept(UnixSocket socket)
+{
+    ucred credentials{};
+    socklen_t size = sizeof credentials;
+    if (getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0 ||
+        (credentials.uid != geteuid() && credentials.uid != 0)) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "Refused a connection of process %d of user %u to cpid 0x%04X",
+                      credentials.pid, credentials.uid, m_cpid);
+        return;
+    }
+    auto connection = std::make_unique<Connection>(*this, std::move(socket), credentials.pid);
+    if (m_waitSet.add(connection->descriptor(), *connection)) {
+        m_connections.push_back(std::move(connection));
+    }
+}
+
+} // namespace dorn::host

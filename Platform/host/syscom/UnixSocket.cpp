@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#include "syscom/UnixSocket.hpp"
+
+#include "node/RunDirectory.hpp"
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <utility>
+
+namespace dorn::host {
+
+UnixSocket::~UnixSocket()
+{
+    if (m_descriptor >= 0) {
+        close(m_descriptor);
+    }
+}
+
+UnixSocket::UnixSocket(UnixSocket&& other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
+
+UnixSocket& UnixSocket::operator=(UnixSocket&& other) noexcept
+{
+    std::swap(m_descriptor, other.m_descriptor);
+    return *this;
+}
+
+UnixSocket UnixSocket::make()
+{
+    return UnixSocket(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+}
+
+std::string socketName(TAaSysComCpid cpid)
+{
+    std::array<char, 16> name{};
+    std::snprintf(name.data(), name.size(), "%s/%04x", socketFolder, static_cast<unsigned>(cpid));
+    return name.data();
+}
+
+sockaddr_un socketAddress(const RunDirectory& directory, TAaSysComCpid cpid)
+{
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string path = directory.shortPath(socketName(cpid));
+    std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+    return address;
+}
+
+} // namespace dorn::host

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#include "syscom/WaitSet.hpp"
+
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <poll.h>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace dorn::host {
+namespace {
+
+constexpr int eventsAtOnce = 16;
+
+} // namespace
+
+WaitSet::WaitSet() : m_epoll(epoll_create1(EPOLL_CLOEXEC)), m_bell(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+{
+    // Edge-triggered, so that a ring costs the waiter no read.
+    epoll_event event{EPOLLIN | EPOLLET, {nullptr}};
+    if (m_epoll < 0 || m_bell < 0 || epoll_ctl(m_epoll, EPOLL_CTL_ADD, m_bell, &event) != 0) {
+        const int error = errno;
+        close(m_epoll);
+        close(m_bell);
+        throw std::system_error(error, std::generic_category(), "message queue");
+    }
+}
+
+WaitSet::~WaitSet()
+{
+    close(m_epoll);
+    close(m_bell);
+}
+
+void WaitSet::ring() noexcept
+{
+    const int saved = errno;
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = write(m_bell, &one, sizeof one);
+    errno = saved;
+}
+
+void WaitSet::wait(Deadline until)
+{
+    std::array<epoll_event, eventsAtOnce> events; // NOLINT: filled by the call
+    const std::uint32_t removalsBefore = m_removals.load(std::memory_order_acquire);
+    const int count = Clock::get().waitEvents(m_epoll, events.data(), eventsAtOnce, until);
+    if (count == 0 || (count == 1 && !events[0].data.ptr)) {
+        return;
+    }
+    const std::lock_guard lock(m_mutex);
+    if (m_removals.load(std::memory_order_relaxed) != removalsBefore) {
+        return; // an event may name a source that has ended; the others are reported again
+    }
+    for (int index = 0; index < count; ++index) {
+        if (auto* const source = static_cast<WaitSource*>(events[static_cast<std::size_t>(index)].data.ptr)) {
+            source->onReadable();
+        }
+    }
+}
+
+void WaitSet::waitForRing(Deadline until, const std::atomic<bool>& isRung)
+{
+    std::uint64_t rings = 0;
+    [[maybe_unused]] const ssize_t drained = read(m_bell, &rings, sizeof rings);
+    if (!isRung.load()) {
+        Clock::get().waitDescriptor(m_bell, POLLIN, until);
+    }
+}
+
+bool WaitSet::add(int descriptor, WaitSource& source)
+{
+    epoll_event event{EPOLLIN, {&source}};
+    if (epoll_ctl(m_epoll, EPOLL_CTL_ADD, descriptor, &event) != 0) {
+        return false;
+    }
+    m_sources.fetch_add(1, std::memory_order_relaxed);
+    return true;
+}
+
+void WaitSet::remove(int descriptor)
+{
+    m_removals.fetch_add(1, std::memory_order_acq_rel);
+    m_sources.fetch_sub(1, std::memory_order_relaxed);
+    epoll_ctl(m_epoll, EPOLL_CTL_DEL, descriptor, nullptr);
+}
+
+} // namespace dorn::host

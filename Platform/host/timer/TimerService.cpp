@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+#include "timer/TimerService.hpp"
+
+#include "AaSysLog.h"
+#include "eu/Eu.hpp"
+#include "node/PerNode.hpp"
+#include "syscom/Post.hpp"
+
+#include <cstring>
+#include <pthread.h>
+#include <signal.h>
+
+namespace dorn::host {
+namespace {
+
+void deliver(TAaProEuId eu, const void* identity)
+{
+    std::unique_ptr<Message, MessageDeleter> message(Message::create(AA_TIMER_MSG_TIMEOUT, sizeof identity, 0, 0));
+    if (!message) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Error, "Time-out not delivered: there is no memory");
+        return;
+    }
+    std::memcpy(message->payload(), &identity, sizeof identity);
+    if (postToEu(message, eu) == EAaSysComStatus_QueueFull) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Error, "Time-out not delivered: the queue of its EU is full");
+    }
+}
+
+/// Signals are for the threads of the program.
+void blockSignals()
+{
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, nullptr);
+}
+
+} // namespace
+
+TimerService::~TimerService()
+{
+    m_isEnding.store(true);
+    stir();
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
+}
+
+TAaTimerId TimerService::arm(TAaProEuId eu, Nanoseconds timeout, const void* identity)
+{
+    const std::lock_guard lock(m_mutex);
+    const Deadline deadline = Clock::get().monotonic() + timeout;
+    const TAaTimerId id = ++m_lastId;
+    const auto entry = m_timeouts.emplace(Key(deadline, id), Timeout{eu, identity}).first;
+    m_deadlines.emplace(id, deadline);
+    if (!m_thread.joinable()) {
+        m_thread = std::thread(&TimerService::run, this);
+    } else if (entry == m_timeouts.begin()) {
+        stir();
+    }
+    return id;
+}
+
+bool TimerService::cancel(TAaTimerId timer)
+{
+    const std::lock_guard lock(m_mutex);
+    const auto deadline = m_deadlines.find(timer);
+    if (deadline == m_deadlines.end()) {
+        return false;
+    }
+    m_timeouts.erase(Key(deadline->second, timer));
+    m_deadlines.erase(deadline);
+    return true;
+}
+
+void TimerService::stir()
+{
+    m_changes.fetch_add(1);
+    wakeWaiters(m_changes, 1, false);
+}
+
+void TimerService::run()
+{
+    blockSignals();
+    pthread_setname_np(pthread_self(), "AaTimer");
+    while (!m_isEnding.load()) {
+        const std::uint32_t changes = m_changes.load();
+        const Deadline next = deliverDue();
+        Clock::get().waitWhile(m_changes, changes, next, false);
+    }
+}
+
+/// Delivers what is due. @return when the next one is.
+Deadline TimerService::deliverDue()
+{
+    const std::lock_guard lock(m_mutex);
+    while (!m_timeouts.empty()) {
+        const auto first = m_timeouts.begin();
+        if (first->first.first > Clock::get().monotonic()) {
+            return first->first.first;
+        }
+        deliver(first->second.eu, first->second.identity);
+        m_deadlines.erase(first->first.second);
+        m_timeouts.erase(first);
+    }
+    return noDeadline;
+}
+
+} // namespace dorn::host
+
+TAaTimerId AaTimerArm(int64_t timeout, const void* identity)
+{
+    using namespace dorn::host;
+    const TAaProEuId eu = AaProEuCurrent();
+    if (timeout < 0 || eu == 0) {
+        return 0;
+    }
+    try {
+        return PerNode<TimerService>::get().arm(eu, std::chrono::microseconds(timeout), identity);
+    } catch (const std::exception& error) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Error, "Time-out not armed: %s", error.what());
+        return 0;
+    }
+}
+
+int32_t AaTimerCancel(TAaTimerId timer)
+{
+    using namespace dorn::host;
+    TimerService* const service = PerNode<TimerService>::ifOpen();
+    return service && service->cancel(timer) ? 0 : 1;
+}

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+/// @file TimerService.hpp
+/// Time-outs as messages.
+#pragma once
+
+#include "AaPro.h"
+#include "AaTimer.h"
+#include "port/Clock.hpp"
+
+#include <atomic>
+#include <map>
+#include <mutex>
+#include <thread>
+#include <unordered_map>
+#include <utility>
+
+namespace dorn::host {
+
+/// Keeps the armed time-outs by deadline and sleeps until the earliest. Its thread starts with the first time-out and
+/// sleeps without limit while none is armed. Arming and cancelling cost O(log n).
+class TimerService {
+public:
+    TimerService() = default;
+    ~TimerService();
+    TimerService(const TimerService&) = delete;
+    TimerService& operator=(const TimerService&) = delete;
+
+    TAaTimerId arm(TAaProEuId eu, Nanoseconds timeout, const void* identity);
+    bool cancel(TAaTimerId timer);
+
+private:
+    struct Timeout {
+        TAaProEuId eu;
+        const void* identity;
+    };
+    /// Deadline and id: time-outs of one deadline arrive in the order in which they were armed.
+    using Key = std::pair<Deadline, TAaTimerId>;
+
+    void run();
+    Deadline deliverDue();
+    void stir();
+
+    std::mutex m_mutex;
+    std::map<Key, Timeout> m_timeouts;
+    std::unordered_map<TAaTimerId, Deadline> m_deadlines;
+    TAaTimerId m_lastId = 0;
+    std::atomic<std::uint32_t> m_changes{0};
+    std::atomic<bool> m_isEnding{false};
+    std::thread m_thread;
+};
+
+} // namespace dorn::host
