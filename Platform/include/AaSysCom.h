@@ -114,9 +114,9 @@ void* AaSysComMsgCreate(TAaSysComMsgId id, uint16_t payloadSize, TAaSysComSicad 
 
 /// Sends a message and takes it, whatever the result; the caller's handle is set to null.
 ///
-/// Does not wait while the receiver keeps up. A receiver in another process whose kernel queue is full makes the call
-/// wait for room up to the provider's back-pressure time; then the message is destroyed, a warning is logged and
-/// `EAaSysComStatus_QueueFull` is returned.
+/// Does not wait while the receiver keeps up. A receiver whose queue is full makes the call wait for room up to the
+/// provider's back-pressure time; then the message is destroyed, a warning is logged and `EAaSysComStatus_QueueFull` is
+/// returned. An EU that fills its own queue does not wait.
 /// @param message address of the handle.
 /// @return an #EAaSysComStatus. Everything but success has been logged and the message has been destroyed.
 int32_t AaSysComMsgSend(void** message);

@@ -2,6 +2,7 @@
 #include "syscom/MessageQueue.hpp"
 
 #include <algorithm>
+#include <limits>
 #include <unistd.h>
 
 namespace dorn::host {
@@ -17,8 +18,8 @@ Message* const closed = reinterpret_cast<Message*>(closedMark);
 constexpr std::uint32_t takesBetweenLooks = 64;
 
 /// How long an EU watches its queue before it sleeps; a little less than what sleeping and being woken costs.
-constexpr std::chrono::nanoseconds spinTime{4000};
-constexpr int spinChecksPerTimeCheck = 32;
+constexpr std::chrono::nanoseconds spinTime{10000};
+constexpr int spinChecksPerLook = 8;
 constexpr int greatestSpinCredit = 8;
 constexpr std::uint32_t sleepsBetweenProbes = 32;
 
@@ -45,7 +46,36 @@ MessageQueue::~MessageQueue()
     delete m_waitSet.load();
 }
 
-MessageQueue::PushResult MessageQueue::push(Message* message)
+MessageQueue::PushResult MessageQueue::push(Message* message, Deadline until)
+{
+    PushResult result = tryPush(message);
+    if (result != PushResult::Full || until == Deadline(0)) {
+        return result;
+    }
+    m_blockedSenders.fetch_add(1);
+    for (;;) {
+        const std::uint32_t signal = m_roomSignal.load();
+        result = tryPush(message);
+        if (result != PushResult::Full || Clock::get().monotonic() >= until) {
+            break;
+        }
+        Clock::get().waitWhile(m_roomSignal, signal, until, false);
+    }
+    m_blockedSenders.fetch_sub(1);
+    return result;
+}
+
+/// Makes room for messages and tells those who wait for it.
+void MessageQueue::countOut(std::int32_t count)
+{
+    m_inboundCount.fetch_sub(count);
+    if (m_blockedSenders.load() > 0) {
+        m_roomSignal.fetch_add(1);
+        wakeWaiters(m_roomSignal, std::numeric_limits<int>::max(), false);
+    }
+}
+
+MessageQueue::PushResult MessageQueue::tryPush(Message* message)
 {
     if (m_inboundCount.fetch_add(1, std::memory_order_relaxed) >= capacity) {
         m_inboundCount.fetch_sub(1, std::memory_order_relaxed);
@@ -107,7 +137,7 @@ Message* MessageQueue::receive(Deadline until, const std::span<const std::uint16
         if (until == Deadline(0) && !hasDescriptors()) {
             return nullptr;
         }
-        if (until != Deadline(0) && spinForInbound()) {
+        if (until != Deadline(0) && spin()) {
             continue;
         }
         const Message* const lastBefore = m_last;
@@ -158,25 +188,37 @@ bool MessageQueue::sleep(Deadline until)
     return true;
 }
 
-/// Watches the queue for a moment. Pays off between EUs that answer each other at once; where it does not, it is tried
-/// only now and then.
-bool MessageQueue::spinForInbound()
+/// Watches the queue and the descriptors for a moment. Pays off between EUs that answer each other at once and under a
+/// stream of messages; where it does not, it is tried only now and then.
+bool MessageQueue::spin()
 {
     if (!mayUseSpinning() || (m_spinCredit == 0 && ++m_sleeps % sleepsBetweenProbes != 0)) {
         return false;
     }
+    WaitSet* const set = hasDescriptors() && !isPendingFull() ? &waitSet() : nullptr;
+    const Message* const lastBefore = m_last;
     const auto end = std::chrono::steady_clock::now() + spinTime;
     do {
-        for (int check = 0; check < spinChecksPerTimeCheck; ++check) {
+        for (int check = 0; check < spinChecksPerLook; ++check) {
             if (m_inbound.load(std::memory_order_relaxed)) {
-                m_spinCredit = std::min(m_spinCredit + 2, greatestSpinCredit);
-                return true;
+                return noteSpin(true);
             }
             relaxProcessor();
         }
+        if (set) {
+            set->wait(Deadline(0));
+        }
+        if (m_last != lastBefore) {
+            return noteSpin(true);
+        }
     } while (std::chrono::steady_clock::now() < end);
-    m_spinCredit = std::max(m_spinCredit - 1, 0);
-    return false;
+    return noteSpin(false);
+}
+
+bool MessageQueue::noteSpin(bool hasPaidOff)
+{
+    m_spinCredit = hasPaidOff ? std::min(m_spinCredit + 2, greatestSpinCredit) : std::max(m_spinCredit - 1, 0);
+    return hasPaidOff;
 }
 
 bool MessageQueue::takeOverInbound()
@@ -194,7 +236,7 @@ bool MessageQueue::takeOverInbound()
         message = next;
         ++count;
     }
-    m_inboundCount.fetch_sub(count, std::memory_order_relaxed);
+    countOut(count);
     bool hasAny = false;
     while (reversed) {
         Message* const next = reversed->next;
@@ -304,7 +346,7 @@ std::size_t MessageQueue::close()
         message = next;
         ++inbound;
     }
-    m_inboundCount.fetch_sub(inbound, std::memory_order_relaxed);
+    countOut(inbound);
     while (Message* const pending = takeFirst()) {
         Message::destroy(pending);
     }

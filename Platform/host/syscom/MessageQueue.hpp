@@ -32,8 +32,8 @@ public:
 
     // By any thread:
 
-    /// Hands a message over. It stays the caller's unless the result is Ok.
-    PushResult push(Message* message);
+    /// Hands a message over, waiting for room until @p until. It stays the caller's unless the result is Ok.
+    PushResult push(Message* message, Deadline until = Deadline(0));
     /// See AaSysComEuWakeUp(). Safe in a signal handler.
     void requestWakeUp() noexcept;
     /// The descriptors that receive() also waits for; made at the first call. @throws std::system_error
@@ -60,13 +60,16 @@ private:
         Message* last = nullptr;
     };
 
+    PushResult tryPush(Message* message);
+    void countOut(std::int32_t count);
     bool takeOverInbound();
     void append(Message* message);
     Message* takeFirst();
     Message* takeFirstOf(std::span<const std::uint16_t> ids);
     void indexPending();
     void unlink(Message* message);
-    bool spinForInbound();
+    bool spin();
+    bool noteSpin(bool hasPaidOff);
     bool sleep(Deadline until);
     bool hasDescriptors() const;
     void lookAtDescriptors();
@@ -75,6 +78,8 @@ private:
     // Senders and owner; on a line of its own.
     alignas(64) std::atomic<Message*> m_inbound{nullptr};
     std::atomic<std::int32_t> m_inboundCount{0};
+    std::atomic<std::int32_t> m_blockedSenders{0};
+    std::atomic<std::uint32_t> m_roomSignal{0}; ///< changes when there is room again
     std::atomic<bool> m_wakeUpRequested{false};
     std::atomic<WaitSet*> m_waitSet{nullptr};
 

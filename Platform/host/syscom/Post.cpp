@@ -10,14 +10,16 @@
 
 namespace dorn::host {
 
-EAaSysComStatus postToEu(std::unique_ptr<Message, MessageDeleter>& message, TAaProEuId euId)
+EAaSysComStatus postToEu(std::unique_ptr<Message, MessageDeleter>& message, TAaProEuId euId, Nanoseconds patience)
 {
     Eu* const eu = eus::find(euId);
     if (!eu) {
         return EAaSysComStatus_NoReceiver;
     }
+    // An EU that waited for room in its own queue would wait for itself.
+    const bool mayWait = patience > Nanoseconds(0) && eu != eus::currentIfAny();
     message->targetEu = euId;
-    switch (eu->queue.push(message.get())) {
+    switch (eu->queue.push(message.get(), mayWait ? Clock::get().monotonic() + patience : Deadline(0))) {
     case MessageQueue::PushResult::Ok:
         message.release(); // NOLINT(bugprone-unused-return-value): the queue owns it
         return EAaSysComStatus_Ok;
@@ -37,7 +39,7 @@ EAaSysComStatus post(std::unique_ptr<Message, MessageDeleter>& message, Nanoseco
     }
     const auto cpid = static_cast<TAaSysComCpid>(receiver & 0xFFFFU);
     if (const TAaProEuId eu = localHolder(cpid)) {
-        return postToEu(message, eu);
+        return postToEu(message, eu, patience);
     }
     try {
         const Deadline until = patience > Nanoseconds(0) ? Clock::get().monotonic() + patience : Deadline(0);

@@ -10,7 +10,7 @@
 
 namespace dorn::host {
 
-/// How long a send waits for room at a receiver in another process.
+/// How long a send waits for room at its receiver.
 constexpr std::chrono::seconds backPressureTime{1};
 
 /// Delivers @p message to its receiver, in this process or another, waiting for room for @p patience at most. The
@@ -18,6 +18,7 @@ constexpr std::chrono::seconds backPressureTime{1};
 EAaSysComStatus post(std::unique_ptr<Message, MessageDeleter>& message, Nanoseconds patience);
 
 /// Delivers @p message to an EU of this process, whatever its receiver's address. Ownership as for post().
-EAaSysComStatus postToEu(std::unique_ptr<Message, MessageDeleter>& message, TAaProEuId eu);
+EAaSysComStatus postToEu(std::unique_ptr<Message, MessageDeleter>& message, TAaProEuId eu,
+                         Nanoseconds patience = Nanoseconds(0));
 
 } // namespace dorn::host

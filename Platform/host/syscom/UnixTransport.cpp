@@ -6,6 +6,7 @@
 #include "syscom/UnixEndpoint.hpp"
 #include "syscom/UnixSocket.hpp"
 
+#include <array>
 #include <cerrno>
 #include <mutex>
 #include <poll.h>
@@ -50,7 +51,15 @@ private:
     UnixSocket m_socket;
 };
 
-UnixTransport::UnixTransport() : m_directory(PerNode<RunDirectory>::get())
+/// The connection that the calling thread used last for a receiver, so that a stream of messages takes no lock and
+/// touches no shared count. Good as long as no connection has been given up since.
+struct UnixTransport::Recent {
+    std::uint64_t generation = 0;
+    TAaSysComCpid receiver = 0;
+    std::shared_ptr<Connection> connection;
+};
+
+UnixTransport::UnixTransport() : m_directory(PerNode<RunDirectory>::get()), m_generation(newGeneration())
 {
     m_directory.makeSubdirectory(socketFolder);
 }
@@ -62,8 +71,9 @@ EAaSysComStatus UnixTransport::send(TAaSysComCpid receiver, std::span<const std:
     // A connection may have outlived its receiver; then the cpid's present holder is looked for once.
     for (int attempt = 0; attempt < 2; ++attempt) {
         EAaSysComStatus status = EAaSysComStatus_NoReceiver;
-        const std::shared_ptr<Connection> connection = connectionTo(receiver, status);
+        const Connection* const connection = recentConnectionTo(receiver, status);
         if (!connection) {
+            recentFor(receiver) = {};
             return status;
         }
         const int error = connection->send(frame, until);
@@ -76,6 +86,28 @@ EAaSysComStatus UnixTransport::send(TAaSysComCpid receiver, std::span<const std:
         forget(receiver, connection);
     }
     return EAaSysComStatus_NoReceiver;
+}
+
+UnixTransport::Recent& UnixTransport::recentFor(TAaSysComCpid receiver)
+{
+    static thread_local std::array<Recent, 8> recent;
+    return recent[receiver % recent.size()];
+}
+
+std::uint64_t UnixTransport::newGeneration()
+{
+    static std::atomic<std::uint64_t> last{0}; // of all transports, as a thread outlives them
+    return last.fetch_add(1) + 1;
+}
+
+const UnixTransport::Connection* UnixTransport::recentConnectionTo(TAaSysComCpid receiver, EAaSysComStatus& status)
+{
+    Recent& recent = recentFor(receiver);
+    const std::uint64_t generation = m_generation.load(std::memory_order_acquire);
+    if (recent.receiver != receiver || recent.generation != generation) {
+        recent = {generation, receiver, connectionTo(receiver, status)};
+    }
+    return recent.connection.get();
 }
 
 std::shared_ptr<UnixTransport::Connection> UnixTransport::connectionTo(TAaSysComCpid receiver, EAaSysComStatus& status)
@@ -102,12 +134,13 @@ std::shared_ptr<UnixTransport::Connection> UnixTransport::connectionTo(TAaSysCom
     return m_connections[receiver] = std::make_shared<Connection>(std::move(socket));
 }
 
-void UnixTransport::forget(TAaSysComCpid receiver, const std::shared_ptr<Connection>& connection)
+void UnixTransport::forget(TAaSysComCpid receiver, const Connection* connection)
 {
     const std::unique_lock lock(m_mutex);
     const auto known = m_connections.find(receiver);
-    if (known != m_connections.end() && known->second == connection) {
+    if (known != m_connections.end() && known->second.get() == connection) {
         m_connections.erase(known);
+        m_generation.store(newGeneration(), std::memory_order_release);
     }
 }
 

@@ -5,6 +5,8 @@
 
 #include "port/Transport.hpp"
 
+#include <atomic>
+#include <cstdint>
 #include <memory>
 #include <shared_mutex>
 #include <unordered_map>
@@ -29,9 +31,15 @@ private:
     class Connection;
 
     std::shared_ptr<Connection> connectionTo(TAaSysComCpid receiver, EAaSysComStatus& status);
-    void forget(TAaSysComCpid receiver, const std::shared_ptr<Connection>& connection);
+    const Connection* recentConnectionTo(TAaSysComCpid receiver, EAaSysComStatus& status);
+    void forget(TAaSysComCpid receiver, const Connection* connection);
+
+    struct Recent;
+    static Recent& recentFor(TAaSysComCpid receiver);
+    static std::uint64_t newGeneration();
 
     const RunDirectory& m_directory;
+    std::atomic<std::uint64_t> m_generation; ///< changes whenever a connection is given up
     std::shared_mutex m_mutex;
     std::unordered_map<TAaSysComCpid, std::shared_ptr<Connection>> m_connections;
 };
