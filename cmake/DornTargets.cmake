@@ -6,9 +6,11 @@ function(dorn_library name)
     target_link_libraries(dorn_${name} PUBLIC Threads::Threads)
 endfunction()
 
-# dorn_service(NAME SOURCES...) makes the executable DornNAMEExe of a hardware service on the host platform.
+# dorn_service(NAME SOURCES sources... [LIBRARIES libraries...]) makes the executable DornNAMEExe of a hardware service on
+# the host platform. The libraries stand in front of the platform's provider, whose functions they use.
 function(dorn_service name)
-    add_executable(Dorn${name}Exe ${ARGN})
-    target_link_libraries(Dorn${name}Exe PRIVATE dorn::dorn dorn::host)
+    cmake_parse_arguments(SERVICE "" "" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(Dorn${name}Exe ${SERVICE_SOURCES})
+    target_link_libraries(Dorn${name}Exe PRIVATE ${SERVICE_LIBRARIES} dorn::dorn dorn::host)
     set_target_properties(Dorn${name}Exe PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 endfunction()

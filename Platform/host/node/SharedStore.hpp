@@ -41,6 +41,9 @@ public:
     /// The whole mapping, beginning with the header.
     std::byte* data() const { return m_data; }
     std::size_t size() const { return m_size; }
+    /// The file, for a second mapping of a part of it; stays the store's. No other descriptor of the file may be closed
+    /// while a record lock is held: the kernel would give up the locks with it.
+    int descriptor() const { return m_descriptor; }
 
     /// Tries to get the record lock on byte @p index for this process; it is given up when the process ends, however.
     /// Threads of one process do not exclude each other.

@@ -47,9 +47,9 @@ class Transport {
 public:
     virtual ~Transport() = default;
 
-    /// Sends a frame to the process that holds @p receiver, waiting for room until @p until.
+    /// Sends a frame to the process that holds @p receiver, waiting for room for @p patience at most.
     /// Threads may send at once; frames of one thread to one receiver keep their order.
-    virtual EAaSysComStatus send(TAaSysComCpid receiver, std::span<const std::byte> frame, Deadline until) = 0;
+    virtual EAaSysComStatus send(TAaSysComCpid receiver, std::span<const std::byte> frame, Nanoseconds patience) = 0;
 
     /// Makes @p cpid, which this process holds alone, reachable.
     /// @return null with `errno` set when that is not possible.

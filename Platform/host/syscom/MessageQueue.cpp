@@ -46,12 +46,13 @@ MessageQueue::~MessageQueue()
     delete m_waitSet.load();
 }
 
-MessageQueue::PushResult MessageQueue::push(Message* message, Deadline until)
+MessageQueue::PushResult MessageQueue::push(Message* message, Nanoseconds patience)
 {
     PushResult result = tryPush(message);
-    if (result != PushResult::Full || until == Deadline(0)) {
+    if (result != PushResult::Full || patience <= Nanoseconds(0)) {
         return result;
     }
+    const Deadline until = Clock::get().monotonic() + patience;
     m_blockedSenders.fetch_add(1);
     for (;;) {
         const std::uint32_t signal = m_roomSignal.load();

@@ -32,8 +32,8 @@ public:
 
     // By any thread:
 
-    /// Hands a message over, waiting for room until @p until. It stays the caller's unless the result is Ok.
-    PushResult push(Message* message, Deadline until = Deadline(0));
+    /// Hands a message over, waiting for room for @p patience at most. It stays the caller's unless the result is Ok.
+    PushResult push(Message* message, Nanoseconds patience = Nanoseconds(0));
     /// See AaSysComEuWakeUp(). Safe in a signal handler.
     void requestWakeUp() noexcept;
     /// The descriptors that receive() also waits for; made at the first call. @throws std::system_error

@@ -19,7 +19,7 @@ EAaSysComStatus postToEu(std::unique_ptr<Message, MessageDeleter>& message, TAaP
     // An EU that waited for room in its own queue would wait for itself.
     const bool mayWait = patience > Nanoseconds(0) && eu != eus::currentIfAny();
     message->targetEu = euId;
-    switch (eu->queue.push(message.get(), mayWait ? Clock::get().monotonic() + patience : Deadline(0))) {
+    switch (eu->queue.push(message.get(), mayWait ? patience : Nanoseconds(0))) {
     case MessageQueue::PushResult::Ok:
         message.release(); // NOLINT(bugprone-unused-return-value): the queue owns it
         return EAaSysComStatus_Ok;
@@ -42,8 +42,7 @@ EAaSysComStatus post(std::unique_ptr<Message, MessageDeleter>& message, Nanoseco
         return postToEu(message, eu, patience);
     }
     try {
-        const Deadline until = patience > Nanoseconds(0) ? Clock::get().monotonic() + patience : Deadline(0);
-        const EAaSysComStatus status = activeTransport().send(cpid, message->frame(), until);
+        const EAaSysComStatus status = activeTransport().send(cpid, message->frame(), patience);
         if (status == EAaSysComStatus_Ok) {
             message.reset();
         }

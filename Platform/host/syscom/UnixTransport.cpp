@@ -31,8 +31,9 @@ public:
     explicit Connection(UnixSocket socket) : m_socket(std::move(socket)) {}
 
     /// @return 0 or the error number; EAGAIN when there was no room in time.
-    int send(std::span<const std::byte> frame, Deadline until) const
+    int send(std::span<const std::byte> frame, Nanoseconds patience) const
     {
+        Deadline until = Deadline(0); // reckoned only when there is no room
         for (;;) {
             if (::send(m_socket.get(), frame.data(), frame.size(), MSG_NOSIGNAL | MSG_DONTWAIT) >= 0) {
                 return 0;
@@ -40,6 +41,9 @@ public:
             const int error = errno;
             if (error == EINTR) {
                 continue;
+            }
+            if (error == EAGAIN && until == Deadline(0) && patience > Nanoseconds(0)) {
+                until = Clock::get().monotonic() + patience;
             }
             if (error != EAGAIN || !Clock::get().waitDescriptor(m_socket.get(), POLLOUT, until)) {
                 return error;
@@ -66,7 +70,7 @@ UnixTransport::UnixTransport() : m_directory(PerNode<RunDirectory>::get()), m_ge
 
 UnixTransport::~UnixTransport() = default;
 
-EAaSysComStatus UnixTransport::send(TAaSysComCpid receiver, std::span<const std::byte> frame, Deadline until)
+EAaSysComStatus UnixTransport::send(TAaSysComCpid receiver, std::span<const std::byte> frame, Nanoseconds patience)
 {
     // A connection may have outlived its receiver; then the cpid's present holder is looked for once.
     for (int attempt = 0; attempt < 2; ++attempt) {
@@ -76,7 +80,7 @@ EAaSysComStatus UnixTransport::send(TAaSysComCpid receiver, std::span<const std:
             recentFor(receiver) = {};
             return status;
         }
-        const int error = connection->send(frame, until);
+        const int error = connection->send(frame, patience);
         if (error == 0) {
             return EAaSysComStatus_Ok;
         }

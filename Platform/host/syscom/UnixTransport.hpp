@@ -24,7 +24,7 @@ public:
     UnixTransport();
     ~UnixTransport() override;
 
-    EAaSysComStatus send(TAaSysComCpid receiver, std::span<const std::byte> frame, Deadline until) override;
+    EAaSysComStatus send(TAaSysComCpid receiver, std::span<const std::byte> frame, Nanoseconds patience) override;
     std::unique_ptr<Endpoint> open(TAaSysComCpid cpid, WaitSet& waitSet, FrameSink& sink) override;
 
 private:

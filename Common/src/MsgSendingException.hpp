@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+/// @file MsgSendingException.hpp
+/// A message that could not be sent; known to users as `HwapiAlarm::MsgSendingException`.
+#pragma once
+
+#include "CHwapiException.hpp"
+
+namespace vel::hwapi::common {
+
+/// Thrown when a message could not be made or sent.
+class MsgSendingException : public CHwapiException {
+public:
+    MsgSendingException(const std::string& description, const char* file, ssize_t line)
+        : CHwapiException("Message sending failed", description, file, line)
+    {
+    }
+};
+
+} // namespace vel::hwapi::common

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+/// @file Service.hpp
+/// The process of a hardware service.
+///
+/// Derive one class from Service, construct one object of it in `main` and return what Startup() returns:
+///
+/// 1. The constructor is given the service's name, cpid and R&D parameters. Options of the service's own are declared
+///    through GetArgumentParser().
+/// 2. Startup(), on the process's main thread, reads the command line, calls PreStartup(), brings up the platform and
+///    creates the main execution unit (EU). From then on it waits.
+/// 3. The main EU connects to the middleware and calls Init(), where the service registers its message handlers.
+/// 4. The main EU calls Run() again and again: each call waits for one message and gives it to its delegate.
+/// 5. Terminate(), a request to end the process (SIGTERM, Ctrl-C) or an exception ends the main EU and Startup().
+///
+/// Init(), Run() and every delegate run on the main EU. The service's state is published in an R&D parameter: 1
+/// starting, 2 waiting for a message, 3 handling one, 4 ended, 5 failed; 7 and above are the service's own.
+#pragma once
+
+#include "AaSem.h"
+#include "AaSysCom.h"
+#include "ArgParser.hpp"
+#include "CHwapiException.hpp"
+#include "Msg.hpp"
+#include "MsgDelegate.hpp"
+#include "MsgDelegateBase.hpp"
+#include "RedundancyTypes.hpp"
+#include "rad/ERadHwapi.h"
+#include "rad/ERadHwapiState.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <type_traits>
+
+namespace vel::hwapi::common {
+
+class Service {
+public:
+    class InitFailedException;
+    class RuntimeException;
+
+    using HwapiRedundancyRegisterReqMsg = Msg<SHwapiRedundancyRegisterReq, 4017>;
+    using HwapiRedundancyRegisterRespMsg = Msg<SHwapiRedundancyRegisterResp, 4018>;
+    using HwapiRedundancyStateReqMsg = Msg<SHwapiRedundancyStateReq, 4019>;
+    using HwapiRedundancyStateRespMsg = Msg<SHwapiRedundancyStateResp, 4020>;
+    using ApiRedundancyIndMsg = Msg<SApiRedundancyInd, 4016>;
+
+    /// Makes this object the process's service, see Get().
+    /// @param name short name, e.g. "Ping" for the executable DornPingExe; the main EU is called after it
+    /// @param id the cpid under which the service is addressed
+    /// @param radId R&D parameter that switches the service's prints on; the feature id of its log lines
+    /// @param stateRadId R&D parameter in which the service's state is published
+    Service(std::string name, unsigned short id, ERadHwapi radId, ERadHwapiState stateRadId);
+    Service(const Service&) = delete;
+    Service& operator=(const Service&) = delete;
+
+    /// Publishes state 4 and deletes all delegates. An exception out of a delegate's destructor ends the process.
+    virtual ~Service();
+
+    /// Publishes a service state. Values up to 5 are the framework's and are passed over when they have been switched
+    /// off, see SetUseCommonServiceState(); 6 is never published.
+    virtual void SetServiceStateRad(unsigned int state);
+
+    /// Called by Startup() when the command line has been read and before the platform is up. Its result is not used.
+    virtual unsigned int PreStartup();
+
+    /// Called on the main EU when it has been connected to the middleware: register message handlers here.
+    /// @throws InitFailedException to end the service.
+    virtual void Init();
+
+    /// Waits for one message and handles it. A message for whose id there is no delegate is logged and destroyed.
+    /// @return non-zero while the service is to go on.
+    /// @throws RuntimeException when a delegate threw a std::exception.
+    virtual unsigned int Run();
+
+    /// Gives up the message queue and the cpid.
+    virtual void Exit();
+
+    /// Called when the redundancy manager has given a command.
+    /// @param state receives what is to be answered
+    /// @return true to have the state sent to the manager.
+    virtual bool HandleRedundancyStateCommand(ERedundancyCommand command, ERedundancyState* state);
+
+    /// Called when an observed configuration tag was set, on a thread of the platform.
+    virtual void HandleConfigTagChange(std::string tag, unsigned int value);
+
+    /// Returns the service that was constructed last; null before the first.
+    static Service* Get() { return m_impl; }
+
+    /// Runs the service. Blocks until it has ended.
+    ///
+    /// A request to end the process lets the message in hand be finished and ends the service normally; one that comes
+    /// before the main EU waits for its first message is kept until then. A second request ends the process at once.
+    /// @return 1 when the service ended normally or the command line asked for help; 0 when the command line is wrong
+    ///   (told on standard error), the main EU could not be created, or it ended because of an exception (both logged).
+    /// @throws InitFailedException when the platform could not be brought up.
+    unsigned int Startup(int argc, char** argv);
+
+    /// Entry of the main EU. @p args points at a pointer to the word that receives 1 for a normal end and 0 for
+    /// another. @return null.
+    static void* ServiceMainEu(void* args);
+
+    /// Connects to the middleware and calls Init(). Called on the main EU.
+    /// @throws InitFailedException when the cpid was not granted, or out of Init(); the cpid has been given up then.
+    void InitEu();
+
+    /// Ends the service after the message in hand. While no message is in hand, the next one is waited for and handled
+    /// first. May be called from any thread.
+    void Terminate();
+
+    /// Registers a delegate for its message id. Call it from Init() or from a delegate.
+    /// @param delegate owned by the service from now on, unless a delegate of its id is registered already: that one
+    ///   stays, and @p delegate remains the caller's.
+    /// @throws InvalidParameterException when @p delegate is null. Any other failure ends the process.
+    void AddMsgDelegate(MsgDelegateBase* delegate);
+
+    /// Deletes the delegate of @p msgId; does nothing when there is none. A delegate may remove itself.
+    /// @throws RuntimeException when the delegate's destructor threw a std::exception; it is no longer registered then.
+    void RemoveMsgDelegate(unsigned int msgId);
+
+    /// Tells whether a delegate of @p msgId is registered.
+    bool HasMsgDelegate(unsigned int msgId) const;
+
+    /// Registers a member function of @p target as the handler of the message id that its parameter names, see
+    /// MsgDelegate.hpp. Call it from Init() or from a delegate.
+    /// @param target must live as long as the handler is registered.
+    /// @return true; false, with an error in the log, when a delegate of this id is registered already: that one stays.
+    template <class Target, class Tpayload, unsigned int mid>
+    bool AddMsgHandler(std::type_identity_t<Target>& target, void (Target::*handler)(Msg<Tpayload, mid>))
+    {
+        return addOrDrop(std::make_unique<MsgDelegate<Target, Tpayload, mid>>(target, handler, m_radId));
+    }
+
+    /// Registers a member function of this service: `AddMsgHandler(&PingS::HandlePing);`
+    template <class Derived, class Tpayload, unsigned int mid>
+    bool AddMsgHandler(void (Derived::*handler)(Msg<Tpayload, mid>))
+    {
+        static_assert(std::is_base_of_v<Service, Derived>, "name the object whose member function this is");
+        return AddMsgHandler(static_cast<Derived&>(*this), handler);
+    }
+
+    /// Returns the service's own address.
+    TAaSysComSicad GetSicad();
+    std::string GetName() { return m_name; }
+    ERadHwapi GetRadId() { return m_radId; }
+    ArgParser& GetArgumentParser() { return m_argParser; }
+
+    /// 1 has Startup() switch the service's prints on.
+    void SetVerbose(unsigned int verbose) { m_verbose = verbose; }
+
+    /// Returns the published service state.
+    unsigned int GetServiceStateRad();
+
+    /// 0 leaves the publishing of states to the service: the framework's own are no longer published.
+    void SetUseCommonServiceState(unsigned int use) { m_useCommonServiceState = use; }
+
+protected:
+    unsigned int m_useCommonServiceState;
+    ERadHwapiState m_uRadStateId;
+    std::string m_name;
+    TAaSysComCpid m_id; ///< the cpid that is asked for
+    ERadHwapi m_radId;
+    std::map<unsigned int, MsgDelegateBase*> m_delegates;
+    TAaSysComCpid m_cpId; ///< the cpid that was granted; 0 before that
+    ArgParser m_argParser;
+    unsigned int m_verbose;
+    unsigned int m_terminate;
+
+    static Service* m_impl;
+    static AaSemReMutex* m_wfctMapSem; ///< guards the threads that wait for configuration tags
+
+private:
+    bool addOrDrop(std::unique_ptr<MsgDelegateBase> delegate);
+    bool isHelpWanted();
+    unsigned int runMainEu();
+    void dispatch(void* message);
+};
+
+/// The service could not be started.
+class Service::InitFailedException : public CHwapiException {
+public:
+    InitFailedException(const std::string& description, const char* file, ssize_t line)
+        : CHwapiException("Initialization failed", description, file, line)
+    {
+    }
+};
+
+/// The service cannot go on.
+class Service::RuntimeException : public CHwapiException {
+public:
+    RuntimeException(const std::string& description, const char* file, ssize_t line)
+        : CHwapiException("Runtime error", description, file, line)
+    {
+    }
+};
+
+} // namespace vel::hwapi::common

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "ClimateS.hpp"
+
+#include "AaConfigTag.h"
+#include "AaSysLog.h"
+
+#include <array>
+
+namespace dorn::examples {
+namespace {
+
+constexpr std::int64_t measuringPeriod = 500000; // micro-seconds
+constexpr std::uint32_t defaultAmbient = 25;
+constexpr std::array<std::uint32_t, 3> colourOfLevel{ELedColour_Green, ELedColour_Amber, ELedColour_Red};
+
+} // namespace
+
+ClimateS::ClimateS() : Service("ClimateS", climateServiceCpid, ERadHwapi_ClimateS, ERadHwapiState_ClimateState)
+{
+    GetArgumentParser().SetArgumentInfo("-v Switch this service's prints on\n");
+}
+
+unsigned int ClimateS::PreStartup()
+{
+    SetVerbose(GetArgumentParser().ReadArgument("v") == "arg on" ? 1 : 0);
+    return 1;
+}
+
+void ClimateS::Init()
+{
+    AddMsgHandler(&ClimateS::HandleTimeOut);
+    AddMsgHandler(&ClimateS::HandleStatusReq);
+    AddMsgHandler(&ClimateS::HandleLedSetResp);
+    if (AaTimerArm(measuringPeriod, this) == 0) {
+        throw InitFailedException("No timer to measure by", __FILE__, __LINE__);
+    }
+}
+
+void ClimateS::HandleTimeOut(TimeOutMsg)
+{
+    measure();
+    AaTimerArm(measuringPeriod, this);
+}
+
+void ClimateS::measure()
+{
+    std::uint32_t ambient = defaultAmbient;
+    AaConfigTagGetU32(ambientTag, &ambient);
+    m_thermals.step(static_cast<std::int32_t>(ambient));
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, GetRadId(), "Board %d C, air %u C, fan %u %%",
+                   m_thermals.temperature(), ambient, m_thermals.fanPercent());
+    showAlarmLevel();
+}
+
+void ClimateS::showAlarmLevel()
+{
+    const std::uint32_t colour = colourOfLevel[m_thermals.alarmLevel()];
+    if (colour == m_shownColour) {
+        return;
+    }
+    // Asked again every period until it is confirmed, so that an LED service that starts later catches up.
+    LedSetReqMsg request(AaSysComSicadGet(ledServiceCpid, AaSysComGetOwnNid()), 0);
+    if (request.GetPayload()) {
+        request->led = EFrontLed_Climate;
+        request->colour = colour;
+        m_askedColour = colour;
+        request.SetSender(GetSicad());
+        request.Send();
+    }
+}
+
+void ClimateS::HandleLedSetResp(LedSetRespMsg answer)
+{
+    if (answer->status != 0 || answer->colour != m_askedColour) {
+        return;
+    }
+    m_shownColour = answer->colour;
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Info, GetRadId(), "Climate LED changed from %u to %u", answer->previousColour,
+                   answer->colour);
+}
+
+void ClimateS::HandleStatusReq(ClimateStatusReqMsg request)
+{
+    ClimateStatusRespMsg answer(request.GetSender(), 0);
+    if (!answer.GetPayload()) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
+        return;
+    }
+    answer->transactionId = request->transactionId;
+    answer->temperature = m_thermals.temperature();
+    answer->fanPercent = m_thermals.fanPercent();
+    answer->alarmLevel = m_thermals.alarmLevel();
+    answer.SetSender(GetSicad());
+    answer.Send();
+}
+
+} // namespace dorn::examples

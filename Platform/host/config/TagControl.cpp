@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#include "config/TagControl.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace dorn::host {
+
+struct TagControl::Content {
+    SharedStoreHeader store;
+    std::atomic<std::uint64_t> used; ///< slots in use lie before this one
+    std::array<TagSlot, capacity> slots;
+};
+
+namespace {
+
+/// A slot that lies this far behind is looked at, each time it has fallen as far behind again: its process may be dead.
+constexpr std::uint64_t suspiciousLag = 64;
+
+} // namespace
+
+TagControl::TagControl(const RunDirectory& directory)
+    : m_store(directory, "tags.control", SharedStoreFormat{0x444E5443, 1, sizeof(Content)})
+{
+}
+
+TagControl::~TagControl()
+{
+    if (m_own != capacity) {
+        content().slots[m_own].isActive.store(0, std::memory_order_release);
+    }
+}
+
+TagControl::Content& TagControl::content() const
+{
+    return *reinterpret_cast<Content*>(m_store.data());
+}
+
+TagSlot* TagControl::claim()
+{
+    Content& all = content();
+    for (std::size_t index = 0; m_own == capacity && index < capacity; ++index) {
+        if (m_store.tryLock(index)) {
+            all.slots[index].isActive.store(0, std::memory_order_relaxed);
+            all.slots[index].signal.reset();
+            all.used.store(std::max<std::uint64_t>(all.used.load(), index + 1));
+            m_own = index;
+        }
+    }
+    return m_own != capacity ? &all.slots[m_own] : nullptr;
+}
+
+bool TagControl::forgetIfDead(std::size_t index)
+{
+    if (index == m_own || m_store.lockHolder(index) != 0) {
+        return false;
+    }
+    content().slots[index].isActive.store(0, std::memory_order_release);
+    return true;
+}
+
+std::optional<std::uint64_t> TagControl::oldestCursor(std::uint64_t sequence)
+{
+    Content& all = content();
+    std::optional<std::uint64_t> oldest;
+    const auto used = std::min<std::size_t>(static_cast<std::size_t>(all.used.load()), capacity);
+    for (std::size_t index = 0; index < used; ++index) {
+        const TagSlot& slot = all.slots[index];
+        if (slot.isActive.load(std::memory_order_acquire) == 0) {
+            continue;
+        }
+        const std::uint64_t cursor = slot.cursor.load(std::memory_order_acquire);
+        const std::uint64_t lag = sequence > cursor ? sequence - cursor : 0;
+        if (lag != 0 && lag % suspiciousLag == 0 && forgetIfDead(index)) {
+            continue;
+        }
+        oldest = std::min(oldest.value_or(cursor), cursor);
+    }
+    return oldest;
+}
+
+void TagControl::forgetDead()
+{
+    Content& all = content();
+    const auto used = std::min<std::size_t>(static_cast<std::size_t>(all.used.load()), capacity);
+    for (std::size_t index = 0; index < used; ++index) {
+        if (all.slots[index].isActive.load(std::memory_order_acquire) != 0) {
+            forgetIfDead(index);
+        }
+    }
+}
+
+void TagControl::notifyAll() const
+{
+    Content& all = content();
+    const auto used = std::min<std::size_t>(static_cast<std::size_t>(all.used.load()), capacity);
+    for (std::size_t index = 0; index < used; ++index) {
+        if (all.slots[index].isActive.load(std::memory_order_acquire) != 0) {
+            all.slots[index].signal.notify();
+        }
+    }
+}
+
+} // namespace dorn::host

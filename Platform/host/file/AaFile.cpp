@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: MIT
+#include "AaFile.h"
+
+#include "file/OpenFile.hpp"
+#include "node/BoardRoot.hpp"
+#include "port/FilePort.hpp"
+
+#include <cerrno>
+#include <cstring>
+#include <exception>
+#include <fcntl.h>
+#include <new>
+#include <string>
+#include <sys/stat.h>
+
+/// What the seam calls a file.
+struct AaFile final : dorn::host::OpenFile {
+    using OpenFile::OpenFile;
+};
+
+namespace dorn::host {
+namespace {
+
+/// Where a path of the target lies; empty, with `errno` set, when it is none or there is no memory.
+std::string placeOf(const char* path)
+{
+    errno = EINVAL;
+    if (!path) {
+        return {};
+    }
+    try {
+        std::string place = boardPath(path);
+        return place;
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+        return {};
+    }
+}
+
+/// Sets `errno` from the result of a FilePort. @return whether it is an error.
+template <class Result>
+bool isError(Result result)
+{
+    if (result < 0) {
+        errno = static_cast<int>(-result);
+    }
+    return result < 0;
+}
+
+bool isDirectory(const std::string& place)
+{
+    struct stat status {};
+    return stat(place.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// Makes a directory and those above it.
+bool makeDirectories(const std::string& place)
+{
+    if (isDirectory(place)) {
+        return true;
+    }
+    const std::size_t slash = place.find_last_of('/');
+    if (slash != std::string::npos && slash != 0 && !makeDirectories(place.substr(0, slash))) {
+        return false;
+    }
+    return !isError(FilePort::get().makeDirectory(AT_FDCWD, place.c_str(), 0777)) || isDirectory(place);
+}
+
+} // namespace
+} // namespace dorn::host
+
+using dorn::host::FilePort;
+
+int32_t AaFileGetBoardPath(const char* path, char* buffer, uint32_t bufferSize)
+{
+    const std::string place = dorn::host::placeOf(path);
+    if (place.empty() || !buffer || place.size() >= bufferSize) {
+        return 1;
+    }
+    std::memcpy(buffer, place.c_str(), place.size() + 1);
+    return 0;
+}
+
+AaFile* AaFileOpen(const char* path, const char* mode)
+{
+    const std::string place = dorn::host::placeOf(path);
+    if (place.empty()) {
+        return nullptr;
+    }
+    const int flags = dorn::host::openFlags(mode);
+    if (dorn::host::isError(flags)) {
+        return nullptr;
+    }
+    dorn::host::Descriptor descriptor(FilePort::get().open(AT_FDCWD, place.c_str(), flags, 0666));
+    if (dorn::host::isError(descriptor.get())) {
+        return nullptr;
+    }
+    auto* const file = new (std::nothrow) AaFile(std::move(descriptor));
+    if (!file) {
+        errno = ENOMEM;
+    }
+    return file;
+}
+
+int32_t AaFileClose(AaFile* file)
+{
+    if (!file) {
+        return 0;
+    }
+    const int error = file->close();
+    delete file;
+    return dorn::host::isError(-error) ? 1 : 0;
+}
+
+int32_t AaFileRead(AaFile* file, void* buffer, uint32_t size)
+{
+    if (!file || (!buffer && size != 0) || size > INT32_MAX) {
+        errno = EINVAL;
+        return -1;
+    }
+    return static_cast<int32_t>(file->read(static_cast<char*>(buffer), size));
+}
+
+int32_t AaFileWrite(AaFile* file, const void* buffer, uint32_t size)
+{
+    if (!file || (!buffer && size != 0) || size > INT32_MAX) {
+        errno = EINVAL;
+        return -1;
+    }
+    return static_cast<int32_t>(file->write(static_cast<const char*>(buffer), size));
+}
+
+int32_t AaFileReadLine(AaFile* file, char* buffer, uint32_t bufferSize)
+{
+    if (!file || !buffer || bufferSize < 2 || bufferSize > INT32_MAX) {
+        errno = EINVAL;
+        return -1;
+    }
+    const ssize_t length = file->readLine(buffer, bufferSize - 1);
+    buffer[length < 0 ? 0 : length] = '\0';
+    return static_cast<int32_t>(length);
+}
+
+int32_t AaFileGetSize(AaFile* file)
+{
+    if (!file) {
+        errno = EINVAL;
+        return -1;
+    }
+    const off_t size = file->size();
+    if (size > INT32_MAX) {
+        errno = EOVERFLOW;
+        return -1;
+    }
+    return static_cast<int32_t>(size);
+}
+
+int32_t AaFileRemove(const char* path)
+{
+    const std::string place = dorn::host::placeOf(path);
+    return place.empty() || dorn::host::isError(FilePort::get().remove(AT_FDCWD, place.c_str())) ? 1 : 0;
+}
+
+TBoolean AaFileDirExists(const char* path)
+{
+    const std::string place = dorn::host::placeOf(path);
+    return !place.empty() && dorn::host::isDirectory(place) ? 1 : 0;
+}
+
+int32_t AaFileCreateDir(const char* path)
+{
+    std::string place = dorn::host::placeOf(path);
+    if (place.empty()) {
+        return 1;
+    }
+    while (place.size() > 1 && place.back() == '/') {
+        place.pop_back();
+    }
+    return dorn::host::makeDirectories(place) ? 0 : 1;
+}

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+/// @file DropReport.hpp
+/// Tells on standard error that lines cannot be written, once, and that they can be again.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+namespace dorn::host {
+
+/// Keeps count of the lines that one sink had to drop. Not for several threads at once.
+class DropReport {
+public:
+    explicit DropReport(std::string path) : m_path(std::move(path)) {}
+
+    /// A line could not be written. @param error `errno` value
+    void dropped(int error);
+    /// One could be written. @return how many had been dropped since the last that could.
+    std::uint32_t written();
+
+    /// Takes the count for another process's.
+    void forget() { m_pending = 0; }
+
+    /// Lines dropped since the last that could be written.
+    std::uint32_t pending() const { return m_pending; }
+    /// The error of the first of them.
+    int error() const { return m_error; }
+
+private:
+    std::string m_path;
+    std::uint32_t m_pending = 0;
+    int m_error = 0;
+};
+
+} // namespace dorn::host

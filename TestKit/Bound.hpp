@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+/// @file Bound.hpp
+/// How long a test waits for what must happen.
+#pragma once
+
+#include <chrono>
+
+namespace dorn::testkit {
+
+/// Real time, whatever clock is in use. Generous: it passes only in a test that fails.
+using Bound = std::chrono::milliseconds;
+constexpr Bound generousBound = std::chrono::seconds(20);
+
+} // namespace dorn::testkit

@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: MIT
+#include "ManualClock.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <poll.h>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace dorn::testkit {
+namespace {
+
+using host::Deadline;
+using host::Nanoseconds;
+using host::noDeadline;
+
+/// Uptime of a board on which everything has started.
+constexpr Nanoseconds firstMonotonic = std::chrono::hours(1);
+constexpr Deadline atOnce{0};
+
+/// Makes a thread return from `poll`, for good.
+class Bell {
+public:
+    Bell() : m_descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    {
+        if (m_descriptor < 0) {
+            throw std::system_error(errno, std::generic_category(), "manual clock");
+        }
+    }
+    ~Bell() { close(m_descriptor); }
+    Bell(const Bell&) = delete;
+    Bell& operator=(const Bell&) = delete;
+    int descriptor() const { return m_descriptor; }
+
+private:
+    const int m_descriptor;
+};
+
+} // namespace
+
+/// A thread that waits for a deadline: on a futex word, or in `poll` on some descriptor and its bell.
+struct ManualClock::Sleeper {
+    Deadline until;
+    std::atomic<std::uint32_t>* word = nullptr;
+    bool isShared = false;
+    int bell = -1;
+
+    void wake() const
+    {
+        if (word) {
+            host::wakeWaiters(*word, INT_MAX, isShared);
+        } else {
+            eventfd_write(bell, 1);
+        }
+    }
+};
+
+/// Has the clock know a sleeper while it lives, also when its thread is cancelled.
+class ManualClock::Registration {
+public:
+    Registration(ManualClock& clock, const Sleeper& sleeper) : m_clock(clock)
+    {
+        const std::lock_guard lock(m_clock.m_mutex);
+        m_place = m_clock.m_sleepers.insert(m_clock.m_sleepers.end(), sleeper);
+        m_clock.m_changed.notify_all();
+    }
+    ~Registration()
+    {
+        const std::lock_guard lock(m_clock.m_mutex);
+        m_clock.m_sleepers.erase(m_place);
+        m_clock.m_changed.notify_all();
+    }
+    Registration(const Registration&) = delete;
+    Registration& operator=(const Registration&) = delete;
+
+private:
+    ManualClock& m_clock;
+    std::list<Sleeper>::iterator m_place;
+};
+
+ManualClock::ManualClock(Nanoseconds wall) : m_monotonic(firstMonotonic), m_wall(wall) {}
+
+ManualClock::~ManualClock()
+{
+    std::unique_lock lock(m_mutex);
+    m_monotonic = noDeadline;
+    wakeExpired(lock);
+}
+
+void ManualClock::advance(Nanoseconds by)
+{
+    std::unique_lock lock(m_mutex);
+    m_monotonic += by;
+    m_wall += by;
+    wakeExpired(lock);
+}
+
+void ManualClock::wakeExpired(std::unique_lock<std::mutex>& lock)
+{
+    // A thread that has looked at the clock but does not sleep on its word yet misses a wake-up, hence the repetition.
+    constexpr std::chrono::milliseconds retry(1);
+    const auto isExpired = [this](const Sleeper& sleeper) { return sleeper.until <= m_monotonic; };
+    while (std::any_of(m_sleepers.begin(), m_sleepers.end(), isExpired)) {
+        for (const Sleeper& sleeper : m_sleepers) {
+            if (isExpired(sleeper)) {
+                sleeper.wake();
+            }
+        }
+        m_changed.wait_for(lock, retry);
+    }
+}
+
+void ManualClock::setWall(Nanoseconds wall)
+{
+    const std::lock_guard lock(m_mutex);
+    m_wall = wall;
+}
+
+bool ManualClock::waitForSleepers(std::size_t count, std::chrono::milliseconds bound)
+{
+    std::unique_lock lock(m_mutex);
+    return m_changed.wait_for(lock, bound, [&] { return m_sleepers.size() >= count; });
+}
+
+std::optional<Deadline> ManualClock::nextDeadline() const
+{
+    const std::lock_guard lock(m_mutex);
+    const auto first = std::min_element(m_sleepers.begin(), m_sleepers.end(),
+                                        [](const Sleeper& a, const Sleeper& b) { return a.until < b.until; });
+    return first == m_sleepers.end() ? std::nullopt : std::optional(first->until);
+}
+
+Nanoseconds ManualClock::monotonic() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_monotonic;
+}
+
+Nanoseconds ManualClock::wall() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_wall;
+}
+
+void ManualClock::waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expected, Deadline until, bool shared)
+{
+    if (until == noDeadline) {
+        m_real.waitWhile(word, expected, noDeadline, shared);
+        return;
+    }
+    const Registration registration(*this, {.until = until, .word = &word, .isShared = shared});
+    if (until > monotonic()) {
+        m_real.waitWhile(word, expected, noDeadline, shared);
+    }
+}
+
+int ManualClock::waitEvents(int epollDescriptor, epoll_event* events, int capacity, Deadline until)
+{
+    if (until == noDeadline) {
+        return m_real.waitEvents(epollDescriptor, events, capacity, noDeadline);
+    }
+    if (until > monotonic()) {
+        sleepOn(epollDescriptor, POLLIN, until);
+    }
+    return m_real.waitEvents(epollDescriptor, events, capacity, atOnce);
+}
+
+bool ManualClock::waitDescriptor(int descriptor, short events, Deadline until)
+{
+    if (until == noDeadline) {
+        return m_real.waitDescriptor(descriptor, events, noDeadline);
+    }
+    if (until > monotonic()) {
+        sleepOn(descriptor, events, until);
+    }
+    return m_real.waitDescriptor(descriptor, events, atOnce);
+}
+
+void ManualClock::sleepOn(int descriptor, short events, Deadline until)
+{
+    const Bell bell;
+    const Registration registration(*this, {.until = until, .bell = bell.descriptor()});
+    std::array<pollfd, 2> entries{pollfd{descriptor, events, 0}, pollfd{bell.descriptor(), POLLIN, 0}};
+    if (until > monotonic()) {
+        poll(entries.data(), entries.size(), -1);
+    }
+}
+
+} // namespace dorn::testkit

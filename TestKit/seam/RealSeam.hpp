@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+/// @file RealSeam.hpp
+/// The platform functions past their wrappers: what the TestKit itself calls is neither counted nor made to fail.
+#pragma once
+
+#include "AaFile.h"
+#include "AaPro.h"
+#include "AaSysCom.h"
+
+extern "C" {
+decltype(AaFileClose) __real_AaFileClose;
+decltype(AaProEuCurrent) __real_AaProEuCurrent;
+decltype(AaSysComEuWakeUp) __real_AaSysComEuWakeUp;
+decltype(AaSysComGetOwnNid) __real_AaSysComGetOwnNid;
+decltype(AaSysComMsgCreate) __real_AaSysComMsgCreate;
+decltype(AaSysComMsgDestroy) __real_AaSysComMsgDestroy;
+decltype(AaSysComMsgGetId) __real_AaSysComMsgGetId;
+decltype(AaSysComMsgGetPayload) __real_AaSysComMsgGetPayload;
+decltype(AaSysComMsgGetPayloadSize) __real_AaSysComMsgGetPayloadSize;
+decltype(AaSysComMsgGetReceiver) __real_AaSysComMsgGetReceiver;
+decltype(AaSysComMsgGetSender) __real_AaSysComMsgGetSender;
+decltype(AaSysComMsgReceive) __real_AaSysComMsgReceive;
+decltype(AaSysComMsgSendS) __real_AaSysComMsgSendS;
+decltype(AaSysComSicadGet) __real_AaSysComSicadGet;
+decltype(AaSysComUserDeregister) __real_AaSysComUserDeregister;
+decltype(AaSysComUserRegister) __real_AaSysComUserRegister;
+}
