@@ -20,6 +20,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <deque>
 #include <exception>
 #include <fstream>
 #include <functional>
@@ -79,6 +80,7 @@ private:
     testkit::TestNode m_node{{.nodeId = std::nullopt, .log = "file", .logLevel = std::nullopt}};
     Board m_board;
     host::LogReader m_log;
+    std::deque<host::LogLine> m_unread;
     bool m_isAllWell = true;
     unsigned m_steps = 0;
 };
@@ -101,18 +103,21 @@ void Demonstration::step(const char* text, const std::function<void()>& action)
     std::fflush(stdout);
 }
 
-/// Waits for a log line whose text ends so.
+/// Waits for a log line whose text ends so, among those that came after the last one that was awaited.
 void Demonstration::awaitLine(const std::string& ending)
 {
     const auto until = host::Clock::get().monotonic() + stepBound;
-    while (host::Clock::get().monotonic() < until) {
-        for (const host::LogLine& line : m_log.next(until)) {
+    do {
+        while (!m_unread.empty()) {
+            const host::LogLine line = std::move(m_unread.front());
+            m_unread.pop_front();
             if (line.text.ends_with(ending)) {
                 std::printf("                  | %s %s\n", line.eeName.c_str(), line.text.c_str());
                 return;
             }
         }
-    }
+        std::ranges::move(m_log.next(until), std::back_inserter(m_unread));
+    } while (!m_unread.empty());
     throw std::runtime_error("no log line ends with \"" + ending + "\"");
 }
 

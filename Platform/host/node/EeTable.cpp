@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <span>
 #include <unistd.h>
 
 namespace dorn::host {
@@ -84,16 +83,23 @@ bool EeTable::isAlive(std::size_t place) const
     return place == m_ownPlace || m_store.lockHolder(place) != 0;
 }
 
+/// Places are filled from the first on and never emptied, so the first empty one is the end: what lies behind is not
+/// even touched.
+std::size_t EeTable::placesInUse() const
+{
+    std::size_t place = 0;
+    while (place < capacity && records()[place].pid.load() != 0) {
+        ++place;
+    }
+    return place;
+}
+
 std::size_t EeTable::choosePlace(const std::string& name) const
 {
-    std::size_t empty = capacity;
+    const std::size_t end = placesInUse();
     std::size_t oldest = capacity;
-    for (std::size_t place = 0; place < capacity; ++place) {
+    for (std::size_t place = 0; place < end; ++place) {
         const EeRecord& record = records()[place];
-        if (record.pid.load() == 0) {
-            empty = std::min(empty, place);
-            continue;
-        }
         if (isAlive(place)) {
             continue;
         }
@@ -104,7 +110,7 @@ std::size_t EeTable::choosePlace(const std::string& name) const
             oldest = place;
         }
     }
-    return empty != capacity ? empty : oldest;
+    return end != capacity ? end : oldest;
 }
 
 void EeTable::enter(const std::string& name, std::uint16_t cpid)
@@ -170,21 +176,21 @@ void EeTable::forgetCpid(std::uint16_t cpid)
 std::vector<EeInfo> EeTable::list() const
 {
     std::vector<EeInfo> infos;
-    for (std::size_t place = 0; place < capacity; ++place) {
-        if (records()[place].pid.load() != 0) {
-            infos.push_back(copyOf(records()[place], isAlive(place)));
-        }
+    const std::size_t end = placesInUse();
+    for (std::size_t place = 0; place < end; ++place) {
+        infos.push_back(copyOf(records()[place], isAlive(place)));
     }
     return infos;
 }
 
 std::optional<EeInfo> EeTable::holderOf(std::uint16_t cpid) const
 {
-    for (const EeRecord& record : std::span(records(), capacity)) {
-        const auto place = static_cast<std::size_t>(&record - records());
+    const std::size_t end = placesInUse();
+    for (std::size_t place = 0; place < end; ++place) {
+        const EeRecord& record = records()[place];
         const bool holds = std::any_of(record.cpids.begin(), record.cpids.end(),
                                        [cpid](const EeRecord::Cpid& entry) { return entry.cpid.load() == cpid; });
-        if (record.pid.load() != 0 && holds && isAlive(place)) {
+        if (holds && isAlive(place)) {
             return copyOf(record, true);
         }
     }

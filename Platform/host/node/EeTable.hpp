@@ -81,6 +81,7 @@ public:
 
 private:
     EeRecord* records() const;
+    std::size_t placesInUse() const;
     std::size_t choosePlace(const std::string& name) const;
     bool isAlive(std::size_t place) const;
 
