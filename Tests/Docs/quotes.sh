@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# Checks that every quoted snippet stands in the file that it names, and that every relative link leads somewhere.
+# Usage: quotes.sh ROOT
+set -euo pipefail
+cd "$1"
+failures=0
+quotes=0
+
+complain() {
+    echo "$1" >&2
+    failures=$((failures + 1))
+}
+
+# Holds a quoted block of document $1 against file $2.
+check_block() {
+    local document="$1" file="$2" block="$3"
+    quotes=$((quotes + 1))
+    if [ ! -f "$file" ]; then
+        complain "$document quotes $file, which does not exist"
+    elif [[ "$(<"$file")"$'\n' != *"$block"* ]]; then
+        complain "$document quotes what does not stand in $file:"$'\n'"$block"
+    fi
+}
+
+check_document() {
+    local document="$1" line file="" block="" inside=0
+    while IFS= read -r line || [ -n "$line" ]; do
+        if [[ "$line" =~ ^'<!-- quote: '(.*)' -->'$ ]]; then
+            file="${BASH_REMATCH[1]}"
+        elif [ -n "$file" ] && [[ "$line" == '```'* ]]; then
+            if [ "$inside" -eq 1 ]; then
+                check_block "$document" "$file" "$block"
+                file="" block=""
+            fi
+            inside=$((1 - inside))
+        elif [ "$inside" -eq 1 ]; then
+            block+="$line"$'\n'
+        fi
+    done <"$document"
+    [ -z "$file" ] || complain "$document: the quote of $file has no block"
+}
+
+check_links() {
+    local document="$1" target
+    while IFS= read -r target; do
+        case "$target" in
+        *://* | '#'*) continue ;;
+        esac
+        [ -e "$(dirname "$document")/${target%%#*}" ] || complain "$document links to $target, which does not exist"
+    done < <(grep -oE '\]\([^)]+\)' "$document" | sed 's/^](//; s/)$//')
+}
+
+while IFS= read -r document; do
+    check_document "$document"
+    check_links "$document"
+done < <(find README.md CHANGELOG.md Docs -name '*.md' | sort)
+
+[ "$quotes" -gt 0 ] || complain "no quote was found: the check is broken"
+echo "$quotes quotes checked"
+exit "$((failures > 0))"
