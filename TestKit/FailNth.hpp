@@ -4,10 +4,11 @@
 ///
 ///     FailNth<AaSemCreateC> noSemaphore(1);   // the next call fails
 ///
-/// The linker sends every call of an `Aa*` function that comes from the library, the service or the test through a
-/// wrapper (`--wrap`), so the product carries no hooks. The TestKit's own calls are not sent through it. It works for
-/// every function of the platform's C headers except the inline ones, the printing ones (AaSysLogPrint(),
-/// AaSysLogPrintE()) and AaErrorAssertionFailed(); naming one of those is an error of the linker.
+/// The linker sends every call of an `Aa*` function through a wrapper (`--wrap`), so the product carries no hooks.
+/// Calls of the library, the service and the test count; those of the TestKit, and those that the platform makes of its
+/// own functions, do not. It works for every function of the platform's C headers except the inline ones, the printing
+/// ones (AaSysLogPrint(), AaSysLogPrintE()) and AaErrorAssertionFailed(); naming one of those is an error of the
+/// linker.
 #pragma once
 
 #include "seam/SeamCall.hpp"

@@ -1,6 +1,6 @@
-# The platform functions that FailNth and CountCalls work on: header, function, number of parameters, what a call that
-# fails in the usual way returns ("-": nothing). One wrapper each is made of SeamWrapper.cpp.in, in an object of its own, so
-# that a function without provider is in nobody's way until somebody calls it.
+# The platform functions that FailNth and CountCalls work on: header, function, number of parameters, and what a call
+# that fails in the usual way returns ("-": nothing). One wrapper each is made of SeamWrapper.cpp.in, in an object of its
+# own, so that a function without provider is in nobody's way until somebody calls it.
 set(DORN_SEAM_FUNCTIONS
     "AaConfigRad.h AaConfigRadRegisterDomain 3 2"
     "AaConfigRad.h AaConfigRadSetMaxTagCount 2 1"

@@ -3,6 +3,7 @@
 /// What the generated wrappers (SeamWrapper.cpp.in) have in common.
 #pragma once
 
+#include "AaConfigRad.h"
 #include "AaConfigTag.h"
 #include "AaFile.h"
 #include "AaSysCom.h"
@@ -66,17 +67,42 @@ struct OnFailure<AaFileClose> {
     static void apply(AaFile* file) { __real_AaFileClose(file); }
 };
 
+/// How many wrapped functions the calling thread is in: what they call is the platform's own affair.
+inline constinit thread_local unsigned platformDepth = 0;
+
+/// Whether a function calls code of its user before it returns.
+template <auto Function>
+constexpr bool callsBack = false;
+template <>
+inline constexpr bool callsBack<AaConfigRadRegisterDomain> = true;
+
+/// Also left when the thread is cancelled.
+class InPlatform {
+public:
+    InPlatform() { ++platformDepth; }
+    ~InPlatform() { --platformDepth; }
+    InPlatform(const InPlatform&) = delete;
+    InPlatform& operator=(const InPlatform&) = delete;
+};
+
 /// Counts a call and carries it out unless it is to fail.
 template <auto Function, class... Arguments>
 SeamReturn<Function> callOrFail(decltype(Function) real, Arguments... arguments)
 {
     OnCall<Function>::apply(arguments...);
-    const auto failure = seamCall<Function>().count();
-    if (!failure) {
+    if (platformDepth != 0) {
         return real(arguments...);
     }
-    OnFailure<Function>::apply(arguments...);
-    return static_cast<SeamReturn<Function>>(*failure);
+    if (const auto failure = seamCall<Function>().count()) {
+        OnFailure<Function>::apply(arguments...);
+        return static_cast<SeamReturn<Function>>(*failure);
+    }
+    if constexpr (callsBack<Function>) {
+        return real(arguments...);
+    } else {
+        const InPlatform inPlatform;
+        return real(arguments...);
+    }
 }
 
 } // namespace dorn::testkit

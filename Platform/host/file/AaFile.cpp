@@ -63,7 +63,8 @@ bool makeDirectories(const std::string& place)
     if (slash != std::string::npos && slash != 0 && !makeDirectories(place.substr(0, slash))) {
         return false;
     }
-    return !isError(FilePort::get().makeDirectory(AT_FDCWD, place.c_str(), 0777)) || isDirectory(place);
+    const int result = FilePort::get().makeDirectory(AT_FDCWD, place.c_str(), 0777);
+    return (result < 0 && isDirectory(place)) || !isError(result); // another may have made it meanwhile
 }
 
 } // namespace

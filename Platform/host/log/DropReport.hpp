@@ -14,8 +14,8 @@ class DropReport {
 public:
     explicit DropReport(std::string path) : m_path(std::move(path)) {}
 
-    /// A line could not be written. @param error `errno` value
-    void dropped(int error);
+    /// A line could not be written. The reason of the first one counts.
+    void dropped(const std::string& reason);
     /// One could be written. @return how many had been dropped since the last that could.
     std::uint32_t written();
 
@@ -24,13 +24,13 @@ public:
 
     /// Lines dropped since the last that could be written.
     std::uint32_t pending() const { return m_pending; }
-    /// The error of the first of them.
-    int error() const { return m_error; }
+    /// Why the first of them could not.
+    const std::string& reason() const { return m_reason; }
 
 private:
     std::string m_path;
     std::uint32_t m_pending = 0;
-    int m_error = 0;
+    std::string m_reason;
 };
 
 } // namespace dorn::host

@@ -117,9 +117,4 @@ void LineBuilder::build(Nanoseconds wall, EAaSysLogSeverityLevel severity, const
     m_length = m_headLength + length + 1;
 }
 
-std::string_view LineBuilder::withoutTime() const
-{
-    return line().substr(logTimeLength + 1, m_length - logTimeLength - 2);
-}
-
 } // namespace dorn::host

@@ -22,6 +22,10 @@ constexpr std::size_t maxLogText = 8192;
 /// One line in the making. Lives on the stack; a long text takes memory from the heap.
 class LineBuilder {
 public:
+    LineBuilder() = default;
+    LineBuilder(const LineBuilder&) = delete;
+    LineBuilder& operator=(const LineBuilder&) = delete;
+
     /// Makes the line. Where memory is lacking the text is cut shorter.
     void build(Nanoseconds wall, EAaSysLogSeverityLevel severity, const LogOrigin& origin, const char* format,
                va_list arguments) noexcept;
@@ -30,8 +34,6 @@ public:
     std::string_view line() const { return {m_begin, m_length}; }
     /// The text without it.
     std::string_view text() const { return line().substr(m_headLength, m_length - m_headLength - 1); }
-    /// The line without its time and the blank after it, without the line feed.
-    std::string_view withoutTime() const;
 
 private:
     std::size_t writeHead(Nanoseconds wall, EAaSysLogSeverityLevel severity, const LogOrigin& origin) noexcept;

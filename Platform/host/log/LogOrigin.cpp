@@ -23,6 +23,7 @@ struct Identity {
     std::atomic<std::int32_t> pid{getpid()};
     std::atomic<std::uint32_t> generation{1};
 
+    std::string_view name() const { return eeName.empty() ? std::string_view(program_invocation_short_name) : eeName; }
     void change() { generation.fetch_add(1, std::memory_order_release); }
 };
 
@@ -82,8 +83,7 @@ void make(LogOrigin& origin, std::uint32_t generation, std::uint32_t featureId, 
     {
         Identity& process = identity();
         const std::lock_guard lock(process.mutex);
-        const std::string_view eeName = process.eeName.empty() ? program_invocation_short_name : process.eeName;
-        to = writeLogName(to, LogOrigin::maxNameField, eeName);
+        to = writeLogName(to, LogOrigin::maxNameField, process.name());
         *to++ = '[';
         to = std::to_chars(to, origin.text.end(), process.pid.load(std::memory_order_relaxed)).ptr;
     }
@@ -112,7 +112,7 @@ LogIdentity logIdentity()
 {
     Identity& process = identity();
     const std::lock_guard lock(process.mutex);
-    return {process.eeName.empty() ? program_invocation_short_name : process.eeName, process.pid.load()};
+    return {std::string(process.name()), process.pid.load()};
 }
 
 void setLogIdentity(const std::string& eeName)

@@ -15,7 +15,7 @@ struct LogSettings {
     bool toStderr = false;
     bool toRunDirectory = false;
     bool toSyslog = false;
-    std::vector<std::string> files; ///< paths of ordinary files
+    std::vector<std::string> files{}; ///< paths of ordinary files
 
     /// Least severity that is kept although the feature is off: Debug, Info, Warning, or NoPrints for none at all.
     EAaSysLogSeverityLevel leastSeverity = EAaSysLogSeverityLevel_Warning;

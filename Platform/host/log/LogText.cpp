@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 namespace dorn::host {
 namespace {
@@ -43,7 +44,7 @@ char* writeDigits(char* to, std::uint32_t value, int count)
 
 /// The calendar's part of a time: "2025-11-21T09:18:01.".
 struct SecondText {
-    std::int64_t second = -1;
+    std::int64_t second = std::numeric_limits<std::int64_t>::min();
     std::array<char, 20> text{};
 };
 
@@ -69,7 +70,7 @@ void writeSecond(SecondText& to, std::int64_t second)
     to.second = second;
 }
 
-thread_local SecondText lastSecond;
+constinit thread_local SecondText lastSecond{};
 
 /// Reads the digits of "dddd"; -1 when there is anything else among them.
 std::int64_t readDigits(std::string_view text)

@@ -5,58 +5,63 @@
 #include "log/LogDirectory.hpp"
 #include "log/LogLine.hpp"
 #include "node/PerNode.hpp"
+#include "node/RunDirectory.hpp"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <exception>
-#include <new>
 
 namespace dorn::host {
 namespace {
 
 constexpr std::size_t gapLineSize = 512;
 
+/// Throws the error that a FilePort has given. @param result 0 or -`errno`
+void orThrow(int result)
+{
+    if (result != 0) {
+        throw EnvironmentError(std::strerror(-result));
+    }
+}
+
 } // namespace
 
-void ProcessLog::write(std::string_view line, const LogOrigin& origin) noexcept
+void ProcessLog::write(std::string_view line, const LogOrigin& origin)
 {
     {
         const std::lock_guard lock(m_mutex);
-        const bool isReady = m_segment && m_segment->hasRoom(line.size()) && m_drops->pending() == 0;
+        const bool isReady = m_segments && m_segments->hasRoom(line.size()) && m_drops->pending() == 0;
         if (!isReady && !makeRoom(line.size())) {
             return;
         }
         if (origin.featureId != 0 && origin.isRegistered) {
-            m_segment->noteFeature(origin.featureId, origin.featureName);
+            m_segments->noteFeature(origin.featureId, origin.featureName);
         }
-        m_segment->append(line);
+        m_segments->append(line);
     }
-    if (m_control) {
-        m_control->noteLine();
-    }
+    m_control->noteLine();
 }
 
 bool ProcessLog::open()
 {
-    if (m_segment || m_isLeftOut) {
+    if (m_segments || m_isLeftOut) {
         return !m_isLeftOut;
     }
     try {
         const RunDirectory& node = PerNode<RunDirectory>::get();
         Descriptor directory = openLogDirectory(node);
         pruneLogs(directory);
-        m_control = std::make_unique<LogControl>(node);
         m_drops = std::make_unique<DropReport>(node.path() + "/" + logDirectoryName);
-        m_segment = std::make_unique<SegmentWriter>(std::move(directory), m_segmentSize);
-    } catch (const std::exception& error) {
+        m_segments = std::make_unique<SegmentWriter>(std::move(directory), m_segmentSize);
+    } catch (const EnvironmentError& error) {
         std::fprintf(stderr, "dorn: %s; the log is not kept there\n", error.what());
         m_isLeftOut = true;
     }
     return !m_isLeftOut;
 }
 
-bool ProcessLog::makeRoom(std::size_t size) noexcept
+bool ProcessLog::makeRoom(std::size_t size)
 {
     const CancellationOff cancellationOff;
     if (!open()) {
@@ -68,60 +73,54 @@ bool ProcessLog::makeRoom(std::size_t size) noexcept
         m_drops->forget();
     }
     const Nanoseconds now = Clock::get().monotonic();
-    int error = m_drops->error();
+    std::string reason = m_drops->reason();
     if (m_drops->pending() == 0 || now >= m_retryAt) {
         m_retryAt = now + retryPeriod;
-        error = extend(size);
+        try {
+            extend(size);
+            return true;
+        } catch (const std::exception& error) {
+            reason = error.what();
+        }
     }
-    if (error != 0) {
-        drop(error);
-    }
-    return error == 0;
+    m_drops->dropped(reason);
+    m_segments->noteDropped(++m_dropped);
+    return false;
 }
 
-void ProcessLog::drop(int error)
-{
-    m_drops->dropped(error);
-    m_segment->noteDropped(++m_dropped);
-}
-
-int ProcessLog::extend(std::size_t size) noexcept
+void ProcessLog::extend(std::size_t size)
 {
     size += m_drops->pending() != 0 ? gapLineSize : 0;
-    try {
-        int error = 0;
-        const bool isOpen = m_segment->isOpen();
-        if (!isOpen || !m_segment->canHold(size)) {
-            error = isOpen ? m_segment->turn() : openSegments();
-            m_control->noteFiles();
-        }
-        if (error == 0 && !m_segment->hasRoom(size)) {
-            error = m_segment->reserve(size);
-        }
-        if (error == 0) {
-            closeGap();
-        }
-        return -error;
-    } catch (const std::bad_alloc&) {
-        return ENOMEM;
+    if (!m_control) {
+        m_control = std::make_unique<LogControl>(PerNode<RunDirectory>::get());
     }
+    if (!m_segments->isOpen()) {
+        openSegments();
+        m_control->noteFiles();
+    } else if (!m_segments->canHold(size)) {
+        orThrow(m_segments->turn());
+        m_control->noteFiles();
+    }
+    if (!m_segments->hasRoom(size)) {
+        orThrow(m_segments->reserve(size));
+    }
+    closeGap();
 }
 
-int ProcessLog::openSegments()
+void ProcessLog::openSegments()
 {
     const LogIdentity identity = logIdentity();
     SegmentName name{identity.eeName, identity.pid, Clock::get().wall().count(), 0};
-    int error = m_segment->open(name);
+    int error = m_segments->open(name);
     while (error == -EEXIST) { // a process of this id and name that opened its log at this very time
         ++name.start;
-        error = m_segment->open(name);
+        error = m_segments->open(name);
     }
-    return error;
+    orThrow(error);
 }
 
 void ProcessLog::closeGap()
 {
-    const int error = m_drops->error();
     const std::uint32_t missing = m_drops->written();
     if (missing == 0) {
         return;
@@ -134,10 +133,10 @@ void ProcessLog::closeGap()
                        {},
                        0,
                        {},
-                       std::to_string(missing) + " lines could not be written: " + std::strerror(error)};
+                       "Lines that could not be written: " + std::to_string(missing) + " (" + m_drops->reason() + ")"};
     const std::string text = formatLogLine(line) + "\n";
     if (text.size() <= gapLineSize) {
-        m_segment->append(text);
+        m_segments->append(text);
     }
 }
 
@@ -145,16 +144,16 @@ void ProcessLog::rename()
 {
     const CancellationOff cancellationOff;
     const std::lock_guard guard(m_mutex);
-    if (m_segment && m_segment->isOpen()) {
-        m_segment->rename(logIdentity().eeName);
+    if (m_segments && m_segments->isOpen()) {
+        m_segments->rename(logIdentity().eeName);
         m_control->noteFiles();
     }
 }
 
 void ProcessLog::forgetParent() noexcept
 {
-    if (m_segment) {
-        m_segment->forget();
+    if (m_segments) {
+        m_segments->forget();
         m_isForked = true;
     }
 }

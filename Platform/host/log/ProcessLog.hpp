@@ -19,7 +19,7 @@ namespace dorn::host {
 /// Writes lines into memory-mapped segments (LogSegment.hpp): a line costs no system call, and the kernel keeps what
 /// has been written however the process ends. The first line opens the log.
 ///
-/// Where the run directory cannot be used, this is reported once and lines go nowhere. Where there is no room, lines
+/// Where there is no run directory, this is reported once and lines go nowhere. Where there is no room, lines
 /// are dropped, and every retryPeriod the next line tries again; the line after a gap tells how many are missing.
 class ProcessLog {
 public:
@@ -29,7 +29,7 @@ public:
     explicit ProcessLog(std::size_t segmentSize = defaultSegmentSize) : m_segmentSize(segmentSize) {}
 
     /// Writes a line, which ends with its line feed.
-    void write(std::string_view line, const LogOrigin& origin) noexcept;
+    void write(std::string_view line, const LogOrigin& origin);
     /// Has the file bear the process's name of now (LogOrigin.hpp).
     void rename();
 
@@ -41,17 +41,16 @@ public:
 
 private:
     bool open();
-    bool makeRoom(std::size_t size) noexcept;
-    int extend(std::size_t size) noexcept;
-    int openSegments();
-    void drop(int error);
+    bool makeRoom(std::size_t size);
+    void extend(std::size_t size);
+    void openSegments();
     void closeGap();
 
     const std::size_t m_segmentSize;
     std::mutex m_mutex;
     bool m_isLeftOut = false;
     bool m_isForked = false;
-    std::unique_ptr<SegmentWriter> m_segment;
+    std::unique_ptr<SegmentWriter> m_segments;
     std::unique_ptr<LogControl> m_control;
     std::unique_ptr<DropReport> m_drops;
     std::uint32_t m_dropped = 0; ///< since the log was opened

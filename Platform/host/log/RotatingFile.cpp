@@ -52,7 +52,7 @@ void RotatingFile::write(std::string_view line)
         error = append(line);
     }
     if (error != 0) {
-        m_drops.dropped(error);
+        m_drops.dropped(std::strerror(error));
         return;
     }
     m_drops.written();

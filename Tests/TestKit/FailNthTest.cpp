@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: MIT
+#include "FailNth.hpp"
+
+#include "AaConfigRad.h"
+#include "AaConfigTag.h"
+#include "AaSem.h"
+#include "AaSysCom.h"
+#include "NodeTest.hpp"
+#include "Peer.hpp"
+#include "Service.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <regex>
+#include <set>
+#include <thread>
+
+namespace dorn::testkit {
+namespace {
+
+using ::testing::IsNull;
+using ::testing::NotNull;
+
+class FailNthTest : public NodeTest {};
+
+class Semaphore {
+public:
+    explicit Semaphore(std::uint32_t count) : m_sem(AaSemCreateC(count)) {}
+    ~Semaphore() { AaSemDestroy(&m_sem); }
+    Semaphore(const Semaphore&) = delete;
+    Semaphore& operator=(const Semaphore&) = delete;
+    bool tryTake() { return AaSemTake(m_sem, AA_NO_WAIT) == 0; }
+    AaSem*& handle() { return m_sem; }
+
+private:
+    AaSem* m_sem;
+};
+
+TEST_F(FailNthTest, OnlyTheNthCallFails)
+{
+    Semaphore semaphore(3);
+    const FailNth<AaSemTake> failure(2);
+
+    EXPECT_TRUE(semaphore.tryTake());
+    EXPECT_FALSE(failure.hasFailed());
+    EXPECT_FALSE(semaphore.tryTake());
+    EXPECT_TRUE(failure.hasFailed());
+    EXPECT_TRUE(semaphore.tryTake());
+}
+
+TEST_F(FailNthTest, FailingCallIsNotCarriedOut)
+{
+    Semaphore semaphore(1);
+    {
+        const FailNth<AaSemTake> failure(1);
+        EXPECT_FALSE(semaphore.tryTake());
+    }
+
+    EXPECT_TRUE(semaphore.tryTake());
+}
+
+TEST_F(FailNthTest, GivenResultIsReturned)
+{
+    const FailNth<AaSysComGetOwnNid> node(1, 0x0B01);
+
+    EXPECT_EQ(AaSysComGetOwnNid(), 0x0B01U);
+    EXPECT_EQ(AaSysComGetOwnNid(), 0x0F01U);
+}
+
+TEST_F(FailNthTest, UsualFailureOfAPointerIsNull)
+{
+    const FailNth<AaSemCreateC> failure(1);
+
+    EXPECT_THAT(AaSemCreateC(0), IsNull());
+}
+
+TEST_F(FailNthTest, CallsAreCountedFromItsBegin)
+{
+    Semaphore semaphore(3);
+    semaphore.tryTake();
+
+    const FailNth<AaSemTake> failure(1);
+
+    EXPECT_FALSE(semaphore.tryTake());
+    EXPECT_EQ(failure.count(), 1U);
+}
+
+TEST_F(FailNthTest, NothingFailsAfterItsEnd)
+{
+    Semaphore semaphore(2);
+    {
+        const FailNth<AaSemTake> failure(2);
+        EXPECT_TRUE(semaphore.tryTake());
+    }
+
+    EXPECT_TRUE(semaphore.tryTake());
+}
+
+TEST_F(FailNthTest, EveryCallFailsWhileFailEveryLives)
+{
+    Semaphore semaphore(2);
+    {
+        const FailEvery<AaSemTake> failure;
+        EXPECT_FALSE(semaphore.tryTake());
+        EXPECT_FALSE(semaphore.tryTake());
+        EXPECT_EQ(failure.count(), 2U);
+    }
+
+    EXPECT_TRUE(semaphore.tryTake());
+}
+
+TEST_F(FailNthTest, CallsOfTheLibraryFail)
+{
+    class Simple : public vel::hwapi::common::Service {
+    public:
+        Simple() : Service("Simple", 0x0200, ERadHwapi_GENIO, ERadHwapiState_ClimateState) {}
+        static bool hasMutex() { return m_wfctMapSem != nullptr; }
+    };
+    const FailNth<AaSemReMutexCreate> failure(1);
+
+    const Simple service;
+
+    EXPECT_TRUE(failure.hasFailed());
+    EXPECT_FALSE(Simple::hasMutex());
+}
+
+TEST_F(FailNthTest, CallsOfTheTestKitAreNotCounted)
+{
+    const CountCalls<AaSysComMsgCreate> created;
+    const FailEvery<AaSysComMsgSendS> failure;
+    Peer peer;
+
+    peer.send(0x1234, peer.address(), "text");
+    EXPECT_EQ(peer.expect(0x1234).text(), "text");
+
+    EXPECT_EQ(created.count(), 0U);
+    EXPECT_EQ(failure.count(), 0U);
+}
+
+TEST_F(FailNthTest, CallsOfThePlatformItselfAreNotCounted)
+{
+    const TAaSysComCpid cpid = AaSysComUserRegister(0, AaProEuCurrent());
+    const CountCalls<AaSysComGetOwnNid> calls;
+
+    void* message = AaSysComMsgCreate(0x1234, 0, 0x0F010042);
+
+    EXPECT_EQ(AaSysComMsgGetSender(message), 0x0F010000U | cpid);
+    EXPECT_EQ(calls.count(), 0U);
+    AaSysComMsgDestroy(&message);
+    AaSysComUserDeregister(cpid);
+}
+
+TEST_F(FailNthTest, CallsOutOfAFunctionThatThePlatformCallsAreCounted)
+{
+    const CountCalls<AaConfigRadSetMaxTagCount> calls;
+
+    AaConfigRadRegisterDomain(77, "Test", [] { AaConfigRadSetMaxTagCount(77, (77U << 16) + 1); });
+
+    EXPECT_EQ(calls.count(), 1U);
+}
+
+TEST_F(FailNthTest, CallsOfAllThreadsAreCounted)
+{
+    const CountCalls<AaProEuCurrent> calls;
+    {
+        std::vector<std::jthread> threads;
+        for (int thread = 0; thread < 4; ++thread) {
+            threads.emplace_back([] {
+                for (int call = 0; call < 100; ++call) {
+                    AaProEuCurrent();
+                }
+            });
+        }
+    }
+
+    EXPECT_EQ(calls.count(), 400U);
+}
+
+TEST_F(FailNthTest, FailingSendTakesTheMessage)
+{
+    const CountCalls<AaSysComMsgDestroy> destroyed;
+    const FailNth<AaSysComMsgSend> failure(1);
+    void* message = AaSysComMsgCreate(0x1234, 8, 0x0F010042);
+
+    EXPECT_EQ(AaSysComMsgSend(&message), EAaSysComStatus_NoReceiver);
+
+    EXPECT_THAT(message, IsNull());
+    EXPECT_EQ(destroyed.count(), 0U) << "not a call of the code under test";
+    EXPECT_THAT(m_log.texts(), ::testing::IsEmpty());
+}
+
+TEST_F(FailNthTest, FailingReadOfATagGivesNoValue)
+{
+    ASSERT_EQ(AaConfigEarlyStartup(), 0);
+    ASSERT_EQ(AaConfigTagSetU32("test.tag", 1), 0);
+    const FailNth<AaConfigTagGet> failure(1);
+    int something = 0;
+    void* value = &something;
+
+    EXPECT_EQ(AaConfigTagGet("test.tag", &value, nullptr), EAaConfigTagStatus_StoreFailed);
+
+    EXPECT_THAT(value, IsNull());
+}
+
+TEST_F(FailNthTest, FunctionWithoutResultIsNotCarriedOut)
+{
+    Semaphore semaphore(0);
+    const FailNth<AaSemDestroy> failure(1);
+
+    AaSemDestroy(&semaphore.handle());
+
+    EXPECT_THAT(semaphore.handle(), NotNull());
+}
+
+std::set<std::string> namesIn(const std::string& path, const std::regex& pattern)
+{
+    std::ifstream file(path);
+    std::set<std::string> names;
+    for (std::string line; std::getline(file, line);) {
+        std::smatch match;
+        if (std::regex_search(line, match, pattern)) {
+            names.insert(match[1]);
+        }
+    }
+    return names;
+}
+
+TEST_F(FailNthTest, EveryFunctionOfThePlatformHasAWrapper)
+{
+    const std::string headers = DORN_SEAM_HEADERS;
+    std::set<std::string> declared;
+    for (const char* const header : {"AaConfigRad", "AaConfigTag", "AaCpu", "AaError", "AaFile", "AaMem", "AaPro",
+                                     "AaSem", "AaStartup", "AaSysCom", "AaSysLog", "AaTimer", "AaTrbl"}) {
+        const auto names =
+            namesIn(headers + "/" + header + ".h", std::regex(R"(^(?!typedef|static|#|/| ).*\b(Aa[A-Za-z0-9]+)\()"));
+        EXPECT_FALSE(names.empty()) << header;
+        declared.insert(names.begin(), names.end());
+    }
+    for (const char* const excluded : {"AaErrorAssertionFailed", "AaSysLogPrint", "AaSysLogPrintE"}) {
+        EXPECT_EQ(declared.erase(excluded), 1U) << excluded;
+    }
+
+    EXPECT_EQ(namesIn(DORN_SEAM_TABLE, std::regex(R"(^    "\S+ (Aa\w+) )")), declared);
+}
+
+} // namespace
+} // namespace dorn::testkit

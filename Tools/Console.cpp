@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#include "Console.hpp"
+
+#include <cerrno>
+#include <cstring>
+
+namespace dorn::tool {
+namespace {
+
+constexpr const char* sequenceOf(Colour colour)
+{
+    switch (colour) {
+    case Colour::Red:
+        return "\033[31m";
+    case Colour::Green:
+        return "\033[32m";
+    case Colour::Yellow:
+        return "\033[33m";
+    case Colour::Faint:
+        return "\033[2m";
+    case Colour::None:
+        break;
+    }
+    return "";
+}
+
+constexpr const char* plain = "\033[0m";
+
+} // namespace
+
+bool isColourWanted(bool isTerminal, const char* noColour, const char* terminal)
+{
+    const bool isRefused = noColour && *noColour;
+    const bool canShow = terminal && std::string_view(terminal) != "dumb";
+    return isTerminal && !isRefused && canShow;
+}
+
+Console::Console(std::ostream& answer, std::ostream& remarks, bool isColoured)
+    : m_answer(answer), m_remarks(remarks), m_isColoured(isColoured)
+{
+}
+
+void Console::print(std::string_view text)
+{
+    errno = 0;
+    m_answer << text;
+    if (m_answer.fail() && m_error == 0) {
+        m_error = errno;
+    }
+}
+
+void Console::printLine(std::string_view line)
+{
+    print(std::string(line) + '\n');
+    flush();
+}
+
+void Console::flush()
+{
+    errno = 0;
+    m_answer.flush();
+    if (m_answer.fail() && m_error == 0) {
+        m_error = errno;
+    }
+}
+
+void Console::remark(std::string_view text)
+{
+    m_remarks << "dorn: " << text << '\n' << std::flush;
+}
+
+bool Console::finish()
+{
+    flush();
+    // Who has seen enough closes the pipe: `dorn rad list | head -3`.
+    if (!m_answer.fail() || m_error == EPIPE) {
+        return true;
+    }
+    remark(std::string("the answer cannot be written: ") + std::strerror(m_error));
+    return false;
+}
+
+std::string Console::paint(Colour colour, std::string_view text) const
+{
+    if (!m_isColoured || colour == Colour::None || text.empty()) {
+        return std::string(text);
+    }
+    return std::string(sequenceOf(colour)).append(text).append(plain);
+}
+
+} // namespace dorn::tool

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+/// @file Console.hpp
+/// Where the answer goes, and where remarks go.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <string_view>
+
+namespace dorn::tool {
+
+enum class Colour { None, Red, Green, Yellow, Faint };
+
+/// Whether to use colour: on a terminal that can show it, unless the user does not want any.
+/// @param isTerminal whether the answer goes to a terminal
+/// @param noColour value of `NO_COLOR`, null when it is not set
+/// @param terminal value of `TERM`, null when it is not set
+bool isColourWanted(bool isTerminal, const char* noColour, const char* terminal);
+
+/// The two streams of a command. Nothing but the answer goes to the first.
+class Console {
+public:
+    Console(std::ostream& answer, std::ostream& remarks, bool isColoured);
+
+    /// Writes a part of the answer.
+    void print(std::string_view text);
+    /// Writes a line of an answer that grows while somebody looks on.
+    void printLine(std::string_view line);
+    /// Has those who look on see what has been printed.
+    void flush();
+    /// Whether nobody takes the answer any more.
+    bool isClosed() const { return m_answer.fail(); }
+
+    /// Says something that does not belong to the answer.
+    void remark(std::string_view text);
+
+    /// Makes sure that the answer has been written. @return false when it has not; the reason has been said.
+    bool finish();
+
+    /// @p text in @p colour, if colour is used.
+    std::string paint(Colour colour, std::string_view text) const;
+
+private:
+    std::ostream& m_answer;
+    std::ostream& m_remarks;
+    bool m_isColoured;
+    int m_error = 0; ///< why the answer could not be written
+};
+
+} // namespace dorn::tool

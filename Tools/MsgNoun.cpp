@@ -1,0 +1,367 @@
+// SPDX-License-Identifier: MIT
+#include "Nouns.hpp"
+
+#include "AaPro.h"
+#include "MessageText.hpp"
+#include "NodePlace.hpp"
+#include "Program.hpp"
+#include "TimeLimit.hpp"
+#include "Values.hpp"
+#include "Watch.hpp"
+#include "node/EeTable.hpp"
+#include "node/PerNode.hpp"
+#include "syscom/MessageTap.hpp"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+namespace dorn::tool {
+namespace {
+
+constexpr const char* awaited = "the node's messages";
+
+struct SendOptions {
+    std::string receiver;
+    std::string id;
+    std::string payload;
+    std::string text;
+    std::string node;
+    std::string patience;
+    bool asJson = false;
+};
+
+struct WatchOptions {
+    std::string id;
+    std::string cpid;
+    bool isDumped = false;
+    bool asJson = false;
+    WatchLimits limits;
+};
+
+struct DestroyMessage {
+    void operator()(void* message) const { AaSysComMsgDestroy(&message); }
+};
+using MessageHandle = std::unique_ptr<void, DestroyMessage>;
+
+BytesView payloadOf(void* message)
+{
+    return {static_cast<const std::byte*>(AaSysComMsgGetPayload(message)), AaSysComMsgGetPayloadSize(message)};
+}
+
+/// The own node's id as it stands in addresses.
+TAaSysComNid ownNode()
+{
+    constexpr TAaSysComNid nodeWithoutId = 0x0F01;
+    const TAaSysComNid id = AaSysComGetOwnNid();
+    return id != 0 ? id : nodeWithoutId;
+}
+
+/// Knows the services by a look at the node's list, which it renews twice a second.
+class NameBook {
+public:
+    explicit NameBook(const NodePlace& node)
+        : m_table(node.has(NodePart::Services) ? &host::PerNode<host::EeTable>::get() : nullptr)
+    {
+    }
+
+    std::string ofCpid(TAaSysComCpid cpid)
+    {
+        return nameWhere([cpid](const host::EeInfo& service) {
+            return std::any_of(service.cpids.begin(), service.cpids.end(),
+                               [cpid](const host::EeInfo::Cpid& held) { return held.cpid == cpid; });
+        });
+    }
+    std::string ofPid(std::int32_t pid)
+    {
+        return nameWhere([pid](const host::EeInfo& service) { return service.pid == pid; });
+    }
+    /// The cpid by which a living service is known; 0 when there is none of this name.
+    TAaSysComCpid cpidOf(const std::string& name)
+    {
+        renew();
+        const auto found = std::find_if(m_services.begin(), m_services.end(),
+                                        [&name](const host::EeInfo& service) { return service.name == name; });
+        return found == m_services.end() ? TAaSysComCpid{0} : found->cpid;
+    }
+    Names names()
+    {
+        return {ownNode(), [this](TAaSysComCpid cpid) { return ofCpid(cpid); },
+                [this](std::int32_t pid) { return ofPid(pid); }};
+    }
+
+private:
+    template <class Condition>
+    std::string nameWhere(const Condition& isMeant)
+    {
+        renew();
+        const auto found = std::find_if(m_services.begin(), m_services.end(), isMeant);
+        return found == m_services.end() ? "" : found->name;
+    }
+
+    void renew()
+    {
+        constexpr auto period = std::chrono::milliseconds(500);
+        const host::Nanoseconds now = host::Clock::get().monotonic();
+        if (m_table && now >= m_renewAt) {
+            m_services = m_table->list();
+            std::erase_if(m_services, [](const host::EeInfo& service) { return !service.alive; });
+            m_renewAt = now + period;
+        }
+    }
+
+    const host::EeTable* m_table;
+    std::vector<host::EeInfo> m_services;
+    host::Nanoseconds m_renewAt{};
+};
+
+/// A communication point for the calling thread, any free one.
+class CommunicationPoint {
+public:
+    CommunicationPoint() : m_cpid(AaSysComUserRegister(0, AaProEuCurrent()))
+    {
+        if (m_cpid == 0) {
+            throw Failure("no cpid can be had on " + NodePlace().nodeName() + "; set DORN_LOG=stderr to see why");
+        }
+    }
+    ~CommunicationPoint() { AaSysComUserDeregister(m_cpid); }
+    CommunicationPoint(const CommunicationPoint&) = delete;
+    CommunicationPoint& operator=(const CommunicationPoint&) = delete;
+    TAaSysComCpid cpid() const { return m_cpid; }
+
+private:
+    TAaSysComCpid m_cpid;
+};
+
+/// A communication point to which the node's messages are shown.
+class WatchPoint {
+public:
+    WatchPoint()
+    {
+        if (!tap().addWatcher(m_point.cpid())) {
+            throw Failure("the messages of " + NodePlace().nodeName() + " are watched " +
+                          std::to_string(host::MessageTap::maxWatchers) + " times already; end one of the watches");
+        }
+    }
+    ~WatchPoint() { tap().removeWatcher(m_point.cpid()); }
+    WatchPoint(const WatchPoint&) = delete;
+    WatchPoint& operator=(const WatchPoint&) = delete;
+
+private:
+    static host::MessageTap& tap() { return host::PerNode<host::MessageTap>::get(); }
+
+    CommunicationPoint m_point;
+};
+
+/// The next message of the calling thread; null when none came in time or when the thread was woken.
+MessageHandle receive(host::Deadline until)
+{
+    constexpr host::Nanoseconds longest = std::chrono::minutes(10);
+    const host::Nanoseconds left =
+        until == host::noDeadline ? longest : std::min(until - host::Clock::get().monotonic(), longest);
+    const auto timeout = std::chrono::ceil<std::chrono::microseconds>(std::max(left, host::Nanoseconds(0)));
+    return MessageHandle(AaSysComMsgReceive(static_cast<std::int32_t>(timeout.count())));
+}
+
+// ---------------------------------------------------------------------------------------------------------------- send
+
+/// What `msg send` has been told, understood.
+struct Letter {
+    TAaSysComMsgId id = 0;
+    std::optional<TAaSysComCpid> cpid; ///< nothing: the service is told by its name
+    TAaSysComNid node = 0;
+    Bytes payload;
+    std::optional<host::Nanoseconds> patience;
+};
+
+Letter letterOf(const SendOptions& options)
+{
+    Letter letter;
+    if (readNumber(options.receiver)) {
+        letter.cpid = static_cast<TAaSysComCpid>(parseNumber("CPID", options.receiver, 0xFFFF));
+    }
+    if (!options.id.empty()) {
+        letter.id = static_cast<TAaSysComMsgId>(parseNumber("--id", options.id, 0xFFFFFFFF));
+    }
+    letter.payload = options.text.empty() ? parseHex("--payload", options.payload) : bytesOf(options.text);
+    if (letter.payload.size() > AA_SYS_COM_MAX_PAYLOAD) {
+        throw UsageError("a message has at most " + std::to_string(AA_SYS_COM_MAX_PAYLOAD) + " payload bytes, this one " +
+                         std::to_string(letter.payload.size()));
+    }
+    if (!options.patience.empty()) {
+        letter.patience = parseSeconds("--wait-reply", options.patience);
+    }
+    if (!options.node.empty()) {
+        letter.node = static_cast<TAaSysComNid>(parseNumber("--node", options.node, 0xFFFF));
+    }
+    return letter;
+}
+
+std::string reasonOf(std::int32_t status, TAaSysComSicad receiver)
+{
+    const std::string node = "node " + hexNumber(receiver >> 16, 4);
+    const std::string cpid = "cpid " + hexNumber(receiver & 0xFFFFU, 4);
+    switch (status) {
+    case EAaSysComStatus_NoReceiver:
+        return "nobody holds " + cpid + " on " + node + "; 'dorn service list' shows who is there";
+    case EAaSysComStatus_NoRoute:
+        return node + " cannot be reached from " + NodePlace().nodeName();
+    case EAaSysComStatus_QueueFull:
+        return "the queue of " + cpid + " stays full: who holds it does not take its messages";
+    default:
+        return "memory or descriptors have run out";
+    }
+}
+
+TAaSysComSicad addressOf(const Letter& letter, const SendOptions& options, NameBook& names)
+{
+    const TAaSysComCpid cpid = letter.cpid ? *letter.cpid : names.cpidOf(options.receiver);
+    if (cpid == 0) {
+        throw Failure("no service '" + options.receiver + "' lives on " + NodePlace().nodeName() +
+                      "; give a cpid or a name that 'dorn service list' shows");
+    }
+    return AaSysComSicadGet(cpid, options.node.empty() ? ownNode() : letter.node);
+}
+
+void sendTo(TAaSysComSicad receiver, const Letter& letter)
+{
+    void* message = AaSysComMsgCreate(letter.id, static_cast<std::uint16_t>(letter.payload.size()), receiver);
+    if (message && !letter.payload.empty()) {
+        std::memcpy(AaSysComMsgGetPayload(message), letter.payload.data(), letter.payload.size());
+    }
+    const std::int32_t status = message ? AaSysComMsgSend(&message) : std::int32_t{EAaSysComStatus_NoResources};
+    if (status != EAaSysComStatus_Ok) {
+        throw Failure("not sent: " + reasonOf(status, receiver));
+    }
+}
+
+Reply awaitReply(const Letter& letter, const SendOptions& options, NameBook& names)
+{
+    const host::Deadline until = host::Clock::get().monotonic() + *letter.patience;
+    const MessageHandle message = receive(until);
+    if (!message) {
+        throw Failure("sent, but no reply came within " + options.patience + " s");
+    }
+    const TAaSysComSicad sender = AaSysComMsgGetSender(message.get());
+    const bool isHere = sender >> 16 == ownNode();
+    const BytesView payload = payloadOf(message.get());
+    return {AaSysComMsgGetId(message.get()),
+            {isHere ? names.ofCpid(static_cast<TAaSysComCpid>(sender & 0xFFFFU)) : "", sender},
+            Bytes(payload.begin(), payload.end())};
+}
+
+Outcome send(const SendOptions& options, Console& console)
+{
+    const Letter letter = letterOf(options);
+    const NodePlace node;
+    node.require(NodePart::Messages);
+    std::unique_ptr<NameBook> names;
+    std::unique_ptr<CommunicationPoint> point;
+    answerOf(awaited, [&] {
+        names = std::make_unique<NameBook>(node);
+        point = std::make_unique<CommunicationPoint>();
+        sendTo(addressOf(letter, options, *names), letter);
+    });
+    if (letter.patience) {
+        const Reply reply = awaitReply(letter, options, *names);
+        console.print(options.asJson ? jsonText(replyJson(reply)) : replyText(reply, ownNode()));
+    }
+    return Outcome::Fine;
+}
+
+// --------------------------------------------------------------------------------------------------------------- watch
+
+MessageFilter filterOf(const WatchOptions& options)
+{
+    MessageFilter filter;
+    if (!options.id.empty()) {
+        filter.id = static_cast<TAaSysComMsgId>(parseNumber("--id", options.id, 0xFFFFFFFF));
+    }
+    if (!options.cpid.empty()) {
+        filter.cpid = static_cast<TAaSysComCpid>(parseNumber("--cpid", options.cpid, 0xFFFF));
+    }
+    return filter;
+}
+
+void show(const SeenMessage& message, const Names& names, const WatchOptions& options, Console& console)
+{
+    console.printLine(options.asJson ? jsonLine(messageJson(message, names, options.isDumped))
+                                     : messageText(message, names, options.isDumped));
+}
+
+void showMissed(const SeenMessage& message, const Names& names, const WatchOptions& options, Console& console)
+{
+    console.printLine(options.asJson ? jsonLine(missedJson(message, names)) : missedText(message, names));
+}
+
+Outcome watch(const WatchOptions& options, Console& console)
+{
+    const MessageFilter filter = filterOf(options);
+    WatchProgress progress(options.limits, console);
+    const NodePlace node;
+    node.require(NodePart::Messages);
+    NameBook book(node);
+    const Names names = book.names();
+    const auto point = answerOf(awaited, [] { return std::make_unique<WatchPoint>(); });
+    const StopRequest stop([eu = AaProEuCurrent()] { AaSysComEuWakeUp(eu); });
+    while (progress.wantsMore() && !stop.hasCome()) {
+        const MessageHandle record = receive(progress.until());
+        if (!record || AaSysComMsgGetId(record.get()) != host::MessageTap::recordId) {
+            continue;
+        }
+        const std::optional<SeenMessage> message = readTapRecord(payloadOf(record.get()));
+        if (message && message->missed != 0) {
+            showMissed(*message, names, options, console);
+        }
+        if (message && filter.accepts(*message)) {
+            show(*message, names, options, console);
+            progress.noteItem();
+        }
+    }
+    return stop.hasCome() ? Outcome::Fine : progress.outcome();
+}
+
+void addSend(Program& program, CLI::App& noun)
+{
+    const auto options = std::make_shared<SendOptions>();
+    CLI::App& verb = program.addVerb(
+        noun,
+        {"send", "Sends a message, and prints the reply if one is waited for",
+         "dorn msg send ClimateS --id 0x2111 --payload 07000000 --wait-reply 1", "dorn service list --names"},
+        [options](Console& console) { return send(*options, console); });
+    verb.add_option("CPID", options->receiver, "Who gets it: a cpid, or the name of a service")->required();
+    verb.add_option("--id", options->id, "Message id; 0 without it")->type_name("N");
+    CLI::Option* const payload =
+        verb.add_option("--payload", options->payload, "Payload in hexadecimal digits")->type_name("BYTES");
+    verb.add_option("--text", options->text, "Payload as text")->type_name("TEXT")->excludes(payload);
+    verb.add_option("--node", options->node, "Node of the receiver; this one without it")->type_name("N");
+    CLI::Option* const wait =
+        verb.add_option("--wait-reply", options->patience, "Waits so many seconds for a reply")->type_name("S");
+    verb.add_flag("--json", options->asJson, "Prints the reply as JSON")->needs(wait);
+}
+
+void addWatch(Program& program, CLI::App& noun)
+{
+    const auto options = std::make_shared<WatchOptions>();
+    CLI::App& verb = program.addVerb(
+        noun,
+        {"watch", "Prints the messages of the node as they are sent, until Ctrl-C", "dorn msg watch --cpid 0x0212 --hex"},
+        [options](Console& console) { return watch(*options, console); });
+    verb.add_option("--id", options->id, "Only messages with this id")->type_name("N");
+    verb.add_option("--cpid", options->cpid, "Only messages from or to this cpid")->type_name("N");
+    verb.add_flag("--hex", options->isDumped, "Prints the payloads");
+    addWatchLimits(verb, options->limits);
+    verb.add_flag("--json", options->asJson, "Prints a JSON object a line");
+}
+
+} // namespace
+
+void addMsgNoun(Program& program)
+{
+    CLI::App& noun = program.addNoun("msg", "The messages of the node");
+    addSend(program, noun);
+    addWatch(program, noun);
+}
+
+} // namespace dorn::tool

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+/// @file Nouns.hpp
+/// The nouns of the command. A noun is a source file of its own that defines the function which adds it; here it gets
+/// its line.
+#pragma once
+
+namespace dorn::tool {
+
+class Program;
+
+void addServiceNoun(Program& program);
+void addRadNoun(Program& program);
+void addTagNoun(Program& program);
+void addMsgNoun(Program& program);
+void addLogNoun(Program& program);
+void addCompletionNoun(Program& program);
+
+/// Adds them all, in the order of the help.
+inline void addNouns(Program& program)
+{
+    addServiceNoun(program);
+    addRadNoun(program);
+    addTagNoun(program);
+    addMsgNoun(program);
+    addLogNoun(program);
+    addCompletionNoun(program);
+}
+
+} // namespace dorn::tool

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+#include "Program.hpp"
+
+#include "HelpFormatter.hpp"
+#include "WrongUse.hpp"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <exception>
+#include <iterator>
+#include <utility>
+
+namespace dorn::tool {
+namespace {
+
+constexpr const char* generalFooter =
+    "Exit status: 0 fine, 1 the answer is no, 2 wrong use.\n"
+    "DORN_RUN_DIR and DORN_NID choose the node.\n\n"
+    "'dorn NOUN --help' lists a noun's verbs, 'dorn NOUN VERB --help' shows an example.";
+
+} // namespace
+
+Program::Program() : m_commandLine(std::make_unique<CLI::App>("Shows and changes what runs on a node", "dorn"))
+{
+    m_commandLine->formatter(std::make_shared<HelpFormatter>());
+    m_commandLine->set_help_flag("-h,--help", "Shows this help");
+    m_commandLine->set_version_flag("--version", "dorn " DORN_VERSION, "Shows the version");
+    m_commandLine->require_subcommand(1);
+    m_commandLine->footer(generalFooter);
+}
+
+Program::~Program() = default;
+
+CLI::App& Program::addNoun(const std::string& name, const std::string& description)
+{
+    CLI::App& noun = *m_commandLine->add_subcommand(name, description);
+    noun.group("Nouns")->require_subcommand(1)->footer("");
+    return noun;
+}
+
+CLI::App& Program::addVerb(CLI::App& noun, const VerbText& text, Action action)
+{
+    CLI::App& verb = *noun.add_subcommand(text.name, text.description);
+    verb.group("Verbs")->footer("Example:\n  " + text.example);
+    m_verbs[&verb] = {std::move(action), text.values};
+    return verb;
+}
+
+CLI::App& Program::addCommand(const VerbText& text, Action action)
+{
+    CLI::App& command = addVerb(*m_commandLine, text, std::move(action));
+    command.group("Nouns");
+    return command;
+}
+
+const std::string& Program::valuesOf(const CLI::App& verb) const
+{
+    static const std::string none;
+    const auto found = m_verbs.find(&verb);
+    return found == m_verbs.end() ? none : found->second.values;
+}
+
+Outcome Program::run(const std::vector<std::string>& arguments, Console& console)
+{
+    std::vector<const char*> argv{"dorn"};
+    std::transform(arguments.begin(), arguments.end(), std::back_inserter(argv),
+                   [](const std::string& argument) { return argument.c_str(); });
+    Outcome outcome = Outcome::Fine;
+    try {
+        m_commandLine->parse(static_cast<int>(argv.size()), argv.data());
+        outcome = carryOut(console);
+    } catch (const CLI::CallForHelp&) {
+        console.print(m_commandLine->help());
+    } catch (const CLI::CallForVersion&) {
+        console.print(m_commandLine->version() + "\n");
+    } catch (const CLI::ParseError& error) {
+        explainWrongUse(reasonOf(chosen(), error), console);
+        outcome = Outcome::WrongUse;
+    }
+    return console.finish() ? outcome : Outcome::No;
+}
+
+Outcome Program::carryOut(Console& console) const
+{
+    try {
+        return m_verbs.at(&chosen()).action(console);
+    } catch (const UsageError& error) {
+        explainWrongUse(error.what(), console);
+        return Outcome::WrongUse;
+    } catch (const std::exception& error) {
+        console.remark(error.what());
+        return Outcome::No;
+    }
+}
+
+void Program::explainWrongUse(const std::string& reason, Console& console) const
+{
+    console.remark(reason + "\nTry '" + commandOf(chosen()) + " --help'");
+}
+
+const CLI::App& Program::chosen() const
+{
+    const CLI::App* command = m_commandLine.get();
+    for (auto next = command->get_subcommands(); !next.empty(); next = command->get_subcommands()) {
+        command = next.front();
+    }
+    return *command;
+}
+
+std::string commandOf(const CLI::App& command)
+{
+    const CLI::App* const parent = command.get_parent();
+    return (parent ? commandOf(*parent) + " " : "") + command.get_name();
+}
+
+} // namespace dorn::tool

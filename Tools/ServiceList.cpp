@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+#include "ServiceList.hpp"
+
+#include "Table.hpp"
+#include "Values.hpp"
+#include "rad/ERadHwapiState.h"
+
+#include <algorithm>
+#include <array>
+#include <tuple>
+
+namespace dorn::tool {
+namespace {
+
+constexpr std::uint32_t endedState = 4;
+constexpr std::uint32_t failedState = 5;
+constexpr std::array<const char*, 6> stateWords{"", "starting", "waiting", "handling", "ended", "failed"};
+
+void sortByName(std::vector<host::EeInfo>& services)
+{
+    std::stable_sort(services.begin(), services.end(), [](const host::EeInfo& left, const host::EeInfo& right) {
+        return std::tie(left.name, left.since) < std::tie(right.name, right.since);
+    });
+}
+
+Cell stateCell(const host::EeInfo& service)
+{
+    const auto state = stateOf(service);
+    const std::string condition = conditionOf(service);
+    std::string text = state ? std::to_string(state->value) : "";
+    text += text.empty() || condition.empty() ? condition : " " + condition;
+    if (text.empty()) {
+        text = "-";
+    }
+    const bool hasEndedWell = state && state->value == endedState;
+    const bool isWrong = (!service.alive && !hasEndedWell) || (state && state->value == failedState);
+    return {text, isWrong ? Colour::Red : service.alive ? Colour::Green : Colour::Faint};
+}
+
+Json timeOrNull(std::int64_t wall)
+{
+    return wall == 0 ? Json(nullptr) : Json(timeText(host::Nanoseconds(wall)));
+}
+
+Json serviceJson(const host::EeInfo& service)
+{
+    const auto state = stateOf(service);
+    Json published = Json::array();
+    for (const host::EeInfo::Published& entry : service.published) {
+        published.push_back({{"id", entry.id}, {"value", entry.value}, {"moved", timeOrNull(entry.when)}});
+    }
+    Json cpids = Json::array();
+    for (const host::EeInfo::Cpid& entry : service.cpids) {
+        cpids.push_back({{"cpid", entry.cpid}, {"eu", entry.euName}});
+    }
+    return {{"name", service.name},
+            {"pid", service.pid},
+            {"cpid", service.cpid},
+            {"alive", service.alive},
+            {"state", state ? Json(state->value) : Json(nullptr)},
+            {"condition", conditionOf(service)},
+            {"started", timeOrNull(service.since)},
+            {"moved", state ? timeOrNull(state->when) : Json(nullptr)},
+            {"published", published},
+            {"cpids", cpids}};
+}
+
+} // namespace
+
+std::optional<host::EeInfo::Published> stateOf(const host::EeInfo& service)
+{
+    const auto found = std::find_if(
+        service.published.begin(), service.published.end(),
+        [](const host::EeInfo::Published& entry) { return entry.id >> 16 == RAD_HWAPI_STATE_DOMAIN; });
+    return found == service.published.end() ? std::nullopt : std::optional(*found);
+}
+
+std::string stateWord(std::uint32_t state)
+{
+    return state < stateWords.size() ? stateWords[state] : "";
+}
+
+std::string conditionOf(const host::EeInfo& service)
+{
+    const auto state = stateOf(service);
+    const std::string word = state ? stateWord(state->value) : "";
+    const bool hasSaidItsEnd = state && (state->value == endedState || state->value == failedState);
+    if (service.alive || hasSaidItsEnd) {
+        return word;
+    }
+    return word.empty() ? "dead" : "dead (was " + word + ")";
+}
+
+std::string servicesTable(std::vector<host::EeInfo> services, const Console& console)
+{
+    sortByName(services);
+    Table table({"SERVICE", "PID", "CPID", "STATE", "STARTED", "STATE MOVED"});
+    for (const host::EeInfo& service : services) {
+        const auto state = stateOf(service);
+        table.add({printable(service.name), std::to_string(service.pid), hexNumber(service.cpid, 4),
+                   stateCell(service), shortTimeText(host::Nanoseconds(service.since)),
+                   shortTimeText(host::Nanoseconds(state ? state->when : 0))});
+    }
+    return table.text(console);
+}
+
+Json servicesJson(std::vector<host::EeInfo> services)
+{
+    sortByName(services);
+    Json json = Json::array();
+    for (const host::EeInfo& service : services) {
+        json.push_back(serviceJson(service));
+    }
+    return json;
+}
+
+std::string serviceNames(std::vector<host::EeInfo> services)
+{
+    sortByName(services);
+    std::string text;
+    const std::string* previous = nullptr;
+    for (const host::EeInfo& service : services) {
+        if (!previous || *previous != service.name) {
+            text += printable(service.name) + "\n";
+        }
+        previous = &service.name;
+    }
+    return text;
+}
+
+} // namespace dorn::tool

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#include "Console.hpp"
+#include "Nouns.hpp"
+#include "Program.hpp"
+
+#include <csignal>
+#include <cstdlib>
+#include <iostream>
+#include <unistd.h>
+
+int main(int argc, char** argv)
+{
+    std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is seen where the answer is written
+    setenv("DORN_LOG", "none", 0); // what goes wrong is said once, in this command's own words
+    const bool isColoured =
+        dorn::tool::isColourWanted(isatty(STDOUT_FILENO) == 1, std::getenv("NO_COLOR"), std::getenv("TERM"));
+    dorn::tool::Console console(std::cout, std::cerr, isColoured);
+    dorn::tool::Program program;
+    dorn::tool::addNouns(program);
+    return static_cast<int>(program.run({argv + 1, argv + argc}, console));
+}
