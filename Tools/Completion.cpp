@@ -15,6 +15,7 @@ struct Step {
     std::string words;
     std::string valueOptions; ///< options behind which a value stands
     std::string values;       ///< command that lists what the arguments can be
+    bool isRepeated = false;  ///< whether there can be several arguments
 };
 
 void addWord(std::string& words, const std::string& word)
@@ -33,7 +34,7 @@ void addOption(const CLI::Option& option, Step& step)
     }
     for (const std::string& name : names) {
         addWord(step.words, name);
-        if (option.get_type_size() != 0) {
+        if (!isFlag(option)) {
             step.valueOptions += (step.valueOptions.empty() ? "" : "|") + name;
         }
     }
@@ -41,7 +42,7 @@ void addOption(const CLI::Option& option, Step& step)
 
 void collect(const Program& program, const CLI::App& command, const std::string& path, std::vector<Step>& steps)
 {
-    Step step{path, "", "", program.valuesOf(command)};
+    Step step{path, "", "", program.valuesOf(command), false};
     const std::vector<const CLI::App*> followers = command.get_subcommands([](const CLI::App*) { return true; });
     for (const CLI::App* const follower : followers) {
         addWord(step.words, follower->get_name());
@@ -49,6 +50,8 @@ void collect(const Program& program, const CLI::App& command, const std::string&
     for (const CLI::Option* const option : command.get_options()) {
         if (option->nonpositional()) {
             addOption(*option, step);
+        } else {
+            step.isRepeated = step.isRepeated || option->get_expected_max() > 1;
         }
     }
     steps.push_back(step);
@@ -65,36 +68,42 @@ std::string caseOf(const Step& step)
     }
     text += "        words=\"" + step.words + "\"\n";
     if (!step.values.empty()) {
-        text += "        values=\"" + step.values + "\"\n";
+        const std::string condition = step.isRepeated ? "" : "[ \"$arguments\" -gt 0 ] || ";
+        text += "        " + condition + "values=\"" + step.values + "\"\n";
     }
     return text + "        ;;\n";
 }
 
-constexpr const char* begin = R"(_dorn()
+constexpr const char* begin = R"bash(_dorn()
 {
     local current="${COMP_WORDS[COMP_CWORD]}" previous="${COMP_WORDS[COMP_CWORD-1]}"
-    local command="" words="" values="" word
+    local command="" words="" values="" word="" arguments=0
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         case "${command:+$command }$word" in
-)";
+)bash";
 
-constexpr const char* middle = R"(        esac
+constexpr const char* middle = R"bash(        *" -"*) ;;
+        *) arguments=$((arguments + 1)) ;;
+        esac
     done
     case "$command" in
-)";
+)bash";
 
-constexpr const char* end = R"(    esac
-    local IFS=$'\n'
-    COMPREPLY=($(compgen -W "${words// /$'\n'}" -- "$current"))
+// What the node calls its things is data: it is compared and quoted, never evaluated.
+constexpr const char* end = R"bash(    esac
+    COMPREPLY=()
     if [[ -n "$values" && "$current" != -* ]]; then
-        IFS=' '
-        values="$($values 2>/dev/null)"
-        IFS=$'\n'
-        COMPREPLY=($(compgen -W "$values" -- "$current"))
+        while IFS= read -r word; do
+            if [[ -n "$word" && "$word" == "$current"* ]]; then
+                COMPREPLY+=("$(printf '%q' "$word")")
+            fi
+        done <<< "$($values 2>/dev/null)"
+    else
+        COMPREPLY=($(compgen -W "$words" -- "$current"))
     fi
 }
 complete -F _dorn dorn
-)";
+)bash";
 
 } // namespace
 

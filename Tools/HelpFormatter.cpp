@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "HelpFormatter.hpp"
 
+#include "Program.hpp"
+
 namespace dorn::tool {
 
 HelpFormatter::HelpFormatter()
@@ -27,7 +29,7 @@ std::string HelpFormatter::make_usage(const CLI::App* command, std::string name)
 
 std::string HelpFormatter::make_option_opts(const CLI::Option* option) const
 {
-    const bool isNamed = !option->get_positional() && option->get_type_size() != 0;
+    const bool isNamed = !option->get_positional() && !isFlag(*option);
     return isNamed ? " " + option->get_type_name() : "";
 }
 

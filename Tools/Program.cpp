@@ -18,6 +18,29 @@ constexpr const char* generalFooter =
     "DORN_RUN_DIR and DORN_NID choose the node.\n\n"
     "'dorn NOUN --help' lists a noun's verbs, 'dorn NOUN VERB --help' shows an example.";
 
+/// `--json=5` means nothing.
+void refuseFlagValues(CLI::App& command)
+{
+    const auto all = [](const CLI::Option*) { return true; };
+    for (CLI::Option* const option : command.get_options(all)) {
+        if (isFlag(*option)) {
+            option->disable_flag_override();
+        }
+    }
+    for (CLI::App* const subcommand : command.get_subcommands([](CLI::App*) { return true; })) {
+        refuseFlagValues(*subcommand);
+    }
+}
+
+/// The text without empty lines at its end.
+std::string trimmed(std::string text)
+{
+    while (text.ends_with("\n\n")) {
+        text.pop_back();
+    }
+    return text;
+}
+
 } // namespace
 
 Program::Program() : m_commandLine(std::make_unique<CLI::App>("Shows and changes what runs on a node", "dorn"))
@@ -65,12 +88,13 @@ Outcome Program::run(const std::vector<std::string>& arguments, Console& console
     std::vector<const char*> argv{"dorn"};
     std::transform(arguments.begin(), arguments.end(), std::back_inserter(argv),
                    [](const std::string& argument) { return argument.c_str(); });
+    refuseFlagValues(*m_commandLine);
     Outcome outcome = Outcome::Fine;
     try {
         m_commandLine->parse(static_cast<int>(argv.size()), argv.data());
         outcome = carryOut(console);
     } catch (const CLI::CallForHelp&) {
-        console.print(m_commandLine->help());
+        console.print(trimmed(m_commandLine->help()));
     } catch (const CLI::CallForVersion&) {
         console.print(m_commandLine->version() + "\n");
     } catch (const CLI::ParseError& error) {
@@ -105,6 +129,11 @@ const CLI::App& Program::chosen() const
         command = next.front();
     }
     return *command;
+}
+
+bool isFlag(const CLI::Option& option)
+{
+    return option.get_items_expected_max() == 0;
 }
 
 std::string commandOf(const CLI::App& command)

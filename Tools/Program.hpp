@@ -14,7 +14,7 @@
 
 namespace CLI {
 class App;
-class ParseError;
+class Option;
 } // namespace CLI
 
 namespace dorn::tool {
@@ -66,6 +66,9 @@ private:
     std::unique_ptr<CLI::App> m_commandLine;
     std::map<const CLI::App*, Verb> m_verbs;
 };
+
+/// Whether an option stands for itself alone.
+bool isFlag(const CLI::Option& option);
 
 /// "dorn rad set"
 std::string commandOf(const CLI::App& command);

@@ -27,14 +27,12 @@ Cell stateCell(const host::EeInfo& service)
 {
     const auto state = stateOf(service);
     const std::string condition = conditionOf(service);
-    std::string text = state ? std::to_string(state->value) : "";
-    text += text.empty() || condition.empty() ? condition : " " + condition;
-    if (text.empty()) {
-        text = "-";
-    }
+    const std::string number = state ? std::to_string(state->value) : std::string();
+    const std::string between = number.empty() || condition.empty() ? "" : " ";
+    const std::string text = number + between + condition;
     const bool hasEndedWell = state && state->value == endedState;
     const bool isWrong = (!service.alive && !hasEndedWell) || (state && state->value == failedState);
-    return {text, isWrong ? Colour::Red : service.alive ? Colour::Green : Colour::Faint};
+    return {text.empty() ? "-" : text, isWrong ? Colour::Red : service.alive ? Colour::Green : Colour::Faint};
 }
 
 Json timeOrNull(std::int64_t wall)

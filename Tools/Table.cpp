@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Table.hpp"
 
-#include "log/LogText.hpp"
-
 #include <algorithm>
 #include <cassert>
 
@@ -55,13 +53,6 @@ std::string Table::text(const Console& console) const
         text += '\n';
     }
     return text;
-}
-
-std::string printable(const std::string& text)
-{
-    std::string line(host::oneLineLength(text), '\0');
-    host::writeOneLine(line.data(), text);
-    return line;
 }
 
 } // namespace dorn::tool

@@ -33,7 +33,4 @@ private:
     std::vector<std::vector<Cell>> m_rows;
 };
 
-/// @p text with control characters written as `\n`, `\r` or `\xNN`, so that it says nothing to the terminal.
-std::string printable(const std::string& text);
-
 } // namespace dorn::tool

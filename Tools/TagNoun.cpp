@@ -87,10 +87,14 @@ Outcome list(const ListOptions& options, Console& console)
     return Outcome::Fine;
 }
 
+TagForm formFor(const GetOptions& options, BytesView value)
+{
+    return options.form.empty() ? formOf(value) : parseForm("--as", options.form);
+}
+
 Outcome get(const GetOptions& options, Console& console)
 {
-    const std::optional<TagForm> form =
-        options.form.empty() ? std::nullopt : std::optional(parseForm("--as", options.form));
+    formFor(options, {}); // wrong use comes before all else
     requireName(options.name);
     const std::optional<host::TagBytes> value =
         answerOf(awaited, [&options] { return openStore().get(options.name); });
@@ -103,7 +107,7 @@ Outcome get(const GetOptions& options, Console& console)
         return Outcome::Fine;
     }
     try {
-        console.print(tagValueText(*value, form.value_or(formOf(*value))) + "\n");
+        console.print(tagValueText(*value, formFor(options, *value)) + "\n");
     } catch (const Failure& failure) {
         throw Failure("tag '" + options.name + "': " + failure.what());
     }

@@ -169,7 +169,7 @@ std::string describedValue(BytesView value)
 {
     const TagForm form = formOf(value);
     const std::string text = tagValueText(value, form);
-    return text + (text.empty() ? "(" : " (") + formName(form) + ")";
+    return value.empty() ? "empty" : text + " (" + formName(form) + ")";
 }
 
 std::string tagTable(const std::vector<host::Tag>& tags, const Console& console)

@@ -34,7 +34,7 @@ std::string tagValueText(BytesView value, TagForm form);
 /// The bytes of a number in host byte order, as AaConfigTagSetU16() and AaConfigTagSetU32() set them.
 Bytes numberBytes(std::uint32_t value, TagForm form);
 
-/// "60 (u32)"
+/// "60 (u32)", "empty"
 std::string describedValue(BytesView value);
 
 /// A table; of values of more than 64 bytes only the first are shown.

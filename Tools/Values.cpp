@@ -137,6 +137,13 @@ std::string hexDump(BytesView bytes, const std::string& indent)
     return text;
 }
 
+std::string printable(const std::string& text)
+{
+    std::string line(host::oneLineLength(text), '\0');
+    host::writeOneLine(line.data(), text);
+    return line;
+}
+
 std::string timeText(host::Nanoseconds wall)
 {
     std::string text(host::logTimeLength, '\0');

@@ -45,6 +45,9 @@ std::string hexText(BytesView bytes);
 /// line feed.
 std::string hexDump(BytesView bytes, const std::string& indent);
 
+/// @p text with control characters written as `\n`, `\r` or `\xNN`, so that it says nothing to the terminal.
+std::string printable(const std::string& text);
+
 /// "2025-11-21T09:18:01.123456Z", as in the log.
 std::string timeText(host::Nanoseconds wall);
 /// "2025-11-21T09:18:01Z"; "-" for 0, which stands for never.

@@ -68,7 +68,7 @@ std::string mismatch(const CLI::App& command, const CLI::ParseError& error)
     const std::string name = text.substr(0, text.find_first_of(": "));
     const bool isRepeated = text.find("At Most") != std::string::npos;
     const CLI::Option* const option = command.get_option_no_throw(name);
-    if (option && option->get_type_size() == 0) {
+    if (option && isFlag(*option)) {
         return "option " + quoted(name) + " takes no value";
     }
     return isRepeated ? quoted(name) + " is given more than once" : "option " + quoted(name) + " needs a value";

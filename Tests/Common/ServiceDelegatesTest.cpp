@@ -121,6 +121,31 @@ TEST_F(ServiceDelegatesTest, DelegateMayRemoveItself)
     EXPECT_EQ(m_platform.liveMessages(), 0U);
 }
 
+TEST_F(ServiceDelegatesTest, DelegateThatRemovesItsIdAtItsEndIsDeletedOnce)
+{
+    class Remover : public MsgDelegateBase {
+    public:
+        Remover(Service& service, int& ends) : MsgDelegateBase(0x1234), m_service(service), m_ends(ends) {}
+        ~Remover() override
+        {
+            ++m_ends;
+            m_service.RemoveMsgDelegate(GetMsgId());
+        }
+        void HandleMsg(void* /*message*/) override {}
+
+    private:
+        Service& m_service;
+        int& m_ends;
+    };
+    m_service->AddMsgDelegate(new Remover(*m_service, m_ends));
+    m_service->RemoveMsgDelegate(0x1234);
+    EXPECT_EQ(m_ends, 1);
+
+    m_service->AddMsgDelegate(new Remover(*m_service, m_ends));
+    m_service.reset();
+    EXPECT_EQ(m_ends, 2);
+}
+
 TEST_F(ServiceDelegatesTest, DelegatesAreDeletedWithTheService)
 {
     m_service->AddMsgDelegate(delegate(0x1234, "first").release());

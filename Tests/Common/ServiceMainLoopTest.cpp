@@ -4,8 +4,10 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <pthread.h>
 #include <stdexcept>
+#include <thread>
 
 namespace vel::hwapi::common {
 namespace {
@@ -330,6 +332,7 @@ TEST_F(ServiceShutdownTest, RequestBeforeTheMainEuRunsIsKept)
 
     EXPECT_TRUE(m_requested);
     EXPECT_EQ(m_platform.parameters[0x22000B], 4U);
+    EXPECT_THAT(m_platform.calls("AaSysComEuWakeUp(0)"), IsEmpty()); // there was no EU to wake yet
 }
 
 TEST_F(ServiceShutdownTest, RequestBetweenTheStepsOfTheMainEuIsKept)
@@ -431,6 +434,40 @@ TEST_F(ServiceShutdownTest, HandlerThatRunsAfterTheServiceHasEndedDoesNothing)
     m_service.run = nullptr;
     m_platform.queueMessage(9);
     EXPECT_EQ(m_service.Run(), 1U); // not terminated
+}
+
+TEST_F(ServiceShutdownTest, StartupOutlivesAHandlerOnAnotherThread)
+{
+    std::atomic<bool> isHandlerAtWork{false};
+    std::atomic<bool> isHandlerRemoved{false};
+    std::atomic<bool> hasHandlerEnded{false};
+    std::thread requester;
+    m_platform.onCall = [&](const std::string& call) {
+        if (call == "AaStartupSetShutdownHandler(null)") {
+            isHandlerRemoved.store(true);
+        } else if (call == "AaSysComEuWakeUp(7)") {
+            isHandlerAtWork.store(true);
+            while (!isHandlerRemoved.load()) {
+                std::this_thread::yield();
+            }
+            for (int round = 0; round < 1000; ++round) { // time for Startup() to return too early
+                std::this_thread::yield();
+            }
+            hasHandlerEnded.store(true);
+        }
+    };
+    m_service.run = [&] {
+        requester = std::thread([this] { m_platform.requestEnd(); });
+        while (!isHandlerAtWork.load()) {
+            std::this_thread::yield();
+        }
+        return 0U;
+    };
+
+    EXPECT_EQ(start(), 1U);
+
+    EXPECT_TRUE(hasHandlerEnded.load());
+    requester.join();
 }
 
 TEST_F(ServiceShutdownTest, RequestOfAnEarlierLifeIsForgotten)

@@ -327,6 +327,15 @@ TEST(ServiceLifeTest, NewServiceIsTheProcesssAndHasItsMutex)
     EXPECT_THAT(platform.calls(), ElementsAre("AaSemReMutexCreate()"));
 }
 
+TEST(ServiceLifeTest, ProcessHasNoServiceAfterItsEnd)
+{
+    const RecordingPlatform platform;
+    {
+        const ScriptedService service;
+    }
+    EXPECT_EQ(Service::Get(), nullptr);
+}
+
 TEST(ServiceLifeTest, EndPublishesStateFourAndGivesEverythingUp)
 {
     RecordingPlatform platform;

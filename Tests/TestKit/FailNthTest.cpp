@@ -9,13 +9,14 @@
 #include "Peer.hpp"
 #include "Service.hpp"
 
-#include <algorithm>
-#include <cerrno>
+#include <cctype>
+#include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
-#include <regex>
 #include <set>
+#include <sstream>
 #include <thread>
+#include <vector>
 
 namespace dorn::testkit {
 namespace {
@@ -214,14 +215,42 @@ TEST_F(FailNthTest, FunctionWithoutResultIsNotCarriedOut)
     EXPECT_THAT(semaphore.handle(), NotNull());
 }
 
-std::set<std::string> namesIn(const std::string& path, const std::regex& pattern)
+std::vector<std::string> linesOf(const std::string& path)
 {
     std::ifstream file(path);
-    std::set<std::string> names;
+    std::vector<std::string> lines;
     for (std::string line; std::getline(file, line);) {
-        std::smatch match;
-        if (std::regex_search(line, match, pattern)) {
-            names.insert(match[1]);
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+/// The functions that a header of the platform declares, inline ones left out: `int32_t AaSemGive(AaSem* sem);`
+std::set<std::string> functionsOf(const std::string& header)
+{
+    std::set<std::string> names;
+    for (const std::string& line : linesOf(header)) {
+        const std::size_t bracket = line.find('(');
+        const std::size_t begin = line.rfind(' ', bracket) + 1;
+        const bool isDeclaration = !line.empty() && std::isalpha(static_cast<unsigned char>(line.front())) &&
+                                   !line.starts_with("typedef") && !line.starts_with("static");
+        if (bracket != std::string::npos && isDeclaration && line.compare(begin, 2, "Aa") == 0) {
+            names.insert(line.substr(begin, bracket - begin));
+        }
+    }
+    return names;
+}
+
+/// The second words of the table's rows.
+std::set<std::string> functionsOfTable()
+{
+    std::set<std::string> names;
+    for (const std::string& line : linesOf(DORN_SEAM_TABLE)) {
+        std::istringstream row(line);
+        std::string header;
+        std::string name;
+        if (row >> header >> name && header.starts_with('"')) {
+            names.insert(name);
         }
     }
     return names;
@@ -229,20 +258,18 @@ std::set<std::string> namesIn(const std::string& path, const std::regex& pattern
 
 TEST_F(FailNthTest, EveryFunctionOfThePlatformHasAWrapper)
 {
-    const std::string headers = DORN_SEAM_HEADERS;
     std::set<std::string> declared;
-    for (const char* const header : {"AaConfigRad", "AaConfigTag", "AaCpu", "AaError", "AaFile", "AaMem", "AaPro",
-                                     "AaSem", "AaStartup", "AaSysCom", "AaSysLog", "AaTimer", "AaTrbl"}) {
-        const auto names =
-            namesIn(headers + "/" + header + ".h", std::regex(R"(^(?!typedef|static|#|/| ).*\b(Aa[A-Za-z0-9]+)\()"));
-        EXPECT_FALSE(names.empty()) << header;
-        declared.insert(names.begin(), names.end());
+    for (const auto& header : std::filesystem::directory_iterator(DORN_SEAM_HEADERS)) {
+        if (header.path().extension() == ".h") {
+            declared.merge(functionsOf(header.path()));
+        }
     }
     for (const char* const excluded : {"AaErrorAssertionFailed", "AaSysLogPrint", "AaSysLogPrintE"}) {
         EXPECT_EQ(declared.erase(excluded), 1U) << excluded;
     }
 
-    EXPECT_EQ(namesIn(DORN_SEAM_TABLE, std::regex(R"(^    "\S+ (Aa\w+) )")), declared);
+    EXPECT_GE(declared.size(), 60U);
+    EXPECT_EQ(functionsOfTable(), declared);
 }
 
 } // namespace

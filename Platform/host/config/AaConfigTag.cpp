@@ -3,6 +3,7 @@
 
 #include "AaMem.h"
 #include "AaSysLog.h"
+#include "config/NoCancel.hpp"
 #include "config/TagFile.hpp"
 #include "config/TagStore.hpp"
 
@@ -17,6 +18,7 @@ namespace {
 
 using dorn::host::maximumTagName;
 using dorn::host::maximumTagValue;
+using dorn::host::NoCancel;
 using dorn::host::PerNode;
 using dorn::host::TagStore;
 using dorn::host::TagView;
@@ -44,12 +46,19 @@ void* copyOf(TagView value)
     return copy;
 }
 
+/// Opening must not be left half done; what follows looks after itself.
+TagStore& openStore()
+{
+    const NoCancel untilDone;
+    return PerNode<TagStore>::get();
+}
+
 /// Does @p work on the process's store; its failure is logged with what was to be @p done.
 template <class Work>
 int32_t withStore(const char* name, const char* done, const Work& work)
 {
     try {
-        return work(PerNode<TagStore>::get());
+        return work(openStore());
     } catch (const std::exception& error) {
         AaSysLogPrint(EAaSysLogSeverityLevel_Error, "configuration tag '%s' cannot be %s: %s", name, done,
                       error.what());
@@ -92,7 +101,7 @@ int32_t readInto(const char* name, void** value, uint32_t* length, const Otherwi
 int32_t AaConfigEarlyStartup(void)
 {
     try {
-        PerNode<TagStore>::get();
+        openStore();
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "dorn: %s\n", error.what());

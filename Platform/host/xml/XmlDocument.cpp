@@ -168,7 +168,8 @@ XmlDocument parseXml(const std::string& text, const std::string& encoding, XmlFa
     const std::string_view name = encoding.empty() ? declaredXmlEncoding(whole) : std::string_view(encoding);
     const std::optional<XmlEncoding> known = name.empty() ? XmlEncoding::Utf8 : xmlEncodingOf(name);
     if (!known) {
-        return {nullptr, XmlFault{1, 1, "encoding '" + std::string(name) + "' is not supported"}};
+        const std::string what = isXmlEncodingName(name) ? "encoding '" + std::string(name) + "'" : "the encoding";
+        return {nullptr, XmlFault{1, 1, what + " is not supported"}};
     }
     const std::string_view body = whole.substr(0, whole.find('\0'));
     const bool isLatin1 = *known == XmlEncoding::Latin1;

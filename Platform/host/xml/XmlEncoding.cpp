@@ -38,6 +38,17 @@ std::optional<XmlEncoding> xmlEncodingOf(std::string_view name)
     return std::nullopt;
 }
 
+bool isXmlEncodingName(std::string_view name)
+{
+    constexpr std::size_t longest = 40;
+    const auto isLetter = [](char c) { return toSmall(c) >= 'a' && toSmall(c) <= 'z'; };
+    const auto isAllowed = [&](char c) {
+        return isLetter(c) || (c >= '0' && c <= '9') || c == '.' || c == '_' || c == '-';
+    };
+    return !name.empty() && name.size() <= longest && isLetter(name.front()) &&
+           std::all_of(name.begin(), name.end(), isAllowed);
+}
+
 std::string_view declaredXmlEncoding(std::string_view text)
 {
     constexpr std::string_view begin = "<?xml";

@@ -14,6 +14,9 @@ enum class XmlEncoding { Utf8, Latin1 };
 /// The encoding that a name means, in capital or small letters; nothing when it is not one that we read.
 std::optional<XmlEncoding> xmlEncodingOf(std::string_view name);
 
+/// Whether @p name has the form and a likely length of an encoding's name.
+bool isXmlEncodingName(std::string_view name);
+
 /// The name of the encoding that a document's declaration gives; empty when there is none.
 std::string_view declaredXmlEncoding(std::string_view text);
 

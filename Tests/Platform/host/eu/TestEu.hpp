@@ -63,8 +63,8 @@ private:
     void start()
     {
         TestEu* const self = this;
-        if (AaSysComEuCreateAndStartWithPolicy(nullptr, m_name.c_str(), run, 4096,
-                                               EAaProEuSchedulingPolicy_NotDefined, 0, &self, sizeof self, 1) != 0) {
+        if (AaSysComEuCreateAndStartWithPolicy(nullptr, m_name.c_str(), run, 4096, EAaProEuSchedulingPolicy_NotDefined,
+                                               0, &self, sizeof self, 1) != 0) {
             AaSemGive(m_started);
         }
     }

@@ -288,7 +288,7 @@ TEST_F(PrintedLineTest, ChildOfAForkBearsItsOwnProcessId)
                              line("warning Clock[" + std::to_string(child) + "] - - child"));
 }
 
-TEST_F(PrintedLineTest, ForkWhileOthersPrintLeavesAUsableLog)
+TEST_F(AaSysLogTest, ForkWhileOthersPrintLeavesAUsableLog)
 {
     useLog("file,file:" + m_node.boardRoot() + "/a.log");
     std::atomic<bool> stop{false};
@@ -316,7 +316,7 @@ TEST_F(PrintedLineTest, ForkWhileOthersPrintLeavesAUsableLog)
     }
 }
 
-TEST_F(PrintedLineTest, ThreadThatIsCancelledLeavesAUsableLog)
+TEST_F(AaSysLogTest, ThreadThatIsCancelledLeavesAUsableLog)
 {
     useLog("file:" + m_node.boardRoot() + "/a.log,file");
     std::atomic<bool> isPrinting{false};
@@ -334,7 +334,7 @@ TEST_F(PrintedLineTest, ThreadThatIsCancelledLeavesAUsableLog)
     printer.join();
     AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "after");
     const std::string lines = m_node.readBoardFile("/a.log");
-    EXPECT_TRUE(lines.ends_with(line("warning " + process() + " - - after"))) << lines;
+    EXPECT_TRUE(lines.ends_with(" warning " + process() + " - - after\n")) << lines;
 }
 
 } // namespace

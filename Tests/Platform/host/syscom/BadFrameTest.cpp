@@ -3,8 +3,8 @@
 #include "RawSender.hpp"
 #include "SysComTest.hpp"
 
-#include <filesystem>
 #include <fcntl.h>
+#include <filesystem>
 #include <random>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -85,7 +85,7 @@ TEST_F(BadFrameTest, NoneOfThousandsOfRandomPacketsGetsThrough)
     std::mt19937 random(1);
     for (int round = 0; round < 2000; ++round) {
         Bytes bytes = frameOf(header(), random() % 64);
-        for (unsigned changes = 1 + random() % 3; changes > 0; --changes) {
+        for (auto changes = 1 + random() % 3; changes > 0; --changes) {
             bytes[random() % std::min<std::size_t>(bytes.size(), 8)] ^= static_cast<std::byte>(1 + random() % 255);
         }
         if (std::memcmp(bytes.data(), frameOf(header()).data(), 8) == 0) {
@@ -122,8 +122,7 @@ TEST_F(BadFrameTest, OwnCpidInAForgedFrameOfAnotherProcessIsDropped)
 
     char fields[100];
     std::snprintf(fields, sizeof fields, "id=0x7003 receiver=0x0F010300 sender=0x%08X, 40 bytes", address());
-    EXPECT_EQ(m_log.texts(), std::vector<std::string>{"Warning 0x0 Dropped what process " +
-                                                      std::to_string(peer.pid()) +
+    EXPECT_EQ(m_log.texts(), std::vector<std::string>{"Warning 0x0 Dropped what process " + std::to_string(peer.pid()) +
                                                       " sent to cpid 0x0300: its sender is forged (" + fields +
                                                       "; 1 dropped so far)"});
 }

@@ -36,8 +36,9 @@ protected:
     void expectDropped(const std::string& reason, const std::string& fields)
     {
         EXPECT_EQ(takeId(), 0U);
-        EXPECT_EQ(m_log.texts(), std::vector<std::string>{"Warning 0x0 Dropped what process 4711 sent to cpid 0x0300: " +
-                                                          reason + " (" + fields + "; 1 dropped so far)"});
+        EXPECT_EQ(m_log.texts(),
+                  std::vector<std::string>{"Warning 0x0 Dropped what process 4711 sent to cpid 0x0300: " + reason +
+                                           " (" + fields + "; 1 dropped so far)"});
     }
 
     const SomePeer m_peer{4711};

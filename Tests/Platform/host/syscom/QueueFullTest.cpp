@@ -130,7 +130,7 @@ TEST_F(QueueFullTest, EndOfTheReceiverEndsTheWait)
     {
         SlowReceiver receiver;
         fill(receiver.address());
-        receiver.takeOne();                                   // all is pending with the receiver
+        receiver.takeOne();                             // all is pending with the receiver
         while (sendEmpty(1, receiver.address()) != 0) { // until that has happened
         }
         for (unsigned count = 1; count < capacity; ++count) {

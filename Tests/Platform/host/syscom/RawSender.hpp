@@ -36,8 +36,8 @@ inline Bytes frameOf(const FrameHeader& header, std::size_t size = 0)
 class RawSender {
 public:
     /// @throws std::system_error when nobody listens.
-    RawSender(const std::string& nodeDirectory, TAaSysComCpid cpid)
-        : m_socket(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0))
+    RawSender(const std::string& nodeDirectory, TAaSysComCpid cpid, int flags = 0)
+        : m_socket(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | flags, 0))
     {
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
@@ -56,6 +56,10 @@ public:
     bool send(const Bytes& bytes) const
     {
         return ::send(m_socket, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
+    }
+    void sendUnlessFull(const Bytes& bytes) const
+    {
+        ::send(m_socket, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
     }
 
 private:

@@ -86,8 +86,8 @@ TEST_F(RegistrationTest, CpidOfAnotherEuOfTheProcessIsRefused)
     ASSERT_EQ(AaSysComUserRegister(cpid, holder.id()), cpid);
 
     EXPECT_EQ(AaSysComUserRegister(cpid, AaProEuCurrent()), 0);
-    EXPECT_EQ(m_log.texts(), std::vector<std::string>{
-                                 "Warning 0x0 cpid 0x0300 is not granted: EU Alpha of this process holds it"});
+    EXPECT_EQ(m_log.texts(),
+              std::vector<std::string>{"Warning 0x0 cpid 0x0300 is not granted: EU Alpha of this process holds it"});
 }
 
 TEST_F(RegistrationTest, EuThatDoesNotLiveIsRefused)
@@ -185,8 +185,8 @@ TEST_F(RegistrationTest, UnreachableCpidIsNotGranted)
     std::filesystem::create_directories(m_node.nodeDirectory() + "/cpid/0300/in the way");
 
     EXPECT_EQ(AaSysComUserRegister(cpid, AaProEuCurrent()), 0);
-    EXPECT_EQ(m_log.texts(), std::vector<std::string>{
-                                 "Error 0x0 cpid 0x0300 cannot be made reachable: Address already in use"});
+    EXPECT_EQ(m_log.texts(),
+              std::vector<std::string>{"Error 0x0 cpid 0x0300 cannot be made reachable: Address already in use"});
     EXPECT_EQ(sendEmpty(1, addressOf(cpid)), EAaSysComStatus_NoReceiver);
     std::filesystem::remove_all(m_node.nodeDirectory() + "/cpid/0300");
     EXPECT_EQ(AaSysComUserRegister(cpid, AaProEuCurrent()), cpid);

@@ -37,8 +37,7 @@ inline TAaSysComMsgId takeId(std::int32_t timeout = AA_NO_WAIT, std::initializer
 {
     std::vector<std::uint16_t> filter{static_cast<std::uint16_t>(ids.size())};
     filter.insert(filter.end(), ids);
-    void* message =
-        ids.size() == 0 ? AaSysComMsgReceive(timeout) : AaSysComMsgReceiveSelective(timeout, filter.data());
+    void* message = ids.size() == 0 ? AaSysComMsgReceive(timeout) : AaSysComMsgReceiveSelective(timeout, filter.data());
     const TAaSysComMsgId id = AaSysComMsgGetId(message);
     AaSysComMsgDestroy(&message);
     return id;

@@ -198,6 +198,11 @@ TEST_F(AaGpuXmlTest, UnknownEncodingIsAFault)
     EXPECT_EQ(errorOf("<?xml version='1.0' encoding='UTF-16'?><a/>"), "1:1: encoding 'UTF-16' is not supported");
 }
 
+TEST_F(AaGpuXmlTest, EncodingThatIsNoNameIsNotRepeatedInTheFault)
+{
+    EXPECT_EQ(errorOf("<?xml version='1.0' encoding='<x>\n'?><a/>"), "1:1: the encoding is not supported");
+}
+
 TEST_F(AaGpuXmlTest, GoodTextClearsTheLastError)
 {
     errorOf("<a>");

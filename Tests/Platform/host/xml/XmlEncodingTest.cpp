@@ -2,10 +2,12 @@
 #include "xml/XmlEncoding.hpp"
 
 #include <gtest/gtest.h>
+#include <string>
 
 namespace {
 
 using dorn::host::declaredXmlEncoding;
+using dorn::host::isXmlEncodingName;
 using dorn::host::latin1ToUtf8;
 using dorn::host::XmlEncoding;
 using dorn::host::xmlEncodingOf;
@@ -20,6 +22,18 @@ TEST(XmlEncodingTest, EncodingNamesAreKnownInAnyCase)
     EXPECT_EQ(xmlEncodingOf("Latin1"), XmlEncoding::Latin1);
     EXPECT_EQ(xmlEncodingOf("ISO-8859-15"), std::nullopt);
     EXPECT_EQ(xmlEncodingOf(""), std::nullopt);
+}
+
+TEST(XmlEncodingTest, NamesOfEncodingsAreShortWords)
+{
+    EXPECT_TRUE(isXmlEncodingName("KOI8-R"));
+    EXPECT_TRUE(isXmlEncodingName("x_1.2"));
+    EXPECT_FALSE(isXmlEncodingName(""));
+    EXPECT_FALSE(isXmlEncodingName("8bit"));
+    EXPECT_FALSE(isXmlEncodingName("UTF 8"));
+    EXPECT_FALSE(isXmlEncodingName("UTF\n8"));
+    EXPECT_TRUE(isXmlEncodingName(std::string(40, 'x')));
+    EXPECT_FALSE(isXmlEncodingName(std::string(41, 'x')));
 }
 
 TEST(XmlEncodingTest, DeclarationGivesTheEncoding)

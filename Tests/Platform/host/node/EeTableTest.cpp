@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+#include "node/EeTable.hpp"
+
+#include "ManualClock.hpp"
+#include "TestNode.hpp"
+
+#include <csignal>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace dorn::host;
+using namespace dorn::testkit;
+
+namespace {
+
+/// Another process with a place in the table, until it is killed.
+class OtherProcess {
+public:
+    OtherProcess(const RunDirectory& directory, const std::string& name, std::uint16_t cpid)
+    {
+        int ready[2];
+        EXPECT_EQ(pipe(ready), 0);
+        m_pid = fork();
+        if (m_pid == 0) {
+            EeTable table(directory);
+            table.enter(name, cpid);
+            table.noteCpid(cpid, name + "Main");
+            table.notePublished(0x220001, 2);
+            [[maybe_unused]] const ssize_t written = write(ready[1], "x", 1);
+            for (;;) {
+                pause();
+            }
+        }
+        char byte = 0;
+        EXPECT_EQ(read(ready[0], &byte, 1), 1);
+        close(ready[0]);
+        close(ready[1]);
+    }
+    ~OtherProcess() { end(); }
+    OtherProcess(const OtherProcess&) = delete;
+    OtherProcess& operator=(const OtherProcess&) = delete;
+
+    pid_t pid() const { return m_pid; }
+    void end()
+    {
+        if (m_pid != 0) {
+            kill(m_pid, SIGKILL);
+            waitpid(m_pid, nullptr, 0);
+            m_pid = 0;
+        }
+    }
+
+private:
+    pid_t m_pid = 0;
+};
+
+class EeTableTest : public ::testing::Test {
+protected:
+    TestNode m_node;
+    RunDirectory m_directory{m_node.runDirectory(), 0x0F01};
+};
+
+} // namespace
+
+TEST_F(EeTableTest, IsEmptyBeforeAnybodyEnters)
+{
+    EXPECT_TRUE(EeTable(m_directory).list().empty());
+}
+
+TEST_F(EeTableTest, TellsALiveProcessFromADeadOne)
+{
+    const EeTable table(m_directory);
+    OtherProcess fan(m_directory, "FanS", 0x0301);
+    const pid_t pid = fan.pid();
+    ASSERT_EQ(table.list().size(), 1U);
+    EXPECT_TRUE(table.list().front().alive);
+    fan.end();
+    const auto list = table.list();
+    ASSERT_EQ(list.size(), 1U);
+    EXPECT_FALSE(list.front().alive);
+    EXPECT_EQ(list.front().name, "FanS");
+    EXPECT_EQ(list.front().pid, pid);
+    ASSERT_EQ(list.front().published.size(), 1U);
+    EXPECT_EQ(list.front().published.front().value, 2U);
+}
+
+TEST_F(EeTableTest, ProcessOfTheSameNameTakesTheDeadOnesPlace)
+{
+    const EeTable table(m_directory);
+    OtherProcess fan(m_directory, "FanS", 0x0301);
+    OtherProcess led(m_directory, "LedS", 0x0302);
+    led.end();
+    fan.end();
+    const OtherProcess again(m_directory, "LedS", 0x0303);
+    const auto list = table.list();
+    ASSERT_EQ(list.size(), 2U);
+    EXPECT_EQ(list[1].pid, again.pid());
+    EXPECT_EQ(list[1].cpid, 0x0303);
+    EXPECT_FALSE(list[0].alive);
+}
+
+TEST_F(EeTableTest, LiveProcessOfTheSameNameKeepsItsPlace)
+{
+    const EeTable table(m_directory);
+    const OtherProcess first(m_directory, "FanS", 0x0301);
+    const OtherProcess second(m_directory, "FanS", 0x0301);
+    const auto list = table.list();
+    ASSERT_EQ(list.size(), 2U);
+    EXPECT_EQ(list[0].pid, first.pid());
+    EXPECT_EQ(list[1].pid, second.pid());
+}
+
+TEST_F(EeTableTest, NotesWhatWasPublishedAndWhen)
+{
+    ManualClock clock(std::chrono::seconds(1000));
+    EeTable table(m_directory);
+    table.notePublished(1, 1); // not entered: goes nowhere
+    table.enter("FanS", 0x0301);
+    table.notePublished(0x220001, 1);
+    clock.advance(std::chrono::seconds(5));
+    table.notePublished(0x220001, 2);
+    table.notePublished(0x20054, 1);
+    const EeInfo info = table.list().front();
+    EXPECT_EQ(info.since, Nanoseconds(std::chrono::seconds(1000)).count());
+    ASSERT_EQ(info.published.size(), 2U);
+    EXPECT_EQ(info.published[0].id, 0x220001U);
+    EXPECT_EQ(info.published[0].value, 2U);
+    EXPECT_EQ(info.published[0].when, Nanoseconds(std::chrono::seconds(1005)).count());
+    EXPECT_EQ(info.published[1].id, 0x20054U);
+}
+
+TEST_F(EeTableTest, PublishedParametersBeyondItsRoomAreLeftOut)
+{
+    EeTable table(m_directory);
+    table.enter("FanS", 0x0301);
+    for (std::uint32_t id = 1; id <= 10; ++id) {
+        table.notePublished(id, id);
+    }
+    EXPECT_EQ(table.list().front().published.size(), 6U);
+}
+
+TEST_F(EeTableTest, FindsTheLiveHolderOfACpid)
+{
+    EeTable table(m_directory);
+    OtherProcess fan(m_directory, "FanS", 0x0301);
+    const auto holder = table.holderOf(0x0301);
+    ASSERT_TRUE(holder);
+    EXPECT_EQ(holder->name, "FanS");
+    ASSERT_EQ(holder->cpids.size(), 1U);
+    EXPECT_EQ(holder->cpids.front().euName, "FanSMain");
+    EXPECT_FALSE(table.holderOf(0x0302));
+    fan.end();
+    EXPECT_FALSE(table.holderOf(0x0301));
+}
+
+TEST_F(EeTableTest, CpidThatWasGivenUpIsForgotten)
+{
+    EeTable table(m_directory);
+    table.enter("FanS", 0x0301);
+    table.noteCpid(0x0301, "FanSMain");
+    EXPECT_TRUE(table.holderOf(0x0301));
+    table.forgetCpid(0x0301);
+    EXPECT_FALSE(table.holderOf(0x0301));
+}
+
+TEST_F(EeTableTest, LongNameIsCut)
+{
+    EeTable table(m_directory);
+    table.enter(std::string(100, 'n'), 1);
+    EXPECT_EQ(table.list().front().name, std::string(39, 'n'));
+}

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+#include "AaStartup.h"
+#include "AaConfigTag.h"
+#include "NodeTest.hpp"
+#include "node/EeTable.hpp"
+#include "node/PerNode.hpp"
+
+#include <csignal>
+#include <cstdlib>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace dorn::testkit;
+
+namespace {
+
+int shutdowns = 0;
+
+void countShutdown()
+{
+    ++shutdowns;
+}
+
+class AaStartupTest : public NodeTest {};
+
+} // namespace
+
+TEST_F(AaStartupTest, NamedEeAppearsInTheListOfTheNode)
+{
+    ASSERT_EQ(AaConfigEarlyStartup(), 0);
+    AaConfigTagSetString("tessel.service.aapro.eename", "FanS");
+    AaConfigTagSetU16("tessel.service.aatbts.cpid", 0x0321);
+    ASSERT_EQ(AaStartupEeStartup(), 0);
+    const auto list = dorn::host::PerNode<dorn::host::EeTable>::get().list();
+    ASSERT_EQ(list.size(), 1U);
+    EXPECT_EQ(list.front().name, "FanS");
+    EXPECT_EQ(list.front().cpid, 0x0321);
+    EXPECT_EQ(list.front().pid, getpid());
+    EXPECT_TRUE(list.front().alive);
+}
+
+TEST_F(AaStartupTest, EeWithoutNameIsRefused)
+{
+    ASSERT_EQ(AaConfigEarlyStartup(), 0);
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(AaStartupEeStartup(), 1);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "dorn: the EE has no name: tag \"tessel.service.aapro.eename\" is not set\n");
+}
+
+TEST_F(AaStartupTest, RunDirectoryOpenToOthersIsRefusedWithTheReason)
+{
+    chmod(m_node.runDirectory().c_str(), 0755);
+    ::testing::internal::CaptureStderr();
+    EXPECT_NE(AaConfigEarlyStartup(), 0);
+    const std::string text = ::testing::internal::GetCapturedStderr();
+    EXPECT_NE(text.find("run directory '" + m_node.runDirectory() + "': is open to other users; its mode must be 0700"),
+              std::string::npos)
+        << text;
+}
+
+class ShutdownTest : public ::testing::TestWithParam<int> {
+protected:
+    ShutdownTest() { shutdowns = 0; }
+    ~ShutdownTest() override { AaStartupSetShutdownHandler(nullptr); }
+};
+
+TEST_P(ShutdownTest, RequestToEndCallsTheHandlerOnce)
+{
+    AaStartupSetShutdownHandler(countShutdown);
+    raise(GetParam());
+    EXPECT_EQ(shutdowns, 1);
+}
+
+TEST_P(ShutdownTest, SecondRequestEndsTheProcess)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        AaStartupSetShutdownHandler(countShutdown);
+        raise(GetParam());
+        raise(GetParam());
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), GetParam());
+}
+
+TEST_P(ShutdownTest, WithoutHandlerTheSystemsBehaviourIsRestored)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        AaStartupSetShutdownHandler(countShutdown);
+        AaStartupSetShutdownHandler(nullptr);
+        raise(GetParam());
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), GetParam());
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, ShutdownTest, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
