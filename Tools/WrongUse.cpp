@@ -61,16 +61,15 @@ std::string missing(const CLI::App& command)
     return {};
 }
 
-/// The option whose values were too many or too few.
-std::string mismatch(const CLI::App& command, const CLI::ParseError& error)
+/// Which option has too many values or too few.
+std::string mismatch(const CLI::ParseError& error)
 {
     const std::string text = error.what();
     const std::string name = text.substr(0, text.find_first_of(": "));
-    const bool isRepeated = text.find("At Most") != std::string::npos;
-    const CLI::Option* const option = command.get_option_no_throw(name);
-    if (option && isFlag(*option)) {
-        return "option " + quoted(name) + " takes no value";
+    if (text.find("flag override") != std::string::npos) {
+        return "option " + quoted("--" + name) + " takes no value";
     }
+    const bool isRepeated = text.find("At Most") != std::string::npos;
     return isRepeated ? quoted(name) + " is given more than once" : "option " + quoted(name) + " needs a value";
 }
 
@@ -97,7 +96,7 @@ std::string reasonOf(const CLI::App& command, const CLI::ParseError& error)
         return command.remaining().empty() ? missing(command) : unexpected(command);
     }
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) {
-        return mismatch(command, error);
+        return mismatch(error);
     }
     if (dynamic_cast<const CLI::ExcludesError*>(&error)) {
         return pair(error, " excludes ", " and ", " do not go together");

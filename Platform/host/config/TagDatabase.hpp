@@ -118,6 +118,6 @@ private:
 };
 
 /// Sets in the journal at most; who is further behind loses the oldest.
-constexpr std::uint64_t tagJournalCapacity = 65'536;
+constexpr std::size_t tagJournalCapacity = 65'536;
 
 } // namespace dorn::host

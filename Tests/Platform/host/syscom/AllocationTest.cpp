@@ -87,13 +87,14 @@ TEST_F(AllocationTest, MessageBetweenProcessesIsOneAllocationAtEachEnd)
             AaSysComMsgDestroy(&message);
         }
     };
-    peer.tell({.order = Order::Return, .count = count + 300});
+    peer.tell({.order = Order::Return, .count = count + 301});
     pass(300);
 
     const auto [messages, others] = allocatedBy([&] { pass(count); });
 
     EXPECT_EQ(messages, 2 * count);
     EXPECT_EQ(others, 0U);
+    pass(1);
     peer.answer();
 }
 

@@ -27,7 +27,8 @@ protected:
     {
         PatternCheck check;
         while (check.count() < count) {
-            void* message = AaSysComMsgReceive(generousTimeout);
+            constexpr std::uint16_t filter[] = {1, patternId};
+            void* message = AaSysComMsgReceiveSelective(generousTimeout, filter);
             if (!message) {
                 break;
             }

@@ -32,6 +32,19 @@ class MessageTapTest : public SysComTest {
 protected:
     static MessageTap& tap() { return PerNode<MessageTap>::get(); }
 
+    /// An EU that neither waits nor is waited for sends itself messages.
+    static void sendToItself(int messages)
+    {
+        TestEu sender([messages] {
+            const TAaSysComCpid own = AaSysComUserRegister(0, AaProEuCurrent());
+            for (int count = 0; count < messages; ++count) {
+                sendEmpty(1, addressOf(own));
+                EXPECT_EQ(takeId(), 1U);
+            }
+        });
+        sender.wait();
+    }
+
     /// The next record for the test's EU; other messages are left.
     static std::optional<Seen> takeRecord(std::int32_t timeout = generousTimeout)
     {
@@ -241,12 +254,7 @@ TEST_F(MessageTapTest, WatcherWithAFullQueueDoesNotHoldUpSenders)
 {
     const ManualClock clock; // stands still: a wait would not end
     ASSERT_TRUE(tap().addWatcher(m_cpid));
-    TestEu sender([] {
-        for (int count = 0; count < MessageQueue::capacity + 10; ++count) {
-            sendEmpty(1, addressOf(0));
-        }
-    });
-    sender.wait();
+    sendToItself(MessageQueue::capacity + 10);
 
     int seen = 0;
     while (takeRecord(AA_NO_WAIT)) {
@@ -263,12 +271,7 @@ TEST_F(MessageTapTest, WhatAnEarlierWatcherMissedIsNotToldToTheNext)
 {
     const ManualClock clock;
     ASSERT_TRUE(tap().addWatcher(m_cpid));
-    TestEu sender([] {
-        for (int count = 0; count < MessageQueue::capacity + 10; ++count) {
-            sendEmpty(1, addressOf(0));
-        }
-    });
-    sender.wait();
+    sendToItself(MessageQueue::capacity + 10);
     tap().removeWatcher(m_cpid);
     emptyQueue();
     const TAaSysComCpid next = AaSysComUserRegister(0, AaProEuCurrent());
