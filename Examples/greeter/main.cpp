@@ -3,7 +3,7 @@
 #include <cstdio>
 using namespace vel::hwapi::common;
 
-struct SGreetReq { char name[16]; };
+struct SGreetReq { char name[5]; };
 struct SGreetResp { char text[32]; };
 using GreetReqMsg = Msg<SGreetReq, 0x2001>;
 using GreetRespMsg = Msg<SGreetResp, 0x2002>;
@@ -15,7 +15,7 @@ public:
     void HandleGreet(GreetReqMsg request) {
         GreetRespMsg answer(request.GetSender(), 0);
         if (!answer.GetPayload()) return;
-        std::snprintf(answer->text, sizeof answer->text, "Hello, %.15s!", request->name);
+        std::snprintf(answer->text, sizeof answer->text, "Hello, %.5s!", request->name);
         answer.SetSender(GetSicad());
         answer.Send();
     }

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "eu/Eu.hpp"
 
+#include "log/CancellationOff.hpp"
 #include "syscom/CpidRegistry.hpp"
 
 #include <algorithm>
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <pthread.h>
 #include <utility>
 
@@ -31,18 +33,21 @@ Places& places()
     return *instance;
 }
 
-/// Ends the thread's EU with the thread.
+thread_local Eu* currentEu = nullptr; // read without the guard of a variable that has a destructor
+thread_local bool hasEnded = false;
+
+/// Ends the thread's EU with the thread. What runs in the thread after that gets no other.
 struct ThreadEu {
     Eu* eu = nullptr;
     ~ThreadEu()
     {
+        hasEnded = true;
         if (eu) {
             eus::release(*std::exchange(eu, nullptr));
         }
     }
 };
 
-thread_local Eu* currentEu = nullptr; // read without the guard of a variable that has a destructor
 thread_local ThreadEu threadEu;
 
 TAaProEuId nextId(TAaProEuId last, std::size_t place)
@@ -62,7 +67,11 @@ std::size_t takePlace(Places& all)
     if (all.made == eus::capacity) {
         return eus::capacity;
     }
-    all.eus[all.made].store(new Eu, std::memory_order_release);
+    Eu* const eu = new (std::nothrow) Eu;
+    if (!eu) {
+        return eus::capacity;
+    }
+    all.eus[all.made].store(eu, std::memory_order_release);
     return all.made++;
 }
 
@@ -88,11 +97,12 @@ Eu* eus::acquire(std::string_view name)
 
 void eus::release(Eu& eu)
 {
+    const CancellationOff off; // what is given up closes descriptors, in destructors
     const TAaProEuId id = eu.id.load();
+    eu.id.store(0); // first, so that nobody registers a cpid for it after they have been given up
     if (CpidRegistry* const registry = PerNode<CpidRegistry>::ifOpen()) {
         registry->releaseAll(id);
     }
-    eu.id.store(0);
     eu.queue.close();
     if (currentEu == &eu) {
         currentEu = nullptr;
@@ -121,7 +131,7 @@ Eu* eus::currentIfAny() noexcept
 
 Eu* eus::current()
 {
-    if (!currentEu) {
+    if (!currentEu && !hasEnded) {
         std::array<char, 16> name{};
         pthread_getname_np(pthread_self(), name.data(), name.size());
         if (Eu* const eu = acquire(name.data())) {

@@ -58,6 +58,30 @@ std::size_t stackBytes(std::uint32_t wanted)
     return (size + pageSize - 1) / pageSize * pageSize;
 }
 
+/// Waits for a thread's end; lets it go on alone when the wait is cancelled.
+class ThreadEnd {
+public:
+    explicit ThreadEnd(pthread_t thread) : m_thread(thread) {}
+    ~ThreadEnd()
+    {
+        if (!m_isJoined) {
+            pthread_detach(m_thread);
+        }
+    }
+    ThreadEnd(const ThreadEnd&) = delete;
+    ThreadEnd& operator=(const ThreadEnd&) = delete;
+
+    void await()
+    {
+        pthread_join(m_thread, nullptr);
+        m_isJoined = true;
+    }
+
+private:
+    pthread_t m_thread;
+    bool m_isJoined = false;
+};
+
 bool isRealTime(EAaProEuSchedulingPolicy policy)
 {
     return policy == EAaProEuSchedulingPolicy_RoundRobin || policy == EAaProEuSchedulingPolicy_Fifo;
@@ -162,7 +186,7 @@ int32_t AaSysComEuCreateAndStartWithPolicy(TAaProEuId* euId, const char* name, T
     }
     start.release(); // NOLINT(bugprone-unused-return-value): the thread owns it
     if (waitForEnd) {
-        pthread_join(thread, nullptr);
+        ThreadEnd(thread).await();
     }
     return 0;
 }

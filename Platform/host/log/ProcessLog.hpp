@@ -23,7 +23,7 @@ namespace dorn::host {
 /// are dropped, and every retryPeriod the next line tries again; the line after a gap tells how many are missing.
 class ProcessLog {
 public:
-    static constexpr std::size_t defaultSegmentSize = 512 * 1024;
+    static constexpr std::size_t defaultSegmentSize = std::size_t{512} * 1024;
     static constexpr Nanoseconds retryPeriod = std::chrono::milliseconds(100);
 
     explicit ProcessLog(std::size_t segmentSize = defaultSegmentSize) : m_segmentSize(segmentSize) {}

@@ -14,8 +14,8 @@ namespace dorn::host {
 
 /// How much an ordinary log file takes.
 struct RotationLimits {
-    std::size_t size = 8 * 1024 * 1024; ///< bytes after which a new file is begun
-    unsigned older = 3;                 ///< full files that are kept: PATH.1, the latest, to PATH.3
+    std::size_t size = std::size_t{8} * 1024 * 1024; ///< bytes after which a new file is begun
+    unsigned older = 3;                              ///< full files that are kept: PATH.1, the latest, to PATH.3
 };
 
 /// Appends whole lines, each with one `write`, so that the lines of several processes do not mix. The process that

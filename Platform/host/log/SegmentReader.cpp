@@ -11,7 +11,8 @@
 namespace dorn::host {
 namespace {
 
-constexpr std::size_t greatestText = 16 * 1024 * 1024; ///< no segment is as large; whatever says so is damaged
+constexpr std::size_t greatestText =
+    std::size_t{16} * 1024 * 1024; ///< no segment is as large; whatever says so is damaged
 
 bool readAt(const Descriptor& file, void* to, std::size_t size, std::size_t offset)
 {

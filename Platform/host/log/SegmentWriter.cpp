@@ -74,7 +74,11 @@ int SegmentWriter::map(Segment& segment) const
     if (address == MAP_FAILED) {
         return -errno;
     }
-    segment.header = new (address) SegmentHeader{};
+    auto* const header = new (address) SegmentHeader{};
+    header->version = SegmentHeader::expectedVersion;
+    header->pid = m_name.pid;
+    header->start = m_name.start;
+    segment.header = header;
     segment.reserved = step;
     return 0;
 }
@@ -90,9 +94,6 @@ int SegmentWriter::create(std::uint32_t number)
         FilePort::get().remove(m_directory.get(), fileName.c_str());
         return error;
     }
-    segment.header->version = SegmentHeader::expectedVersion;
-    segment.header->pid = m_name.pid;
-    segment.header->start = m_name.start;
     m_segments[number] = std::move(segment);
     return 0;
 }

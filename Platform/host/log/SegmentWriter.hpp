@@ -19,7 +19,7 @@ namespace dorn::host {
 class SegmentWriter {
 public:
     /// Room is taken from the file system in steps of this many bytes.
-    static constexpr std::size_t step = 64 * 1024;
+    static constexpr std::size_t step = std::size_t{64} * 1024;
 
     /// @param size greatest size of a segment's file; a multiple of step
     SegmentWriter(Descriptor directory, std::size_t size);

@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <limits>
 #include <new>
 
 namespace {
@@ -33,10 +32,8 @@ BlockHeader& headerOf(void* block)
 
 void* AaMemMalloc(uint32_t size)
 {
-    if (size > std::numeric_limits<std::size_t>::max() - sizeof(BlockHeader)) {
-        return nullptr;
-    }
-    void* const memory = std::malloc(sizeof(BlockHeader) + size);
+    const std::size_t whole = sizeof(BlockHeader) + std::size_t{size};
+    void* const memory = whole > size ? std::malloc(whole) : nullptr; // on 32 bits the sum may not fit
     if (!memory) {
         return nullptr;
     }

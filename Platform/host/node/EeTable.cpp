@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "node/EeTable.hpp"
 
+#include "AaSysLog.h"
 #include "node/PerNode.hpp"
 #include "port/Clock.hpp"
 
@@ -116,8 +117,9 @@ std::size_t EeTable::choosePlace(const std::string& name) const
 void EeTable::enter(const std::string& name, std::uint16_t cpid)
 {
     m_store.lock(tableLock);
-    const std::size_t place = choosePlace(name);
-    if (place != capacity && m_store.tryLock(place)) {
+    const std::size_t place = m_own.load() ? m_ownPlace : choosePlace(name);
+    const bool hasPlace = place != capacity && m_store.tryLock(place);
+    if (hasPlace) {
         EeRecord& record = records()[place];
         clear(record);
         copyText(record.name, name);
@@ -128,6 +130,10 @@ void EeTable::enter(const std::string& name, std::uint16_t cpid)
         m_own.store(&record, std::memory_order_release);
     }
     m_store.unlock(tableLock);
+    if (!hasPlace) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "EE %s is not in the node's list: it has no more than %zu places",
+                      name.c_str(), capacity);
+    }
 }
 
 void EeTable::notePublished(std::uint32_t id, std::uint32_t value)

@@ -67,7 +67,8 @@ public:
     EeTable();
     explicit EeTable(const RunDirectory& directory);
 
-    /// Gives this process a record. Called once the EE has a name.
+    /// Gives this process a record, or its record a new name. Called once the EE has a name. A process for which there
+    /// is no place is not listed; it is logged and runs on.
     void enter(const std::string& name, std::uint16_t cpid);
     /// Notes that this process wrote @p value to the R&D parameter @p id. Costs a few stores; without enter() nothing.
     void notePublished(std::uint32_t id, std::uint32_t value);

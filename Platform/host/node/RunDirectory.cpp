@@ -18,6 +18,9 @@ namespace {
 
 constexpr mode_t privateMode = 0700;
 constexpr int walkFlags = O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+/// On the way a directory is only passed through, which needs no right to read it.
+constexpr int passFlags = walkFlags | O_PATH;
+constexpr const char* advice = "; set DORN_RUN_DIR to a directory of your own";
 
 [[noreturn]] void refuse(const std::string& path, const std::string& reason)
 {
@@ -46,10 +49,10 @@ private:
 };
 
 /// Opens one component of a path, making it when it is missing.
-int stepInto(int directory, const std::string& component, const std::string& soFar)
+int stepInto(int directory, const std::string& component, const std::string& soFar, int flags = walkFlags)
 {
     for (int attempt = 0; attempt < 2; ++attempt) {
-        const int next = ::openat(directory, component.c_str(), O_RDONLY | walkFlags);
+        const int next = ::openat(directory, component.c_str(), O_RDONLY | flags);
         if (next >= 0) {
             return next;
         }
@@ -57,11 +60,11 @@ int stepInto(int directory, const std::string& component, const std::string& soF
             refuse(soFar, "is reached through a symbolic link or is no directory; name the real directory");
         }
         if (errno != ENOENT) {
-            refuse(soFar, std::string("cannot be opened: ") + std::strerror(errno));
+            refuse(soFar, std::string("cannot be opened: ") + std::strerror(errno) + advice);
         }
         const int made = FilePort::get().makeDirectory(directory, component.c_str(), privateMode);
         if (made < 0 && made != -EEXIST) {
-            refuse(soFar, std::string("cannot be made: ") + std::strerror(-made));
+            refuse(soFar, std::string("cannot be made: ") + std::strerror(-made) + advice);
         }
     }
     refuse(soFar, "vanishes while it is being made");
@@ -70,7 +73,7 @@ int stepInto(int directory, const std::string& component, const std::string& soF
 /// Opens @p path component by component, so that no symbolic link is followed anywhere on the way.
 int openWithoutLinks(const std::string& path)
 {
-    Descriptor current(::open("/", O_RDONLY | walkFlags));
+    Descriptor current(::open("/", O_RDONLY | passFlags));
     std::string soFar;
     for (std::size_t begin = 1; begin <= path.size();) {
         const std::size_t end = std::min(path.find('/', begin), path.size());
@@ -83,7 +86,7 @@ int openWithoutLinks(const std::string& path)
             refuse(path, "must not contain '..'");
         }
         soFar += "/" + component;
-        current.reset(stepInto(current.get(), component, soFar));
+        current.reset(stepInto(current.get(), component, soFar, passFlags));
     }
     return current.release();
 }
@@ -96,7 +99,7 @@ void requirePrivate(int descriptor, const std::string& path)
     }
     if (status.st_uid != geteuid()) {
         refuse(path, "belongs to user " + std::to_string(status.st_uid) + ", not to user " + std::to_string(geteuid()) +
-                         "; set DORN_RUN_DIR to a directory of your own");
+                         advice);
     }
     if ((status.st_mode & 077U) != 0) {
         refuse(path, "is open to other users; its mode must be 0700");

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -26,7 +27,14 @@ public:
     explicit CreationLock(const RunDirectory& directory)
         : m_descriptor(::openat(directory.descriptor(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC))
     {
-        while (flock(m_descriptor, LOCK_EX) != 0 && errno == EINTR) {
+        int result = m_descriptor;
+        while (m_descriptor >= 0 && (result = flock(m_descriptor, LOCK_EX)) != 0 && errno == EINTR) {
+        }
+        if (result < 0) {
+            const int error = errno;
+            close(m_descriptor);
+            throw EnvironmentError("run directory '" + directory.path() + "' cannot be locked: " +
+                                   std::strerror(error));
         }
     }
     ~CreationLock() { close(m_descriptor); }
@@ -60,6 +68,9 @@ int createStore(const RunDirectory& directory, const std::string& name, const Sh
     ssize_t result = files.reserve(descriptor, static_cast<off_t>(format.size));
     if (result == 0) {
         result = files.write(descriptor, &header, sizeof header);
+    }
+    if (result >= 0 && result < static_cast<ssize_t>(sizeof header)) {
+        result = -ENOSPC;
     }
     if (result >= 0) {
         result = files.rename(directory.descriptor(), unfinished.c_str(), directory.descriptor(), name.c_str());
@@ -131,7 +142,10 @@ bool SharedStore::tryLock(std::size_t index) const
 void SharedStore::lock(std::size_t index) const
 {
     struct flock lock = byteLock(F_WRLCK, index);
-    while (fcntl(m_descriptor, F_SETLKW, &lock) != 0 && errno == EINTR) {
+    // The kernel takes processes for the owners of locks, and so sees deadlocks where different threads of two
+    // processes wait for each other's: then the lock is simply not free yet.
+    while (fcntl(m_descriptor, F_SETLKW, &lock) != 0 && (errno == EINTR || errno == EDEADLK)) {
+        sched_yield();
     }
 }
 

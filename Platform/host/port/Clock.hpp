@@ -27,7 +27,8 @@ public:
     /// Time since the epoch, UTC.
     virtual Nanoseconds wall() const = 0;
 
-    /// Sleeps while @p word holds @p expected, at most until @p until. May return early for no reason.
+    /// Sleeps while @p word holds @p expected, at most until @p until. May return early for no reason. Like the other
+    /// waits a cancellation point.
     /// @param shared whether the word lies in memory that other processes map
     virtual void waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expected, Deadline until, bool shared) = 0;
 
@@ -42,7 +43,7 @@ public:
     /// The clock in use.
     static Clock& get() { return *s_current.load(std::memory_order_acquire); }
 
-    /// The deadline that lies @p timeout micro-seconds ahead; none for a negative time-out.
+    /// The deadline that lies @p timeout micro-seconds ahead; none for a negative time-out, and for one beyond the scale.
     Deadline after(std::int64_t timeout) const;
 
 private:

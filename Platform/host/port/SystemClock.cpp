@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "port/Clock.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <ctime>
+#include <limits>
 #include <linux/futex.h>
 #include <poll.h>
+#include <pthread.h>
 #include <sys/epoll.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -23,7 +26,9 @@ Nanoseconds readClock(clockid_t id)
 timespec toTimespec(Nanoseconds duration)
 {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(duration);
-    return {static_cast<time_t>(seconds.count()), static_cast<long>((duration - seconds).count())};
+    constexpr std::int64_t greatest = std::numeric_limits<time_t>::max(); // 2038 where a `time_t` has 32 bits
+    return {static_cast<time_t>(std::min<std::int64_t>(seconds.count(), greatest)),
+            static_cast<long>((duration - seconds).count())};
 }
 
 /// The time left until a deadline, never negative.
@@ -42,8 +47,13 @@ public:
         // FUTEX_WAIT_BITSET takes an absolute time of CLOCK_MONOTONIC, so an early wake costs no computation here.
         const int operation = FUTEX_WAIT_BITSET | (shared ? 0 : FUTEX_PRIVATE_FLAG);
         const timespec deadline = toTimespec(until);
+        // A bare system call is no cancellation point, and the C library has no futex that is one. Nothing in this
+        // function needs unwinding, and nothing may: the compiler takes `syscall` for one that never throws.
+        int cancelType = PTHREAD_CANCEL_DEFERRED;
+        pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, &cancelType);
         syscall(SYS_futex, &word, operation, expected, until == noDeadline ? nullptr : &deadline, nullptr,
                 FUTEX_BITSET_MATCH_ANY);
+        pthread_setcanceltype(cancelType, nullptr);
     }
 
     int waitEvents(int epollDescriptor, epoll_event* events, int capacity, Deadline until) override
@@ -53,7 +63,12 @@ public:
             return std::max(epoll_wait(epollDescriptor, events, capacity, milliseconds), 0);
         }
         const timespec left = timeLeft(until, monotonic());
-        return std::max(epoll_pwait2(epollDescriptor, events, capacity, &left, nullptr), 0);
+        const int count = epoll_pwait2(epollDescriptor, events, capacity, &left, nullptr);
+        if (count < 0 && errno == ENOSYS) { // Linux before 5.11, and emulated processors
+            waitDescriptor(epollDescriptor, POLLIN, until);
+            return std::max(epoll_wait(epollDescriptor, events, capacity, 0), 0);
+        }
+        return std::max(count, 0);
     }
 
     bool waitDescriptor(int descriptor, short events, Deadline until) override
@@ -72,7 +87,9 @@ constinit std::atomic<Clock*> Clock::s_current{&systemClock};
 
 Deadline Clock::after(std::int64_t timeout) const
 {
-    return timeout < 0 ? noDeadline : monotonic() + std::chrono::microseconds(timeout);
+    const Nanoseconds now = monotonic();
+    const auto greatest = std::chrono::duration_cast<std::chrono::microseconds>(noDeadline - now);
+    return timeout < 0 || timeout >= greatest.count() ? noDeadline : now + std::chrono::microseconds(timeout);
 }
 
 void wakeWaiters(std::atomic<std::uint32_t>& word, int count, bool shared)

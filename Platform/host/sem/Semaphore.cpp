@@ -1,30 +1,58 @@
 // SPDX-License-Identifier: MIT
 #include "sem/Semaphore.hpp"
 
+#include <bit>
 #include <limits>
 
 namespace dorn::host {
 namespace {
 
-/// Counts a waiter in and out, also when its thread is cancelled.
-class Waiting {
-public:
-    explicit Waiting(std::atomic<std::uint32_t>& waiters) : m_waiters(waiters) { m_waiters.fetch_add(1); }
-    ~Waiting() { m_waiters.fetch_sub(1); }
-    Waiting(const Waiting&) = delete;
-    Waiting& operator=(const Waiting&) = delete;
+constexpr std::uint64_t oneWaiter = std::uint64_t{1} << 32;
 
-private:
-    std::atomic<std::uint32_t>& m_waiters;
-};
+std::uint32_t countOf(std::uint64_t state)
+{
+    return static_cast<std::uint32_t>(state);
+}
 
 } // namespace
 
+/// The futex lies on the half of the state that holds the count. Only its address is used, by the kernel.
+std::atomic<std::uint32_t>& Semaphore::countWord()
+{
+    auto* const halves = reinterpret_cast<std::atomic<std::uint32_t>*>(&m_state);
+    return halves[std::endian::native == std::endian::little ? 0 : 1];
+}
+
+/// Counts a waiter in and out. One whose thread is cancelled may have been woken for a count: another gets it then.
+class Semaphore::Waiting {
+public:
+    explicit Waiting(Semaphore& semaphore) : m_semaphore(semaphore) { m_semaphore.m_state.fetch_add(oneWaiter); }
+    ~Waiting()
+    {
+        const std::uint64_t left = m_semaphore.m_state.fetch_sub(oneWaiter) - oneWaiter;
+        if (m_isCancelled && countOf(left) > 0 && left >= oneWaiter) {
+            wakeWaiters(m_semaphore.countWord(), 1, false);
+        }
+    }
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+
+    bool end(bool hasTaken)
+    {
+        m_isCancelled = false;
+        return hasTaken;
+    }
+
+private:
+    Semaphore& m_semaphore;
+    bool m_isCancelled = true;
+};
+
 bool Semaphore::tryTake()
 {
-    std::uint32_t count = m_count.load(std::memory_order_relaxed);
-    while (count > 0) {
-        if (m_count.compare_exchange_weak(count, count - 1, std::memory_order_acquire, std::memory_order_relaxed)) {
+    std::uint64_t state = m_state.load(std::memory_order_relaxed);
+    while (countOf(state) > 0) {
+        if (m_state.compare_exchange_weak(state, state - 1, std::memory_order_acquire, std::memory_order_relaxed)) {
             return true;
         }
     }
@@ -36,26 +64,30 @@ bool Semaphore::take(Deadline until)
     if (tryTake()) {
         return true;
     }
-    const Waiting waiting(m_waiters);
-    while (!tryTake()) {
-        if (until != noDeadline && (until == Deadline(0) || Clock::get().monotonic() >= until)) {
-            return false;
-        }
-        Clock::get().waitWhile(m_count, 0, until, false);
+    if (until == Deadline(0)) {
+        return false;
     }
-    return true;
+    Waiting waiting(*this);
+    while (!tryTake()) {
+        if (until != noDeadline && Clock::get().monotonic() >= until) {
+            return waiting.end(false);
+        }
+        Clock::get().waitWhile(countWord(), 0, until, false);
+    }
+    return waiting.end(true);
 }
 
 bool Semaphore::give() noexcept
 {
-    std::uint32_t count = m_count.load(std::memory_order_relaxed);
+    std::atomic<std::uint32_t>& word = countWord();
+    std::uint64_t state = m_state.load(std::memory_order_relaxed);
     do {
-        if (count == std::numeric_limits<std::uint32_t>::max()) {
+        if (countOf(state) == std::numeric_limits<std::uint32_t>::max()) {
             return false;
         }
-    } while (!m_count.compare_exchange_weak(count, count + 1));
-    if (m_waiters.load() > 0) {
-        wakeWaiters(m_count, 1, false);
+    } while (!m_state.compare_exchange_weak(state, state + 1));
+    if (state >= oneWaiter) {
+        wakeWaiters(word, 1, false);
     }
     return true;
 }

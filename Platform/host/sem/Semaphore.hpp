@@ -10,9 +10,10 @@
 
 namespace dorn::host {
 
+/// Who has taken a count may end the semaphore although give() has not returned to its caller yet.
 class Semaphore {
 public:
-    explicit Semaphore(std::uint32_t count) : m_count(count) {}
+    explicit Semaphore(std::uint32_t count) : m_state(count) {}
 
     /// Takes one count. @return false when the time passed without one.
     bool take(Deadline until);
@@ -20,10 +21,15 @@ public:
     bool give() noexcept;
 
 private:
-    bool tryTake();
+    class Waiting;
 
-    std::atomic<std::uint32_t> m_count;
-    std::atomic<std::uint32_t> m_waiters{0};
+    bool tryTake();
+    std::atomic<std::uint32_t>& countWord();
+
+    /// The count in the lower half, those who wait for one in the upper: giving a count and learning who waits is one
+    /// step, after which nothing of the semaphore is looked at.
+    std::atomic<std::uint64_t> m_state;
+    static_assert(std::atomic<std::uint64_t>::is_always_lock_free, "used in signal handlers");
 };
 
 } // namespace dorn::host

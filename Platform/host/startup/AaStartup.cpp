@@ -6,6 +6,7 @@
 #include "log/LogName.hpp"
 #include "node/EeTable.hpp"
 #include "node/PerNode.hpp"
+#include "node/RunDirectory.hpp"
 #include "syscom/CpidRegistry.hpp"
 #include "syscom/MessageTap.hpp"
 
@@ -60,12 +61,13 @@ void enterNode(const std::string& eeName)
 
 int32_t AaStartupEeStartup()
 {
-    const std::string eeName = dorn::host::tagBytes(dorn::host::eeNameTag);
-    if (eeName.empty()) {
-        std::fprintf(stderr, "dorn: the EE has no name: tag \"%s\" is not set\n", dorn::host::eeNameTag);
-        return 1;
-    }
     try {
+        dorn::host::PerNode<dorn::host::RunDirectory>::get(); // in a bad environment no tag can be read either
+        const std::string eeName = dorn::host::tagBytes(dorn::host::eeNameTag);
+        if (eeName.empty()) {
+            std::fprintf(stderr, "dorn: the EE has no name: tag \"%s\" is not set\n", dorn::host::eeNameTag);
+            return 1;
+        }
         dorn::host::enterNode(eeName);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "dorn: %s\n", error.what());

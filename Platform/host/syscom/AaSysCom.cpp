@@ -3,6 +3,7 @@
 
 #include "AaSysLog.h"
 #include "eu/Eu.hpp"
+#include "log/CancellationOff.hpp"
 #include "node/PerNode.hpp"
 #include "syscom/CpidRegistry.hpp"
 #include "syscom/MessageTap.hpp"
@@ -60,7 +61,12 @@ void* receive(int32_t timeout, const std::span<const std::uint16_t>* filter)
 {
     Eu* const eu = eus::current();
     const Deadline until = timeout == AA_NO_WAIT ? Deadline(0) : Clock::get().after(timeout);
-    return eu ? eu->queue.receive(until, filter) : nullptr;
+    try {
+        return eu ? eu->queue.receive(until, filter) : nullptr;
+    } catch (const std::exception& error) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Error, "Nothing received: %s", error.what());
+        return nullptr;
+    }
 }
 
 } // namespace
@@ -70,6 +76,7 @@ using namespace dorn::host;
 
 TAaSysComCpid AaSysComUserRegister(TAaSysComCpid cpid, TAaProEuId euId)
 {
+    const CancellationOff off; // not a wait
     try {
         PerNode<MessageTap>::get();
         return PerNode<CpidRegistry>::get().acquire(cpid, euId);
@@ -81,6 +88,7 @@ TAaSysComCpid AaSysComUserRegister(TAaSysComCpid cpid, TAaProEuId euId)
 
 int32_t AaSysComUserDeregister(TAaSysComCpid cpid)
 {
+    const CancellationOff off; // not a wait
     CpidRegistry* const registry = PerNode<CpidRegistry>::ifOpen();
     return registry && registry->release(cpid) ? 0 : 1;
 }

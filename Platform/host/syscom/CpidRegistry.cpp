@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstring>
 #include <system_error>
+#include <unistd.h>
 
 namespace dorn::host {
 namespace {
@@ -27,7 +28,7 @@ TAaProEuId localHolder(TAaSysComCpid cpid)
     return holders[cpid].load(std::memory_order_acquire);
 }
 
-CpidRegistry::CpidRegistry() : m_locks(PerNode<RunDirectory>::get(), "cpids", format) {}
+CpidRegistry::CpidRegistry() : m_process(getpid()), m_locks(PerNode<RunDirectory>::get(), "cpids", format) {}
 
 CpidRegistry::~CpidRegistry()
 {
@@ -36,52 +37,77 @@ CpidRegistry::~CpidRegistry()
     }
 }
 
-TAaSysComCpid CpidRegistry::acquire(TAaSysComCpid cpid, TAaProEuId eu)
+std::atomic<std::uint32_t>& CpidRegistry::generationWord() const
 {
-    const std::lock_guard lock(m_mutex);
-    return cpid == 0 ? acquireAny(eu) : acquireExactly(cpid, eu);
+    return *reinterpret_cast<std::atomic<std::uint32_t>*>(m_locks.data() + sizeof(SharedStoreHeader));
 }
 
-TAaSysComCpid CpidRegistry::acquireAny(TAaProEuId eu)
+TAaSysComCpid CpidRegistry::acquire(TAaSysComCpid cpid, TAaProEuId id)
+{
+    const std::lock_guard lock(m_mutex);
+    Eu* const eu = eus::find(id);
+    if (!eu) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "cpid 0x%04X is not granted: EU 0x%X does not live", cpid, id);
+        return 0;
+    }
+    return cpid == 0 ? acquireAny(*eu, id) : acquireExactly(cpid, *eu, id);
+}
+
+TAaSysComCpid CpidRegistry::acquireAny(Eu& eu, TAaProEuId id)
 {
     for (unsigned cpid = firstDynamic; cpid <= lastDynamic; ++cpid) {
         const auto candidate = static_cast<TAaSysComCpid>(cpid);
-        if (localHolder(candidate) == 0 && foreignHolder(candidate) == 0 && acquireExactly(candidate, eu) != 0) {
-            return candidate;
+        if (localHolder(candidate) == 0 && m_locks.tryLock(candidate)) {
+            return hold(candidate, eu, id);
         }
     }
+    AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "No cpid is granted: 0x%04X to 0x%04X are all held", firstDynamic,
+                  lastDynamic);
     return 0;
 }
 
-TAaSysComCpid CpidRegistry::acquireExactly(TAaSysComCpid cpid, TAaProEuId euId)
+TAaSysComCpid CpidRegistry::acquireExactly(TAaSysComCpid cpid, Eu& eu, TAaProEuId id)
 {
-    Eu* const eu = eus::find(euId);
     const TAaProEuId holder = localHolder(cpid);
-    if (!eu || holder != 0) {
-        return eu && holder == euId ? cpid : TAaSysComCpid{0};
+    if (holder == id) {
+        return cpid;
+    }
+    if (holder != 0) {
+        const Eu* const other = eus::find(holder);
+        AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "cpid 0x%04X is not granted: EU %s of this process holds it",
+                      cpid, other ? other->name.data() : "that is just ending");
+        return 0;
     }
     if (!m_locks.tryLock(cpid)) {
         AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "cpid 0x%04X is not granted: process %d holds it", cpid,
                       m_locks.lockHolder(cpid));
         return 0;
     }
+    return hold(cpid, eu, id);
+}
+
+/// Makes a cpid, whose lock the process has got, an EU's.
+TAaSysComCpid CpidRegistry::hold(TAaSysComCpid cpid, Eu& eu, TAaProEuId id)
+{
+    generationWord().fetch_add(1);
+    holders[cpid].store(id, std::memory_order_release); // first: nobody of this process is to send through the socket
     try {
-        Holding holding{euId, std::make_unique<FrameInlet>(cpid, *eu), nullptr};
-        holding.endpoint = activeTransport().open(cpid, eu->queue.waitSet(), *holding.inlet);
+        Holding holding{id, std::make_unique<FrameInlet>(cpid, eu), nullptr};
+        holding.endpoint = activeTransport().open(cpid, eu.queue.waitSet(), *holding.inlet);
         if (!holding.endpoint) {
             throw std::system_error(errno, std::generic_category());
         }
         m_holdings.emplace(cpid, std::move(holding));
     } catch (const std::exception& error) {
+        holders[cpid].store(0, std::memory_order_release);
         m_locks.unlock(cpid);
         AaSysLogPrint(EAaSysLogSeverityLevel_Error, "cpid 0x%04X cannot be made reachable: %s", cpid, error.what());
         return 0;
     }
-    holders[cpid].store(euId, std::memory_order_release);
     TAaSysComCpid none = 0;
-    eu->firstCpid.compare_exchange_strong(none, cpid);
+    eu.firstCpid.compare_exchange_strong(none, cpid);
     if (EeTable* const table = PerNode<EeTable>::ifOpen()) {
-        table->noteCpid(cpid, eu->name.data());
+        table->noteCpid(cpid, eu.name.data());
     }
     return cpid;
 }
@@ -98,6 +124,9 @@ bool CpidRegistry::release(TAaSysComCpid cpid)
 
 void CpidRegistry::releaseAll(TAaProEuId eu)
 {
+    if (getpid() != m_process) {
+        return; // a forked process ends; the sockets and connections are its parent's
+    }
     const std::lock_guard lock(m_mutex);
     for (auto holding = m_holdings.begin(); holding != m_holdings.end();) {
         const auto [cpid, held] = std::pair(holding->first, holding->second.eu);

@@ -8,10 +8,11 @@
 #include "port/Transport.hpp"
 #include "syscom/FrameInlet.hpp"
 
+#include <atomic>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
-#include <vector>
 
 namespace dorn::host {
 
@@ -37,6 +38,8 @@ public:
     void releaseAll(TAaProEuId eu);
     /// The other process that holds @p cpid; 0 when nobody does, or this process itself.
     pid_t foreignHolder(TAaSysComCpid cpid) const;
+    /// Changes whenever a process of the node begins to hold a cpid. One load.
+    std::uint32_t generation() const { return generationWord().load(std::memory_order_acquire); }
 
 private:
     struct Holding {
@@ -45,10 +48,13 @@ private:
         std::unique_ptr<Endpoint> endpoint; // ends before the inlet that it delivers to
     };
 
-    TAaSysComCpid acquireExactly(TAaSysComCpid cpid, TAaProEuId eu);
-    TAaSysComCpid acquireAny(TAaProEuId eu);
+    TAaSysComCpid acquireExactly(TAaSysComCpid cpid, Eu& eu, TAaProEuId id);
+    TAaSysComCpid acquireAny(Eu& eu, TAaProEuId id);
+    TAaSysComCpid hold(TAaSysComCpid cpid, Eu& eu, TAaProEuId id);
     void releaseLocked(TAaSysComCpid cpid);
+    std::atomic<std::uint32_t>& generationWord() const;
 
+    const pid_t m_process;
     SharedStore m_locks;
     mutable std::mutex m_mutex;
     std::map<TAaSysComCpid, Holding> m_holdings;

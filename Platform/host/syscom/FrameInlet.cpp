@@ -72,19 +72,23 @@ const char* FrameInlet::whyBad(std::span<const std::byte> frame, bool isCut, con
 /// took over after the peer had gone.
 bool FrameInlet::isCredible(TAaSysComSicad sender, const Peer& peer)
 {
-    if (sender == m_lastCredible && peer.pid() == m_lastCredibleProcess) {
+    const CpidRegistry* const registry = PerNode<CpidRegistry>::ifOpen(); // null only while it is being closed
+    const std::uint32_t generation = registry ? registry->generation() : 0;
+    if (sender == m_lastCredible && peer.pid() == m_lastCredibleProcess && generation == m_lastGeneration) {
         return true;
     }
     const auto cpid = static_cast<TAaSysComCpid>(sender & 0xFFFFU);
     if (sender != 0 && !isOwnNode(sender >> 16)) {
         return false;
     }
-    const pid_t holder = localHolder(cpid) != 0 ? getpid() : PerNode<CpidRegistry>::get().foreignHolder(cpid);
+    const pid_t foreign = registry ? registry->foreignHolder(cpid) : 0;
+    const pid_t holder = localHolder(cpid) != 0 ? getpid() : foreign;
     if (cpid != 0 && holder != 0 && holder != peer.pid() && !peer.hasHungUp()) {
         return false;
     }
     m_lastCredible = sender;
     m_lastCredibleProcess = peer.pid();
+    m_lastGeneration = generation;
     return true;
 }
 

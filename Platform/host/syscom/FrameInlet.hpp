@@ -29,8 +29,10 @@ private:
     Eu& m_eu;
     TAaProEuId m_euId;
     std::uint32_t m_bad = 0;
+    // The sender that was believed last is not looked up again as long as nobody has registered a cpid since.
     TAaSysComSicad m_lastCredible = 0;
     pid_t m_lastCredibleProcess = 0;
+    std::uint32_t m_lastGeneration = 0;
 };
 
 } // namespace dorn::host

@@ -2,6 +2,7 @@
 #include "syscom/MessageQueue.hpp"
 
 #include <algorithm>
+#include <exception>
 #include <limits>
 #include <unistd.h>
 
@@ -22,6 +23,43 @@ constexpr std::chrono::nanoseconds spinTime{10000};
 constexpr int spinChecksPerLook = 8;
 constexpr int greatestSpinCredit = 8;
 constexpr std::uint32_t sleepsBetweenProbes = 32;
+
+/// How long an EU sleeps at a time that has no descriptors to be woken by.
+constexpr std::chrono::milliseconds napTime{10};
+
+/// Counts a sender that waits for room, also when its thread is cancelled.
+class Blocked {
+public:
+    explicit Blocked(std::atomic<std::int32_t>& count) : m_count(count) { m_count.fetch_add(1); }
+    ~Blocked() { m_count.fetch_sub(1); }
+    Blocked(const Blocked&) = delete;
+    Blocked& operator=(const Blocked&) = delete;
+
+private:
+    std::atomic<std::int32_t>& m_count;
+};
+
+/// Has senders ring while it lives, if there was nothing to take when it was made.
+class Asleep {
+public:
+    explicit Asleep(std::atomic<Message*>& inbound) : m_inbound(inbound)
+    {
+        Message* expected = nullptr;
+        m_isAsleep = m_inbound.compare_exchange_strong(expected, sleeping);
+    }
+    ~Asleep()
+    {
+        Message* expected = sleeping;
+        m_inbound.compare_exchange_strong(expected, nullptr);
+    }
+    Asleep(const Asleep&) = delete;
+    Asleep& operator=(const Asleep&) = delete;
+    explicit operator bool() const { return m_isAsleep; }
+
+private:
+    std::atomic<Message*>& m_inbound;
+    bool m_isAsleep = false;
+};
 
 bool mayUseSpinning()
 {
@@ -53,17 +91,15 @@ MessageQueue::PushResult MessageQueue::push(Message* message, Nanoseconds patien
         return result;
     }
     const Deadline until = Clock::get().monotonic() + patience;
-    m_blockedSenders.fetch_add(1);
+    const Blocked blocked(m_blockedSenders);
     for (;;) {
         const std::uint32_t signal = m_roomSignal.load();
         result = tryPush(message);
         if (result != PushResult::Full || Clock::get().monotonic() >= until) {
-            break;
+            return result;
         }
         Clock::get().waitWhile(m_roomSignal, signal, until, false);
     }
-    m_blockedSenders.fetch_sub(1);
-    return result;
 }
 
 /// Makes room for messages and tells those who wait for it.
@@ -78,7 +114,8 @@ void MessageQueue::countOut(std::int32_t count)
 
 MessageQueue::PushResult MessageQueue::tryPush(Message* message)
 {
-    if (m_inboundCount.fetch_add(1, std::memory_order_relaxed) >= capacity) {
+    // In one order with countOut(): either this sees the room, or that sees the blocked sender.
+    if (m_inboundCount.fetch_add(1) >= capacity) {
         m_inboundCount.fetch_sub(1, std::memory_order_relaxed);
         return PushResult::Full;
     }
@@ -115,7 +152,8 @@ WaitSet& MessageQueue::waitSet()
     WaitSet* set = m_waitSet.load(std::memory_order_acquire);
     if (!set) {
         auto fresh = std::make_unique<WaitSet>();
-        if (m_waitSet.compare_exchange_strong(set, fresh.get(), std::memory_order_acq_rel)) {
+        // In one order with requestWakeUp(): either that sees the set, or sleep() sees the request.
+        if (m_waitSet.compare_exchange_strong(set, fresh.get())) {
             set = fresh.release();
         }
     }
@@ -132,20 +170,23 @@ Message* MessageQueue::receive(Deadline until, const std::span<const std::uint16
         if (takeOverInbound()) {
             continue;
         }
+        if (until == Deadline(0)) {
+            if (!serveDescriptors()) {
+                return nullptr; // a wake-up is left for a receive that waits
+            }
+            continue;
+        }
         if (consumeWakeUp()) {
             return nullptr;
         }
-        if (until == Deadline(0) && !hasDescriptors()) {
-            return nullptr;
-        }
-        if (until != Deadline(0) && spin()) {
+        if (spin()) {
             continue;
         }
         const Message* const lastBefore = m_last;
         if (!sleep(until)) {
             continue;
         }
-        const bool isLate = until != noDeadline && (until == Deadline(0) || Clock::get().monotonic() >= until);
+        const bool isLate = until != noDeadline && Clock::get().monotonic() >= until;
         if (isLate && m_last == lastBefore && !takeOverInbound()) {
             return nullptr;
         }
@@ -158,35 +199,58 @@ bool MessageQueue::hasDescriptors() const
     return set && set->hasSources();
 }
 
-/// Gives descriptors their turn while the queue itself never runs dry.
+/// Takes what is there at the descriptors now. @return whether messages came.
+bool MessageQueue::serveDescriptors()
+{
+    if (!hasDescriptors() || isPendingFull()) {
+        return false;
+    }
+    const Message* const lastBefore = m_last;
+    m_takenSinceLook = 0;
+    waitSet().wait(Deadline(0));
+    return m_last != lastBefore;
+}
+
+/// Gives descriptors and local senders their turns while the one never lets the other's run dry.
 void MessageQueue::lookAtDescriptors()
 {
     if (++m_takenSinceLook >= takesBetweenLooks && hasDescriptors()) {
-        m_takenSinceLook = 0;
-        waitSet().wait(Deadline(0));
+        takeOverInbound();
+        serveDescriptors();
     }
 }
 
 /// Sleeps until something may have come. @return false when something was there before.
 bool MessageQueue::sleep(Deadline until)
 {
-    WaitSet& set = waitSet();
+    WaitSet* const set = waitSetIfPossible();
+    if (!set) {
+        Clock::get().waitDescriptor(-1, 0, std::min(until, Clock::get().monotonic() + napTime));
+        return true;
+    }
     m_takenSinceLook = 0;
     if (isPendingFull()) {
         // A selective receive that has passed over all that may be kept: only time or a wake-up ends it.
-        set.waitForRing(until, m_wakeUpRequested);
+        set->waitForRing(until, m_wakeUpRequested);
         return true;
     }
-    Message* expected = nullptr;
-    if (!m_inbound.compare_exchange_strong(expected, sleeping)) {
+    const Asleep asleep(m_inbound);
+    if (!asleep) {
         return false;
     }
     if (!m_wakeUpRequested.load()) {
-        set.wait(until);
+        set->wait(until);
     }
-    expected = sleeping;
-    m_inbound.compare_exchange_strong(expected, nullptr);
     return true;
+}
+
+WaitSet* MessageQueue::waitSetIfPossible()
+{
+    try {
+        return &waitSet();
+    } catch (const std::exception&) {
+        return nullptr; // descriptors or memory have run out; whoever needs them says so
+    }
 }
 
 /// Watches the queue and the descriptors for a moment. Pays off between EUs that answer each other at once and under a
@@ -303,16 +367,15 @@ Message* MessageQueue::takeFirstOf(std::span<const std::uint16_t> ids)
 /// out, which also bounds the index.
 void MessageQueue::indexPending()
 {
-    for (Message* message = m_firstNotIndexed; message; message = message->next) {
-        if (message->header.id > 0xFFFFU) {
-            continue;
+    while (Message* const message = m_firstNotIndexed) {
+        if (message->header.id <= 0xFFFFU) {
+            Chain& chain = m_index[message->header.id];
+            (chain.first ? chain.last->nextOfSameId : chain.first) = message;
+            chain.last = message;
+            message->isIndexed = 1;
         }
-        Chain& chain = m_index[message->header.id];
-        (chain.first ? chain.last->nextOfSameId : chain.first) = message;
-        chain.last = message;
-        message->isIndexed = 1;
+        m_firstNotIndexed = message->next;
     }
-    m_firstNotIndexed = nullptr;
 }
 
 /// Takes a message out of the pending ones. It is the first of its id, as both kinds of receive take the earliest.

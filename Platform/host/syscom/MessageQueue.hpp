@@ -72,7 +72,9 @@ private:
     bool noteSpin(bool hasPaidOff);
     bool sleep(Deadline until);
     bool hasDescriptors() const;
+    bool serveDescriptors();
     void lookAtDescriptors();
+    WaitSet* waitSetIfPossible();
     bool consumeWakeUp();
 
     // Senders and owner; on a line of its own.

@@ -3,6 +3,7 @@
 
 #include "node/PerNode.hpp"
 #include "port/Clock.hpp"
+#include "syscom/CpidRegistry.hpp"
 #include "syscom/Post.hpp"
 
 #include <algorithm>
@@ -13,6 +14,11 @@ namespace dorn::host {
 namespace {
 
 const std::atomic<std::uint32_t> nobody{0};
+
+TAaSysComCpid cpidOf(std::uint32_t watcher)
+{
+    return static_cast<TAaSysComCpid>(watcher & 0xFFFFU);
+}
 
 std::unique_ptr<Message, MessageDeleter> recordOf(const Message& message, TAaSysComCpid watcher, std::uint32_t lost)
 {
@@ -31,10 +37,13 @@ std::unique_ptr<Message, MessageDeleter> recordOf(const Message& message, TAaSys
 
 } // namespace
 
+// Processes may end at any point of what follows; each step leaves the table right, or with a place that somebody will
+// find to be abandoned.
 struct MessageTap::Control {
     SharedStoreHeader header;
-    std::atomic<std::uint32_t> active;                            ///< watchers in use
-    std::array<std::atomic<std::uint32_t>, maxWatchers> watchers; ///< their cpids; 0 is a free place
+    std::atomic<std::uint32_t> active; ///< a bit for each place in use
+    /// A watcher is the use count of its place << 16 | its cpid; a free place has no cpid. No two watchers are the same.
+    std::array<std::atomic<std::uint32_t>, maxWatchers> watchers;
 };
 
 constinit std::atomic<const std::atomic<std::uint32_t>*> MessageTap::s_active{&nobody};
@@ -56,10 +65,23 @@ MessageTap::Control& MessageTap::control() const
 
 bool MessageTap::addWatcher(TAaSysComCpid cpid)
 {
-    for (std::atomic<std::uint32_t>& place : control().watchers) {
-        std::uint32_t free = 0;
-        if (place.compare_exchange_strong(free, cpid)) {
-            control().active.fetch_add(1);
+    const auto isOfSameCpid = [cpid](TAaSysComCpid other) { return other == cpid; };
+    const auto isFree = [](TAaSysComCpid other) { return other == 0; };
+    const auto isAbandoned = [](TAaSysComCpid other) {
+        return localHolder(other) == 0 && PerNode<CpidRegistry>::get().foreignHolder(other) == 0;
+    };
+    return takePlace(cpid, isOfSameCpid) || takePlace(cpid, isFree) || takePlace(cpid, isAbandoned);
+}
+
+/// Takes the first place whose present cpid suits.
+template <class Suits>
+bool MessageTap::takePlace(TAaSysComCpid cpid, const Suits& suits)
+{
+    for (std::size_t place = 0; place < maxWatchers; ++place) {
+        std::uint32_t present = control().watchers[place].load();
+        const std::uint32_t watcher = (present & ~0xFFFFU) + 0x10000U + cpid;
+        if (suits(cpidOf(present)) && control().watchers[place].compare_exchange_strong(present, watcher)) {
+            control().active.fetch_or(1U << place);
             return true;
         }
     }
@@ -68,28 +90,64 @@ bool MessageTap::addWatcher(TAaSysComCpid cpid)
 
 void MessageTap::removeWatcher(TAaSysComCpid cpid)
 {
-    for (std::atomic<std::uint32_t>& place : control().watchers) {
-        std::uint32_t expected = cpid;
-        if (place.compare_exchange_strong(expected, 0)) {
-            control().active.fetch_sub(1);
+    for (std::size_t place = 0; place < maxWatchers; ++place) {
+        const std::uint32_t watcher = control().watchers[place].load();
+        if (cpidOf(watcher) == cpid) {
+            freePlace(place, watcher);
         }
     }
 }
 
+/// Frees a place unless it is another watcher's by now.
+void MessageTap::freePlace(std::size_t place, std::uint32_t watcher)
+{
+    if (control().watchers[place].compare_exchange_strong(watcher, watcher & ~0xFFFFU)) {
+        noteFree(place);
+    }
+}
+
+void MessageTap::noteFree(std::size_t place)
+{
+    control().active.fetch_and(~(1U << place));
+    if (cpidOf(control().watchers[place].load()) != 0) {
+        control().active.fetch_or(1U << place); // it has just been taken
+    }
+}
+
+/// How many messages of this process the watcher has missed; from here on none.
+std::uint32_t MessageTap::takeLost(std::size_t place, std::uint32_t watcher)
+{
+    const std::uint64_t lost = m_lost[place].exchange(0, std::memory_order_relaxed);
+    return lost >> 32 == watcher ? static_cast<std::uint32_t>(lost) : 0;
+}
+
+void MessageTap::addLost(std::size_t place, std::uint32_t watcher, std::uint32_t count)
+{
+    std::uint64_t present = m_lost[place].load(std::memory_order_relaxed);
+    std::uint64_t sum = 0;
+    do {
+        const std::uint64_t before = present >> 32 == watcher ? present & 0xFFFFFFFFU : 0;
+        sum = std::uint64_t{watcher} << 32 | (before + count);
+    } while (!m_lost[place].compare_exchange_weak(present, sum, std::memory_order_relaxed));
+}
+
 void MessageTap::show(const Message& message)
 {
-    for (std::size_t place = 0; place < maxWatchers; ++place) {
-        const auto watcher = static_cast<TAaSysComCpid>(control().watchers[place].load(std::memory_order_relaxed));
-        if (watcher == 0 || message.header.id == recordId) {
+    for (std::size_t place = 0; place < maxWatchers && message.header.id != recordId; ++place) {
+        const std::uint32_t watcher = control().watchers[place].load(std::memory_order_relaxed);
+        if (cpidOf(watcher) == 0) {
+            if ((control().active.load(std::memory_order_relaxed) & 1U << place) != 0) {
+                noteFree(place); // whoever freed it did not get so far
+            }
             continue;
         }
-        const std::uint32_t lost = m_lost[place].exchange(0, std::memory_order_relaxed);
-        auto record = recordOf(message, watcher, lost);
+        const std::uint32_t lost = takeLost(place, watcher);
+        auto record = recordOf(message, cpidOf(watcher), lost);
         const EAaSysComStatus status = record ? post(record, Nanoseconds(0)) : EAaSysComStatus_NoResources;
         if (status == EAaSysComStatus_NoReceiver) {
-            removeWatcher(watcher);
+            freePlace(place, watcher);
         } else if (status != EAaSysComStatus_Ok) {
-            m_lost[place].fetch_add(lost + 1, std::memory_order_relaxed);
+            addLost(place, watcher, lost + 1);
         }
     }
 }

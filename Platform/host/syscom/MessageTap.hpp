@@ -38,7 +38,8 @@ public:
     /// Shows a message to every watcher that has room for it; watchers that are gone are removed.
     void show(const Message& message);
 
-    /// Has records sent to @p cpid, which the caller holds. @return false when there are maxWatchers already.
+    /// Has records sent to @p cpid, which the caller holds. @return false when there are maxWatchers already, not
+    /// counting those that are gone.
     bool addWatcher(TAaSysComCpid cpid);
     void removeWatcher(TAaSysComCpid cpid);
 
@@ -46,11 +47,18 @@ private:
     struct Control;
 
     Control& control() const;
+    template <class Suits>
+    bool takePlace(TAaSysComCpid cpid, const Suits& suits);
+    void freePlace(std::size_t place, std::uint32_t watcher);
+    void noteFree(std::size_t place);
+    std::uint32_t takeLost(std::size_t place, std::uint32_t watcher);
+    void addLost(std::size_t place, std::uint32_t watcher, std::uint32_t count);
 
     static std::atomic<const std::atomic<std::uint32_t>*> s_active;
 
     SharedStore m_store;
-    std::array<std::atomic<std::uint32_t>, maxWatchers> m_lost{};
+    /// For each place the watcher that missed messages of this process, and how many.
+    std::array<std::atomic<std::uint64_t>, maxWatchers> m_lost{};
 };
 
 } // namespace dorn::host

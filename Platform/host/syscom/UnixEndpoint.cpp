@@ -8,9 +8,11 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cerrno>
 #include <cstring>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -92,7 +94,7 @@ public:
     {
         shutdown(m_socket.get(), SHUT_RD);
         ReceiveBuffer buffer; // of its own, as this may run while the thread's variables are ending
-        while (m_endpoint.m_sink.hasRoom() && takeSome(m_endpoint.m_sink, buffer)) {
+        while (takeSome(m_endpoint.m_sink, buffer)) { // as much as the kernel keeps, whether or not it is welcome
         }
     }
 
@@ -101,14 +103,28 @@ private:
     bool takeSome(FrameSink& sink, ReceiveBuffer& buffer)
     {
         const int count = buffer.receive(m_socket.get());
+        int empty = 0; // packets; or the end, which looks the same
         for (int index = 0; index < count; ++index) {
             const auto slot = static_cast<std::size_t>(index);
             if (buffer.packet(slot).empty()) {
-                return false; // the end: an empty packet is none that a message could be in
+                ++empty;
+            } else {
+                sink.onFrame(buffer.packet(slot), buffer.isCut(slot), *this);
             }
-            sink.onFrame(buffer.packet(slot), buffer.isCut(slot), *this);
         }
-        return count >= 0;
+        if (count < 0 || (empty > 0 && hasEnded())) {
+            return false;
+        }
+        for (; empty > 0; --empty) {
+            sink.onFrame({}, false, *this);
+        }
+        return true;
+    }
+
+    bool hasEnded() const
+    {
+        int queued = 0;
+        return hasHungUp() && ioctl(m_socket.get(), FIONREAD, &queued) == 0 && queued == 0;
     }
 
     void close()
@@ -148,7 +164,9 @@ UnixEndpoint::~UnixEndpoint()
 {
     FilePort::get().remove(m_directory.descriptor(), socketName(m_cpid).c_str());
     const std::lock_guard lock(m_waitSet.mutex());
-    onReadable(); // those who have connected may have sent
+    m_isEnding = true;
+    shutdown(m_listener.get(), SHUT_RD); // from here on nobody connects, also who has found the name before
+    onReadable();                        // those who have connected may have sent
     m_waitSet.remove(m_listener.get());
     for (const auto& connection : m_connections) {
         m_waitSet.remove(connection->descriptor());
@@ -166,40 +184,61 @@ void UnixEndpoint::onReadable()
         UnixSocket socket(accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
         if (socket) {
             accept(std::move(socket));
-        } else if (errno == EMFILE || errno == ENFILE) {
-            turnAway();
-        } else {
+        } else if (errno != EMFILE && errno != ENFILE) {
+            return;
+        } else if (!turnAway()) {
+            m_waitSet.holdOff();
             return;
         }
     }
 }
 
-/// Without descriptors a connection cannot be taken, and would be reported as waiting without end: it is taken in place
-/// of the spare descriptor and ended, so that its sender learns of it.
-void UnixEndpoint::turnAway()
+/// Without descriptors a connection cannot be kept, and would be reported as waiting without end: it is taken in place
+/// of the spare descriptor and ended, so that its sender learns of it. What it has brought is taken in before.
+/// @return false when another thread has taken the spare descriptor's place.
+bool UnixEndpoint::turnAway()
 {
     m_spare = UnixSocket(-1);
-    {
-        const UnixSocket refused(accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    UnixSocket socket(accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    const bool isTaken = static_cast<bool>(socket);
+    ucred credentials{};
+    if (isTaken && isCredible(socket, credentials)) {
+        Connection(*this, std::move(socket), credentials.pid).takeRest();
     }
+    socket = UnixSocket(-1);
     m_spare = UnixSocket::make();
-    AaSysLogPrint(EAaSysLogSeverityLevel_Error, "Refused a connection to cpid 0x%04X: descriptors have run out",
-                  m_cpid);
+    if (isTaken && std::has_single_bit(++m_turnedAway)) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Error,
+                      "Refused a connection to cpid 0x%04X: descriptors have run out (%u so far)", m_cpid,
+                      m_turnedAway);
+    }
+    return isTaken;
+}
+
+bool UnixEndpoint::isCredible(const UnixSocket& socket, ucred& credentials) const
+{
+    socklen_t size = sizeof credentials;
+    if (getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &credentials, &size) == 0 &&
+        (credentials.uid == geteuid() || credentials.uid == 0)) {
+        return true;
+    }
+    AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "Refused a connection of process %d of user %u to cpid 0x%04X",
+                  credentials.pid, credentials.uid, m_cpid);
+    return false;
 }
 
 void UnixEndpoint::accept(UnixSocket socket)
 {
     ucred credentials{};
-    socklen_t size = sizeof credentials;
-    if (getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0 ||
-        (credentials.uid != geteuid() && credentials.uid != 0)) {
-        AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "Refused a connection of process %d of user %u to cpid 0x%04X",
-                      credentials.pid, credentials.uid, m_cpid);
+    if (!isCredible(socket, credentials)) {
         return;
     }
     auto connection = std::make_unique<Connection>(*this, std::move(socket), credentials.pid);
     if (m_waitSet.add(connection->descriptor(), *connection)) {
         m_connections.push_back(std::move(connection));
+        if (!m_isEnding) {
+            m_connections.back()->onReadable(); // what was sent before the connection was taken
+        }
     }
 }
 

@@ -7,8 +7,10 @@
 #include "syscom/UnixSocket.hpp"
 #include "syscom/WaitSet.hpp"
 
+#include <cstdint>
 #include <list>
 #include <memory>
+#include <sys/socket.h>
 
 namespace dorn::host {
 
@@ -28,13 +30,16 @@ private:
                  FrameSink& sink);
     /// Somebody wants to connect.
     void onReadable() override;
+    bool isCredible(const UnixSocket& socket, ucred& credentials) const;
     void accept(UnixSocket socket);
-    void turnAway();
+    bool turnAway();
 
     const RunDirectory& m_directory;
     TAaSysComCpid m_cpid;
     UnixSocket m_listener;
     UnixSocket m_spare = UnixSocket::make();
+    std::uint32_t m_turnedAway = 0;
+    bool m_isEnding = false;
     WaitSet& m_waitSet;
     FrameSink& m_sink;
     std::list<std::unique_ptr<Connection>> m_connections;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "syscom/UnixSocket.hpp"
 
+#include "log/CancellationOff.hpp"
 #include "node/RunDirectory.hpp"
 
 #include <array>
@@ -15,6 +16,7 @@ namespace dorn::host {
 UnixSocket::~UnixSocket()
 {
     if (m_descriptor >= 0) {
+        const CancellationOff off; // a destructor must not be left by unwinding
         close(m_descriptor);
     }
 }
@@ -27,9 +29,9 @@ UnixSocket& UnixSocket::operator=(UnixSocket&& other) noexcept
     return *this;
 }
 
-UnixSocket UnixSocket::make()
+UnixSocket UnixSocket::make(int flags)
 {
-    return UnixSocket(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+    return UnixSocket(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | flags, 0));
 }
 
 std::string socketName(TAaSysComCpid cpid)

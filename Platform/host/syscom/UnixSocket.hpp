@@ -20,8 +20,8 @@ public:
     UnixSocket(UnixSocket&& other) noexcept;
     UnixSocket& operator=(UnixSocket&& other) noexcept;
 
-    /// A new socket that keeps packet boundaries.
-    static UnixSocket make();
+    /// A new socket that keeps packet boundaries. @param flags those of `socket`, besides `SOCK_CLOEXEC`
+    static UnixSocket make(int flags = 0);
 
     int get() const { return m_descriptor; }
     explicit operator bool() const { return m_descriptor >= 0; }

@@ -18,6 +18,19 @@ namespace {
 /// Room for messages on their way; the kernel grants what the system allows.
 constexpr int sendBufferBytes = 1 << 20;
 
+EAaSysComStatus whyNotConnected(int error)
+{
+    switch (error) {
+    case ENOENT:
+    case ECONNREFUSED:
+        return EAaSysComStatus_NoReceiver;
+    case EAGAIN:
+        return EAaSysComStatus_QueueFull;
+    default:
+        return EAaSysComStatus_NoResources;
+    }
+}
+
 bool isPeerGone(int error)
 {
     return error == EPIPE || error == ECONNRESET || error == ENOTCONN || error == ECONNREFUSED;
@@ -68,7 +81,11 @@ UnixTransport::UnixTransport() : m_directory(PerNode<RunDirectory>::get()), m_ge
     m_directory.makeSubdirectory(socketFolder);
 }
 
-UnixTransport::~UnixTransport() = default;
+/// No other thread sends any more; those that have ended have let go of their connections.
+UnixTransport::~UnixTransport()
+{
+    recents().fill({});
+}
 
 EAaSysComStatus UnixTransport::send(TAaSysComCpid receiver, std::span<const std::byte> frame, Nanoseconds patience)
 {
@@ -92,10 +109,15 @@ EAaSysComStatus UnixTransport::send(TAaSysComCpid receiver, std::span<const std:
     return EAaSysComStatus_NoReceiver;
 }
 
+std::array<UnixTransport::Recent, 8>& UnixTransport::recents()
+{
+    static thread_local std::array<Recent, 8> ofThread;
+    return ofThread;
+}
+
 UnixTransport::Recent& UnixTransport::recentFor(TAaSysComCpid receiver)
 {
-    static thread_local std::array<Recent, 8> recent;
-    return recent[receiver % recent.size()];
+    return recents()[receiver % recents().size()];
 }
 
 std::uint64_t UnixTransport::newGeneration()
@@ -127,11 +149,11 @@ std::shared_ptr<UnixTransport::Connection> UnixTransport::connectionTo(TAaSysCom
     if (const auto known = m_connections.find(receiver); known != m_connections.end()) {
         return known->second;
     }
-    UnixSocket socket = UnixSocket::make();
+    // One that does not wait: where the connections of thousands have not been taken, a further one would.
+    UnixSocket socket = UnixSocket::make(SOCK_NONBLOCK);
     const sockaddr_un address = socketAddress(m_directory, receiver);
     if (!socket || connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        const bool isNobodyThere = errno == ENOENT || errno == ECONNREFUSED;
-        status = isNobodyThere ? EAaSysComStatus_NoReceiver : EAaSysComStatus_NoResources;
+        status = whyNotConnected(errno);
         return nullptr;
     }
     setsockopt(socket.get(), SOL_SOCKET, SO_SNDBUF, &sendBufferBytes, sizeof sendBufferBytes);

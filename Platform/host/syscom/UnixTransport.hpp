@@ -5,6 +5,7 @@
 
 #include "port/Transport.hpp"
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -35,6 +36,7 @@ private:
     void forget(TAaSysComCpid receiver, const Connection* connection);
 
     struct Recent;
+    static std::array<Recent, 8>& recents();
     static Recent& recentFor(TAaSysComCpid receiver);
     static std::uint64_t newGeneration();
 

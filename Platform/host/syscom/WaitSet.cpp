@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "syscom/WaitSet.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
 #include <poll.h>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
+#include <sys/syscall.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -14,6 +16,9 @@ namespace dorn::host {
 namespace {
 
 constexpr int eventsAtOnce = 16;
+
+/// How long a source that cannot be served is left alone.
+constexpr std::chrono::milliseconds holdOffTime{10};
 
 } // namespace
 
@@ -39,12 +44,16 @@ void WaitSet::ring() noexcept
 {
     const int saved = errno;
     const std::uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = write(m_bell, &one, sizeof one);
+    syscall(SYS_write, m_bell, &one, sizeof one); // unlike `write` no cancellation point: nobody waits here
     errno = saved;
 }
 
 void WaitSet::wait(Deadline until)
 {
+    if (until != Deadline(0) && m_isHeldOff.exchange(false, std::memory_order_relaxed)) {
+        // On no descriptor, so that a ring is still there for the wait that follows.
+        Clock::get().waitDescriptor(-1, 0, std::min(until, Clock::get().monotonic() + holdOffTime));
+    }
     std::array<epoll_event, eventsAtOnce> events; // NOLINT: filled by the call
     const std::uint32_t removalsBefore = m_removals.load(std::memory_order_acquire);
     const int count = Clock::get().waitEvents(m_epoll, events.data(), eventsAtOnce, until);
@@ -84,8 +93,9 @@ bool WaitSet::add(int descriptor, WaitSource& source)
 void WaitSet::remove(int descriptor)
 {
     m_removals.fetch_add(1, std::memory_order_acq_rel);
-    m_sources.fetch_sub(1, std::memory_order_relaxed);
-    epoll_ctl(m_epoll, EPOLL_CTL_DEL, descriptor, nullptr);
+    if (epoll_ctl(m_epoll, EPOLL_CTL_DEL, descriptor, nullptr) == 0) { // else it could not be added
+        m_sources.fetch_sub(1, std::memory_order_relaxed);
+    }
 }
 
 } // namespace dorn::host

@@ -45,6 +45,8 @@ public:
     bool add(int descriptor, WaitSource& source);
     /// To be called with mutex() held, before the source ends.
     void remove(int descriptor);
+    /// Called by a source that has to leave its descriptor readable: the next wait() begins with a moment's rest.
+    void holdOff() { m_isHeldOff.store(true, std::memory_order_relaxed); }
 
     /// Guards the sources: held while they are served, to be held while they are added or ended by another thread.
     std::recursive_mutex& mutex() { return m_mutex; }
@@ -53,6 +55,7 @@ private:
     std::recursive_mutex m_mutex;
     std::atomic<std::uint32_t> m_removals{0};
     std::atomic<std::int32_t> m_sources{0};
+    std::atomic<bool> m_isHeldOff{false};
     int m_epoll;
     int m_bell;
 };

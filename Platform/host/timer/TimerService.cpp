@@ -26,6 +26,9 @@ void deliver(TAaProEuId eu, const void* identity)
     }
 }
 
+/// Not of one service: no id is used twice in a process.
+std::atomic<TAaTimerId> lastId{0};
+
 /// Signals are for the threads of the program.
 void blockSignals()
 {
@@ -45,16 +48,16 @@ TimerService::~TimerService()
     }
 }
 
-TAaTimerId TimerService::arm(TAaProEuId eu, Nanoseconds timeout, const void* identity)
+TAaTimerId TimerService::arm(TAaProEuId eu, Deadline deadline, const void* identity)
 {
     const std::lock_guard lock(m_mutex);
-    const Deadline deadline = Clock::get().monotonic() + timeout;
-    const TAaTimerId id = ++m_lastId;
-    const auto entry = m_timeouts.emplace(Key(deadline, id), Timeout{eu, identity}).first;
-    m_deadlines.emplace(id, deadline);
     if (!m_thread.joinable()) {
         m_thread = std::thread(&TimerService::run, this);
-    } else if (entry == m_timeouts.begin()) {
+    }
+    const TAaTimerId id = lastId.fetch_add(1) + 1;
+    m_deadlines.emplace(id, deadline);
+    const auto entry = m_timeouts.emplace(Key(deadline, id), Timeout{eu, identity}).first;
+    if (entry == m_timeouts.begin()) {
         stir();
     }
     return id;
@@ -115,7 +118,7 @@ TAaTimerId AaTimerArm(int64_t timeout, const void* identity)
         return 0;
     }
     try {
-        return PerNode<TimerService>::get().arm(eu, std::chrono::microseconds(timeout), identity);
+        return PerNode<TimerService>::get().arm(eu, Clock::get().after(timeout), identity);
     } catch (const std::exception& error) {
         AaSysLogPrint(EAaSysLogSeverityLevel_Error, "Time-out not armed: %s", error.what());
         return 0;

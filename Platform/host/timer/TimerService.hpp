@@ -25,7 +25,8 @@ public:
     TimerService(const TimerService&) = delete;
     TimerService& operator=(const TimerService&) = delete;
 
-    TAaTimerId arm(TAaProEuId eu, Nanoseconds timeout, const void* identity);
+    /// @throws std::exception when there is no memory or no thread; nothing is armed then.
+    TAaTimerId arm(TAaProEuId eu, Deadline deadline, const void* identity);
     bool cancel(TAaTimerId timer);
 
 private:
@@ -43,7 +44,6 @@ private:
     std::mutex m_mutex;
     std::map<Key, Timeout> m_timeouts;
     std::unordered_map<TAaTimerId, Deadline> m_deadlines;
-    TAaTimerId m_lastId = 0;
     std::atomic<std::uint32_t> m_changes{0};
     std::atomic<bool> m_isEnding{false};
     std::thread m_thread;

@@ -368,7 +368,8 @@ TEST_F(ProcessLogTest, LogDirectoryThatIsALinkIsRefused)
 /// A disk that is full for a while; the clock stands unless a test moves it.
 class FullDiskLogTest : public ProcessLogTest {
 protected:
-    FullDiskLogTest() { LogControl(PerNode<RunDirectory>::get()); } // makes the store that a node has as a rule
+    /// Makes the store that a node has as a rule.
+    FullDiskLogTest() { const LogControl store(PerNode<RunDirectory>::get()); }
 
     std::string complaint() const
     {

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "Completion.hpp"
+
+#include "Nouns.hpp"
+#include "Process.hpp"
+#include "Program.hpp"
+
+#include <gtest/gtest.h>
+
+namespace dorn::tool {
+namespace {
+
+class CompletionTest : public ::testing::Test {
+protected:
+    CompletionTest() { addNouns(m_program); }
+
+    /// What `bash` proposes for the last of these words, one a line; the command `dorn` itself is a function that
+    /// prints @p values.
+    std::string proposals(const std::vector<std::string>& words, const std::string& values = "") const
+    {
+        std::string script = bashCompletion(m_program);
+        script += "dorn() { printf '%s' \"$VALUES\"; }\n"
+                  "VALUES=$1; shift\n"
+                  "COMP_WORDS=(dorn \"$@\"); COMP_CWORD=$#\n"
+                  "_dorn\n"
+                  "[ ${#COMPREPLY[@]} -eq 0 ] || printf '%s\\n' \"${COMPREPLY[@]}\"\n";
+        std::vector<std::string> arguments{"-c", script, "bash", values};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        testkit::Process bash("/bin/bash", arguments);
+        EXPECT_EQ(bash.waitForEnd(), 0);
+        EXPECT_EQ(bash.standardError(), "");
+        return bash.standardOutput();
+    }
+
+    Program m_program;
+};
+
+TEST_F(CompletionTest, NounsAreProposed)
+{
+    EXPECT_EQ(proposals({""}), "service\nrad\ntag\nmsg\nlog\ncompletion\n--help\n-h\n--version\n");
+    EXPECT_EQ(proposals({"r"}), "rad\n");
+}
+
+TEST_F(CompletionTest, VerbsAreProposedBehindTheirNoun)
+{
+    EXPECT_EQ(proposals({"tag", ""}), "list\nget\nset\nwatch\n--help\n-h\n");
+    EXPECT_EQ(proposals({"tag", "w"}), "watch\n");
+}
+
+TEST_F(CompletionTest, OptionsAreProposedBehindTheirVerb)
+{
+    EXPECT_EQ(proposals({"rad", "watch", "--"}), "--help\n--count\n--timeout\n--hex\n--json\n");
+    EXPECT_EQ(proposals({"log", "--f"}), "--follow\n--feature\n");
+    EXPECT_EQ(proposals({"log", "-f", "--s"}), "--severity\n--service\n");
+}
+
+TEST_F(CompletionTest, NothingIsProposedWhereAnOptionsValueStands)
+{
+    EXPECT_EQ(proposals({"rad", "watch", "--count", ""}, "HWA/FIRM\n"), "");
+}
+
+TEST_F(CompletionTest, FlagIsNotTakenForAnOptionWithAValue)
+{
+    EXPECT_EQ(proposals({"rad", "get", "--hex", ""}, "HWA/FIRM\n"), "HWA/FIRM\n");
+}
+
+TEST_F(CompletionTest, ArgumentsAreThoseThatTheNodeHas)
+{
+    EXPECT_EQ(proposals({"rad", "get", "HWA/"}, "HWA/FIRM\nHWA/LED\nHWAState/LedState\n"), "HWA/FIRM\nHWA/LED\n");
+}
+
+TEST_F(CompletionTest, OnlyTheFirstArgumentOfSetIsProposed)
+{
+    EXPECT_EQ(proposals({"rad", "set", "HWA/FIRM", ""}, "HWA/FIRM\n"), "");
+    EXPECT_EQ(proposals({"rad", "watch", "HWA/FIRM", ""}, "HWA/FIRM\n"), "HWA/FIRM\n");
+}
+
+TEST_F(CompletionTest, NamesAreQuotedAndNeverEvaluated)
+{
+    EXPECT_EQ(proposals({"tag", "get", ""}, "a b\n$(echo evil)\n*\n"), "a\\ b\n\\$\\(echo\\ evil\\)\n\\*\n");
+}
+
+TEST_F(CompletionTest, NodeWithoutServicesProposesNothing)
+{
+    EXPECT_EQ(proposals({"service", "list", ""}), "");
+}
+
+TEST_F(CompletionTest, ZshUsesTheSameFunction)
+{
+    const std::string script = zshCompletion(m_program);
+
+    EXPECT_NE(script.find("bashcompinit"), std::string::npos);
+    EXPECT_TRUE(script.ends_with(bashCompletion(m_program)));
+}
+
+} // namespace
+} // namespace dorn::tool
