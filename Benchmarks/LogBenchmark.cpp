@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 /// @file LogBenchmark.cpp
 /// What a log line costs, next to spdlog's own loggers with the same fields.
+#include "AaConfigRad.h"
 #include "AaSysLog.h"
 #include "TestNode.hpp"
 #include "log/LogName.hpp"
@@ -14,14 +15,18 @@
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/spdlog.h>
 #include <string>
+#include <unistd.h>
 #include <utility>
 
 namespace {
 
 constexpr std::uint32_t feature = 0x20013;
 
-/// Time, severity, process name and id, thread, feature, text.
-constexpr const char* samePattern = "%Y-%m-%dT%H:%M:%S.%fZ %l Bench[%P] %t 0x20013 %v";
+/// Time, severity, process name and id, thread, feature, text; what does not change is not looked up either.
+std::string samePattern()
+{
+    return "%Y-%m-%dT%H:%M:%S.%fZ %l Bench[" + std::to_string(getpid()) + "] %t CLKS %v";
+}
 
 /// A node whose lines go where @p log says, in place of "PATH" into a file of the node.
 class LogNode {
@@ -33,6 +38,10 @@ public:
         }
         setenv("DORN_LOG", log.c_str(), 1);
         dorn::host::nameLog("Bench");
+        AaConfigRadRegisterDomain(feature >> 16U, "HWA", [] {
+            AaConfigRadSetMaxTagCount(feature >> 16U, feature + 1);
+            AaConfigRadSetDefault(feature, "CLKS", 0);
+        });
     }
     std::string file(const std::string& name) const { return m_node.boardRoot() + "/" + name; }
 
@@ -106,7 +115,8 @@ void spdlogLines(benchmark::State& state, spdlog::level::level_enum flushLevel)
         node.emplace("none");
         auto sink = std::make_shared<spdlog::sinks::basic_file_sink_mt>(node->file("spdlog.log"));
         logger = std::make_shared<spdlog::logger>("Bench", std::move(sink));
-        logger->set_formatter(std::make_unique<spdlog::pattern_formatter>(samePattern, spdlog::pattern_time_type::utc));
+        logger->set_formatter(
+            std::make_unique<spdlog::pattern_formatter>(samePattern(), spdlog::pattern_time_type::utc));
         logger->flush_on(flushLevel);
     }
     int value = 0;

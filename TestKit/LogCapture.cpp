@@ -38,7 +38,7 @@ public:
         return countLocked(text);
     }
 
-    bool waitFor(const std::string& text, std::chrono::milliseconds bound)
+    bool waitFor(const std::string& text, Bound bound)
     {
         std::unique_lock lock(m_mutex);
         return m_added.wait_for(lock, bound, [&] { return countLocked(text) != 0; });
@@ -92,7 +92,7 @@ std::size_t LogCapture::count(const std::string& text) const
     return m_collector->count(text);
 }
 
-bool LogCapture::waitFor(const std::string& text, std::chrono::milliseconds bound) const
+bool LogCapture::waitFor(const std::string& text, Bound bound) const
 {
     return m_collector->waitFor(text, bound);
 }

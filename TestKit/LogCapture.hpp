@@ -3,9 +3,9 @@
 /// The log lines of a test.
 #pragma once
 
+#include "Bound.hpp"
 #include "log/LogLine.hpp"
 
-#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -31,9 +31,8 @@ public:
     /// How many lines so far are, in the form `Error 0x20066 text`, equal to @p text.
     std::size_t count(const std::string& text) const;
     /// Waits until a line is, in the form `Error 0x20066 text`, equal to @p text.
-    /// @return false when none has come within @p bound of real time.
-    [[nodiscard]] bool waitFor(const std::string& text,
-                               std::chrono::milliseconds bound = std::chrono::seconds(20)) const;
+    /// @return false when none has come within @p bound.
+    [[nodiscard]] bool waitFor(const std::string& text, Bound bound = generousBound) const;
     /// Forgets the lines so far.
     void clear();
 

@@ -120,7 +120,7 @@ void ManualClock::setWall(Nanoseconds wall)
     m_wall = wall;
 }
 
-bool ManualClock::waitForSleepers(std::size_t count, std::chrono::milliseconds bound)
+bool ManualClock::waitForSleepers(std::size_t count, Bound bound)
 {
     std::unique_lock lock(m_mutex);
     return m_changed.wait_for(lock, bound, [&] { return m_sleepers.size() >= count; });

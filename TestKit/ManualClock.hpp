@@ -3,6 +3,7 @@
 /// A clock that stands still until a test moves it.
 #pragma once
 
+#include "Bound.hpp"
 #include "port/Clock.hpp"
 
 #include <chrono>
@@ -17,9 +18,9 @@ namespace dorn::testkit {
 /// In use as long as it lives: time stamps and time-outs of this process then follow it.
 ///
 ///     ManualClock clock;
-///     ... something arms a time-out of 5 s ...
-///     ASSERT_TRUE(clock.waitForSleepers());   // somebody waits for it
-///     clock.advance(std::chrono::seconds(5)); // now it has passed
+///     std::jthread taker([&] { AaSemTake(sem, 5'000'000); });
+///     ASSERT_TRUE(clock.waitForSleepers());   // it waits
+///     clock.advance(std::chrono::seconds(5)); // its time has passed
 ///
 /// It is made before anything waits and ends when nothing does; what waits without limit does not matter. Its functions
 /// may be called from any thread. Bounds of the TestKit's own waits are real time.
@@ -37,8 +38,7 @@ public:
 
     /// Waits until at least @p count threads wait for a deadline that lies ahead.
     /// @return false when they do not within @p bound of real time.
-    [[nodiscard]] bool waitForSleepers(std::size_t count = 1,
-                                       std::chrono::milliseconds bound = std::chrono::seconds(20));
+    [[nodiscard]] bool waitForSleepers(std::size_t count = 1, Bound bound = generousBound);
     /// The earliest deadline for which somebody waits.
     std::optional<host::Deadline> nextDeadline() const;
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// @file MsgSendingException.hpp
-/// A message that could not be sent; known to users as `HwapiAlarm::MsgSendingException`.
+/// What is thrown when a message could not be made or sent.
 #pragma once
 
 #include "CHwapiException.hpp"

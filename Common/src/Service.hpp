@@ -84,7 +84,7 @@ public:
     /// Called when an observed configuration tag was set, on a thread of the platform.
     virtual void HandleConfigTagChange(std::string tag, unsigned int value);
 
-    /// Returns the service that was constructed last; null before the first.
+    /// Returns the service that was constructed last; null before the first and after its end.
     static Service* Get() { return m_impl; }
 
     /// Runs the service. Blocks until it has ended.

@@ -31,6 +31,14 @@ public:
         }
     }
     unsigned int Run() override { return run ? run() : Service::Run(); }
+    void SetServiceStateRad(unsigned int state) override
+    {
+        states.push_back(state);
+        Service::SetServiceStateRad(state);
+    }
+
+    std::vector<unsigned int> states; ///< as they were given to SetServiceStateRad()
+    unsigned int handled = 0;         ///< for the test's own counting
 
     /// Startup() with these arguments behind the program's name.
     unsigned int start(std::vector<std::string> words = {})

@@ -232,6 +232,29 @@ TEST_F(ServiceMainLoopTest, CancelledMainEuUnwindsAndDestroysTheMessageInHand)
 
 // ------------------------------------------------------------------------------------------------------------ the loop
 
+TEST_F(ServiceMainLoopTest, FamilyExceptionThatIsNotTheServicesOwnIsUnexpected)
+{
+    m_service.init = [this] { m_service.AddMsgDelegate(nullptr); };
+
+    EXPECT_EQ(start(), 0U);
+
+    EXPECT_THAT(
+        m_platform.calls("Error")[0],
+        testing::MatchesRegex("Error 0x20075 Unexpected exception in Common/src/ServiceMainLoop.cpp:[1-9][0-9]*"));
+    EXPECT_EQ(m_platform.parameters[0x22000B], 5U);
+}
+
+TEST_F(ServiceMainLoopTest, StatesArePublishedThroughTheServicesOwnFunction)
+{
+    m_service.run = [this] { return m_service.handled++ == 0 ? m_service.Service::Run() : 0U; };
+    addDelegate(1, [](void*) {});
+    m_platform.queueMessage(1);
+
+    EXPECT_EQ(start(), 1U);
+
+    EXPECT_THAT(m_service.states, ElementsAre(1U, 1U, 2U, 3U, 2U, 4U));
+}
+
 TEST_F(ServiceMainLoopTest, StatesFollowTheMessages)
 {
     addDelegate(1, [](void*) {});

@@ -467,11 +467,11 @@ TEST_F(ServiceStateTest, NameAndPrintsAreThoseOfTheConstruction)
 
 TEST_F(ServiceStateTest, AddressIsTheGrantedCpidOnTheOwnNode)
 {
-    m_service.m_cpId = 0x456;
+    m_service.m_cpId = 0x999; // not the one that was asked for
     m_platform.nid = 0xABCD1234; // the low 16 bits are the node
 
-    EXPECT_EQ(m_service.GetSicad(), 0x12340456U);
-    EXPECT_THAT(m_platform.calls(), ElementsAre("AaSysComSicadGet(0x456, 0x1234)"));
+    EXPECT_EQ(m_service.GetSicad(), 0x12340999U);
+    EXPECT_THAT(m_platform.calls(), ElementsAre("AaSysComSicadGet(0x999, 0x1234)"));
 }
 
 TEST_F(ServiceStateTest, AddressWithoutOwnNodeTakesTheDefaultNode)
@@ -480,6 +480,15 @@ TEST_F(ServiceStateTest, AddressWithoutOwnNodeTakesTheDefaultNode)
     m_platform.nid = 0xABCD0000;
 
     EXPECT_EQ(m_service.GetSicad(), 0x0F010456U);
+}
+
+TEST_F(ServiceStateTest, LastConstructedServiceIsTheProcesssAndOutlivesAnEarlierOne)
+{
+    auto first = std::make_unique<ScriptedService>();
+    const ScriptedService second;
+    EXPECT_EQ(Service::Get(), &second);
+    first.reset();
+    EXPECT_EQ(Service::Get(), &second);
 }
 
 TEST_F(ServiceStateTest, RedundancyCommandIsAnsweredReadyByDefault)

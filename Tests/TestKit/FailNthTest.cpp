@@ -9,6 +9,7 @@
 #include "Peer.hpp"
 #include "Service.hpp"
 
+#include <array>
 #include <cctype>
 #include <filesystem>
 #include <fstream>
@@ -166,9 +167,9 @@ TEST_F(FailNthTest, CallsOfAllThreadsAreCounted)
 {
     const CountCalls<AaProEuCurrent> calls;
     {
-        std::vector<std::jthread> threads;
-        for (int thread = 0; thread < 4; ++thread) {
-            threads.emplace_back([] {
+        std::array<std::jthread, 4> threads;
+        for (std::jthread& thread : threads) {
+            thread = std::jthread([] {
                 for (int call = 0; call < 100; ++call) {
                     AaProEuCurrent();
                 }

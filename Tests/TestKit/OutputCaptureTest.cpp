@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "OutputCapture.hpp"
 
+#include "OpenDescriptors.hpp"
+
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <iostream>
-#include <unistd.h>
 
 namespace dorn::testkit {
 namespace {
@@ -45,15 +46,12 @@ TEST(OutputCaptureTest, OutputGoesWhereItWentBeforeAtTheEnd)
 
 TEST(OutputCaptureTest, NoDescriptorIsLeftOpen)
 {
-    const int before = dup(STDIN_FILENO);
-    close(before);
+    const std::ptrdiff_t before = openDescriptors();
     {
         const OutputCapture output;
     }
-    const int after = dup(STDIN_FILENO);
-    close(after);
 
-    EXPECT_EQ(after, before);
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Process.hpp"
 
+#include "OpenDescriptors.hpp"
 #include "TestNode.hpp"
 
 #include <cerrno>
@@ -146,14 +147,12 @@ TEST(ProcessTest, ProgramThatCannotBeStartedIsAnError)
 
 TEST(ProcessTest, NoDescriptorIsLeftOpen)
 {
-    const int before = dup(STDIN_FILENO);
-    close(before);
+    const std::ptrdiff_t before = openDescriptors();
+
     EXPECT_EQ(Shell("exit 0").waitForEnd(), 0);
     EXPECT_THROW(Process("/no/such/program"), std::system_error);
-    const int after = dup(STDIN_FILENO);
-    close(after);
 
-    EXPECT_EQ(after, before);
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 } // namespace

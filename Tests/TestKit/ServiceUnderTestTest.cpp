@@ -24,6 +24,7 @@ using FailReqMsg = Msg<SNothing, 0x1002>;
 using BlockReqMsg = Msg<SNothing, 0x1003>;
 
 constexpr Bound shortBound(1);
+constexpr Bound noBound = std::chrono::hours(24);
 
 class SampleS : public Service {
 public:
@@ -86,6 +87,13 @@ TEST_F(ServiceUnderTestTest, ServiceThatHasHardlyBegunCanBeEnded)
     EXPECT_EQ(ServiceUnderTest(m_sample).terminate(), 1U);
 }
 
+TEST_F(ServiceUnderTestTest, ServiceThatEndsBeforeItCanBeAskedToIsWaitedFor)
+{
+    const OutputCapture output;
+
+    EXPECT_EQ(ServiceUnderTest(m_sample, {"--help"}).terminate(noBound), 1U);
+}
+
 TEST_F(ServiceUnderTestTest, ArgumentsReachTheService)
 {
     ServiceUnderTest service(m_sample, {"-x"});
@@ -141,7 +149,7 @@ TEST_F(ServiceUnderTestTest, WaitForStateSeesTheEndOfTheService)
     m_peer.send<FailReqMsg>(service.address());
 
     EXPECT_TRUE(service.waitForState(5));
-    EXPECT_FALSE(service.waitForState(2)) << "at once, not after the bound";
+    EXPECT_FALSE(service.waitForState(2, noBound)) << "as soon as it has ended";
     EXPECT_EQ(service.waitForEnd(), 0U);
 }
 

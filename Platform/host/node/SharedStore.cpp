@@ -33,8 +33,8 @@ public:
         if (result < 0) {
             const int error = errno;
             close(m_descriptor);
-            throw EnvironmentError("run directory '" + directory.path() + "' cannot be locked: " +
-                                   std::strerror(error));
+            throw EnvironmentError("run directory '" + directory.path() +
+                                   "' cannot be locked: " + std::strerror(error));
         }
     }
     ~CreationLock() { close(m_descriptor); }

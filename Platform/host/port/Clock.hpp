@@ -43,7 +43,8 @@ public:
     /// The clock in use.
     static Clock& get() { return *s_current.load(std::memory_order_acquire); }
 
-    /// The deadline that lies @p timeout micro-seconds ahead; none for a negative time-out, and for one beyond the scale.
+    /// The deadline that lies @p timeout micro-seconds ahead; none for a negative time-out, and for one beyond the
+    /// scale.
     Deadline after(std::int64_t timeout) const;
 
 private:

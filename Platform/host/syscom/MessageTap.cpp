@@ -42,7 +42,8 @@ std::unique_ptr<Message, MessageDeleter> recordOf(const Message& message, TAaSys
 struct MessageTap::Control {
     SharedStoreHeader header;
     std::atomic<std::uint32_t> active; ///< a bit for each place in use
-    /// A watcher is the use count of its place << 16 | its cpid; a free place has no cpid. No two watchers are the same.
+    /// A watcher is the use count of its place << 16 | its cpid; a free place has no cpid. No two watchers are the
+    /// same.
     std::array<std::atomic<std::uint32_t>, maxWatchers> watchers;
 };
 

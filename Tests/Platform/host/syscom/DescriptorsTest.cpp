@@ -125,6 +125,7 @@ TEST_F(DescriptorsTest, MessagesComeWhileAConnectionCannotEvenBeRefused)
 TEST_F(DescriptorsTest, ConnectionIsTakenWhenThereAreDescriptorsAgain)
 {
     PeerProcess peer;
+    ASSERT_EQ(sendEmpty(1, peer.address()), EAaSysComStatus_Ok); // the way there is open
     {
         const NoDescriptors none;
         peer.tell({.order = Order::Send, .cpid = cpid, .count = 5});
@@ -186,12 +187,15 @@ TEST_F(DescriptorsTest, EuReceivesAlthoughThereIsNoDescriptorToSleepOn)
         EXPECT_EQ(AaSysComMsgReceive(1000), nullptr);
         AaSysComEuWakeUp(AaProEuCurrent());
         EXPECT_EQ(AaSysComMsgReceive(AA_WAIT_FOREVER), nullptr);
+        mayReceive.store(false);
+        mayReceive.notify_all();
         taken = takeId(AA_WAIT_FOREVER);
     });
     eu.wait(0);
     const NoDescriptors none;
     mayReceive.store(true);
     mayReceive.notify_all();
+    mayReceive.wait(true);
     std::unique_ptr<Message, MessageDeleter> message(Message::create(7, 0, 0, 0));
     EXPECT_EQ(postToEu(message, eu.load()), EAaSysComStatus_Ok);
 

@@ -290,7 +290,7 @@ TEST_F(RegistrationBetweenProcessesTest, CpidIsFreeAfterItsProcessHasBeenKilled)
 
 TEST_F(RegistrationBetweenProcessesTest, ProcessKilledWhileItRegistersLeavesNothingBehind)
 {
-    for (int round = 0; round < 5; ++round) {
+    for (int round = 0; round < 3; ++round) {
         PeerProcess peer;
         peer.ask({.order = Order::RegisterForever, .cpid = cpid});
         while (AaSysComUserRegister(cpid, AaProEuCurrent()) == cpid) { // so that both get their turns
