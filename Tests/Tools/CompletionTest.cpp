@@ -71,7 +71,7 @@ TEST_F(CompletionTest, ArgumentsAreThoseThatTheNodeHas)
 
 TEST_F(CompletionTest, OnlyTheFirstArgumentOfSetIsProposed)
 {
-    EXPECT_EQ(proposals({"rad", "set", "HWA/FIRM", ""}, "HWA/FIRM\n"), "");
+    EXPECT_EQ(proposals({"rad", "set", "HWA/FIRM", ""}, "HWA/FIRM\n"), "--help\n-h\n--hex\n--json\n");
     EXPECT_EQ(proposals({"rad", "watch", "HWA/FIRM", ""}, "HWA/FIRM\n"), "HWA/FIRM\n");
 }
 

@@ -1,0 +1,289 @@
+// SPDX-License-Identifier: MIT
+// The waits of the real clock: none ends late for want of a wake-up, and none of those with a limit early without one.
+#include "config/ChildProcess.hpp"
+#include "port/Clock.hpp"
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <new>
+#include <poll.h>
+#include <pthread.h>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <sys/mman.h>
+#include <thread>
+#include <unistd.h>
+
+namespace dorn::host::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A descriptor that is readable once it has been rung, and an epoll descriptor that watches it.
+class Bell {
+public:
+    Bell()
+    {
+        epoll_event event{EPOLLIN, {nullptr}};
+        epoll_ctl(m_epoll, EPOLL_CTL_ADD, m_bell, &event);
+    }
+    ~Bell()
+    {
+        close(m_epoll);
+        close(m_bell);
+    }
+    Bell(const Bell&) = delete;
+    Bell& operator=(const Bell&) = delete;
+
+    int descriptor() const { return m_bell; }
+    int epoll() const { return m_epoll; }
+    void ring() const { eventfd_write(m_bell, 1); }
+
+private:
+    int m_bell = eventfd(0, EFD_CLOEXEC);
+    int m_epoll = epoll_create1(EPOLL_CLOEXEC);
+};
+
+class SystemClockTest : public ::testing::Test {
+protected:
+    Deadline in(Nanoseconds time) const { return m_clock.monotonic() + time; }
+    int waitEvents(Deadline until) const
+    {
+        std::array<epoll_event, 4> events{};
+        return m_clock.waitEvents(m_bell.epoll(), events.data(), 4, until);
+    }
+
+    Clock& m_clock = Clock::get();
+    Bell m_bell;
+    std::atomic<std::uint32_t> m_word{0};
+};
+
+TEST_F(SystemClockTest, MonotonicTimeNeverStepsBack)
+{
+    Nanoseconds before = m_clock.monotonic();
+    for (int count = 0; count < 10000; ++count) {
+        const Nanoseconds now = m_clock.monotonic();
+        ASSERT_GE(now, before);
+        before = now;
+    }
+}
+
+TEST_F(SystemClockTest, WallTimeIsTheSystems)
+{
+    const auto system = std::chrono::system_clock::now().time_since_epoch();
+
+    EXPECT_LT(m_clock.wall() - system, 10s);
+    EXPECT_GE(m_clock.wall(), system);
+}
+
+TEST_F(SystemClockTest, DeadlineLiesTheTimeOutAhead)
+{
+    const Nanoseconds before = m_clock.monotonic();
+    const Deadline deadline = m_clock.after(1500);
+
+    EXPECT_GE(deadline, before + 1500us);
+    EXPECT_LE(deadline, m_clock.monotonic() + 1500us);
+}
+
+TEST_F(SystemClockTest, NegativeTimeOutHasNoDeadline)
+{
+    EXPECT_EQ(m_clock.after(-1), noDeadline);
+    EXPECT_EQ(m_clock.after(INT64_MIN), noDeadline);
+}
+
+TEST_F(SystemClockTest, TimeOutBeyondTheScaleHasNoDeadline)
+{
+    EXPECT_EQ(m_clock.after(INT64_MAX), noDeadline);
+    EXPECT_EQ(m_clock.after(INT64_MAX / 1000), noDeadline);
+    EXPECT_LT(m_clock.after(INT64_MAX / 2000), noDeadline);
+}
+
+TEST_F(SystemClockTest, WaitOnAWordEndsAtItsDeadline)
+{
+    const Deadline until = in(5ms);
+    while (m_clock.monotonic() < until) {
+        m_clock.waitWhile(m_word, 0, until, false); // may return early; a lost deadline would hang
+    }
+}
+
+TEST_F(SystemClockTest, WaitOnAWordThatHasChangedDoesNotSleep)
+{
+    m_clock.waitWhile(m_word, 1, noDeadline, false);
+    m_clock.waitWhile(m_word, 1, noDeadline, true);
+}
+
+TEST_F(SystemClockTest, WakeUpEndsTheWaitOnAWord)
+{
+    std::thread sleeper([this] {
+        while (m_word.load() == 0) {
+            m_clock.waitWhile(m_word, 0, noDeadline, false);
+        }
+    });
+    m_word.store(1);
+    wakeWaiters(m_word, 1, false);
+    sleeper.join();
+}
+
+TEST_F(SystemClockTest, WakeUpReachesTheWaitOfAnotherProcess)
+{
+    void* const memory =
+        mmap(nullptr, sizeof(std::atomic<std::uint32_t>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    auto& word = *new (memory) std::atomic<std::uint32_t>(0);
+    ChildProcess child([&](ChildProcess::Parent& parent) {
+        parent.tell();
+        while (word.load() == 0) {
+            Clock::get().waitWhile(word, 0, noDeadline, true);
+        }
+    });
+    ASSERT_TRUE(child.await());
+    word.store(1);
+    wakeWaiters(word, 1, true);
+
+    EXPECT_TRUE(child.hasSucceeded());
+    munmap(memory, sizeof(std::atomic<std::uint32_t>));
+}
+
+TEST_F(SystemClockTest, WaitForEventsEndsAtItsDeadlineAndNotBefore)
+{
+    for (const Nanoseconds time : {Nanoseconds(1), Nanoseconds(50us), Nanoseconds(5ms)}) {
+        const Deadline until = in(time);
+
+        EXPECT_EQ(waitEvents(until), 0);
+
+        EXPECT_GE(m_clock.monotonic(), until);
+    }
+}
+
+TEST_F(SystemClockTest, WaitForEventsEndsWithAnEvent)
+{
+    m_bell.ring();
+
+    EXPECT_EQ(waitEvents(Deadline(0)), 1);
+    EXPECT_EQ(waitEvents(in(20s)), 1);
+    EXPECT_EQ(waitEvents(noDeadline), 1);
+}
+
+TEST_F(SystemClockTest, EventThatComesLaterEndsTheWait)
+{
+    std::thread ringer([this] { m_bell.ring(); });
+
+    EXPECT_EQ(waitEvents(noDeadline), 1);
+
+    ringer.join();
+}
+
+TEST_F(SystemClockTest, PastDeadlineOnlyLooks)
+{
+    EXPECT_EQ(waitEvents(Deadline(0)), 0);
+    EXPECT_EQ(waitEvents(in(-1s)), 0);
+    EXPECT_FALSE(m_clock.waitDescriptor(m_bell.descriptor(), POLLIN, Deadline(0)));
+    m_clock.waitWhile(m_word, 0, in(-1s), false);
+}
+
+TEST_F(SystemClockTest, WaitForADescriptorEndsAtItsDeadlineAndNotBefore)
+{
+    const Deadline until = in(5ms);
+
+    EXPECT_FALSE(m_clock.waitDescriptor(m_bell.descriptor(), POLLIN, until));
+
+    EXPECT_GE(m_clock.monotonic(), until);
+}
+
+TEST_F(SystemClockTest, WaitForADescriptorEndsWhenItIsReady)
+{
+    EXPECT_TRUE(m_clock.waitDescriptor(m_bell.descriptor(), POLLOUT, noDeadline));
+    m_bell.ring();
+    EXPECT_TRUE(m_clock.waitDescriptor(m_bell.descriptor(), POLLIN, in(20s)));
+}
+
+TEST_F(SystemClockTest, SignalEndsAWaitForEvents)
+{
+    struct sigaction action {};
+    struct sigaction before {};
+    static std::atomic<bool> hasCome{false};
+    hasCome.store(false);
+    action.sa_handler = [](int) { hasCome.store(true); };
+    sigaction(SIGUSR1, &action, &before);
+    std::atomic<bool> isOver{false};
+    std::thread interrupter([&, self = pthread_self()] {
+        while (!isOver.load()) { // until one meets the wait
+            pthread_kill(self, SIGUSR1);
+            std::this_thread::yield();
+        }
+    });
+
+    EXPECT_EQ(waitEvents(noDeadline), 0);
+
+    isOver.store(true);
+    interrupter.join();
+    EXPECT_TRUE(hasCome.load());
+    sigaction(SIGUSR1, &before, nullptr);
+}
+
+/// Waits in a thread that is cancelled. @return whether it unwound.
+template <class Wait>
+bool unwinds(const Wait& wait)
+{
+    struct Scope {
+        std::atomic<bool>& hasLeft;
+        ~Scope() { hasLeft.store(true); }
+    };
+    std::atomic<bool> hasLeft{false};
+    std::atomic<bool> isThere{false};
+    std::thread thread([&] {
+        const Scope scope{hasLeft};
+        isThere.store(true);
+        for (;;) {
+            wait();
+        }
+    });
+    while (!isThere.load()) {
+        std::this_thread::yield();
+    }
+    pthread_cancel(thread.native_handle());
+    thread.join();
+    return hasLeft.load();
+}
+
+TEST_F(SystemClockTest, ThreadThatIsCancelledInAWaitUnwinds)
+{
+    EXPECT_TRUE(unwinds([this] { m_clock.waitWhile(m_word, 0, noDeadline, false); }));
+    EXPECT_TRUE(unwinds([this] { m_clock.waitWhile(m_word, 0, in(60s), false); }));
+    EXPECT_TRUE(unwinds([this] { waitEvents(noDeadline); }));
+    EXPECT_TRUE(unwinds([this] { waitEvents(in(60s)); }));
+    EXPECT_TRUE(unwinds([this] { m_clock.waitDescriptor(m_bell.descriptor(), POLLIN, noDeadline); }));
+}
+
+/// Tells its own time.
+class OtherClock : public Clock {
+public:
+    Nanoseconds monotonic() const override { return 1ns; }
+    Nanoseconds wall() const override { return 2ns; }
+    void waitWhile(std::atomic<std::uint32_t>&, std::uint32_t, Deadline, bool) override {}
+    int waitEvents(int, epoll_event*, int, Deadline) override { return 0; }
+    bool waitDescriptor(int, short, Deadline) override { return false; }
+};
+
+TEST_F(SystemClockTest, AnotherClockIsUsedWithinItsScope)
+{
+    OtherClock other;
+    {
+        const ClockScope scope(other);
+        EXPECT_EQ(&Clock::get(), &other);
+        OtherClock inner;
+        {
+            const ClockScope innerScope(inner);
+            EXPECT_EQ(&Clock::get(), &inner);
+        }
+        EXPECT_EQ(&Clock::get(), &other);
+    }
+    EXPECT_EQ(&Clock::get(), &m_clock);
+}
+
+} // namespace
+} // namespace dorn::host::test
