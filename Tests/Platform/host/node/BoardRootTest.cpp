@@ -45,6 +45,8 @@ TEST_F(BoardRootTest, NoPathLeadsAboveTheRoot)
     EXPECT_EQ(boardPath("/../../etc/passwd"), "/board/etc/passwd");
     EXPECT_EQ(boardPath("/ram/../../etc"), "/board/etc");
     EXPECT_EQ(boardPath("/ram/./x"), "/board/ram/x");
+    EXPECT_EQ(boardPath("//etc//passwd"), "/board/etc/passwd");
+    EXPECT_EQ(boardPath("/.."), "/board/");
 }
 
 TEST_F(BoardRootTest, RelativePathIsNone)

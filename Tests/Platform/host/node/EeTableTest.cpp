@@ -18,6 +18,15 @@ namespace {
 class OtherProcess {
 public:
     OtherProcess(const RunDirectory& directory, const std::string& name, std::uint16_t cpid)
+        : OtherProcess([&] {
+              EeTable table(directory);
+              table.enter(name, cpid);
+              table.noteCpid(cpid, name + "Main");
+              table.notePublished(0x220001, 2);
+          })
+    {
+    }
+    explicit OtherProcess(const std::function<void()>& body)
     {
         int ready[2];
         EXPECT_EQ(pipe(ready), 0);
@@ -162,6 +171,56 @@ TEST_F(EeTableTest, CpidThatWasGivenUpIsForgotten)
     EXPECT_TRUE(table.holderOf(0x0301));
     table.forgetCpid(0x0301);
     EXPECT_FALSE(table.holderOf(0x0301));
+}
+
+TEST_F(EeTableTest, OldestDeadProcessMakesRoomInAFullTable)
+{
+    ManualClock clock(std::chrono::seconds(1000));
+    EeTable table(m_directory);
+    for (std::size_t place = 0; place < EeTable::capacity; ++place) {
+        clock.setWall(std::chrono::seconds(place == 700 ? 500 : 1000 + place));
+        EeTable(m_directory).enter("Past" + std::to_string(place), 0); // gives its place up at once
+    }
+    EXPECT_EQ(table.list().size(), EeTable::capacity);
+    table.enter("FanS", 0x0301);
+    const auto list = table.list();
+    EXPECT_EQ(list.size(), EeTable::capacity);
+    EXPECT_EQ(list[700].name, "FanS");
+    EXPECT_TRUE(list[700].alive);
+}
+
+TEST_F(EeTableTest, ProcessForWhichThereIsNoPlaceIsLoggedAndNotListed)
+{
+    const LogCapture log;
+    for (std::size_t place = 0; place < EeTable::capacity; ++place) {
+        EeTable(m_directory).enter("Past", 0); // the same place again and again
+        EeTable(m_directory).enter("Past" + std::to_string(place), 0);
+    }
+    const OtherProcess holder(m_directory, [&] {
+        const SharedStore store(m_directory, "ees", storeFormat);
+        for (std::size_t place = 0; place < EeTable::capacity; ++place) {
+            store.lock(place);
+        }
+        pause();
+    });
+    EeTable table(m_directory);
+    table.enter("FanS", 0x0301);
+    table.notePublished(1, 1);
+    table.noteCpid(0x0301, "FanSMain");
+    table.forgetCpid(0x0301);
+    EXPECT_FALSE(table.holderOf(0x0301));
+    EXPECT_EQ(log.texts(), std::vector<std::string>{
+                               "Warning 0x0 EE FanS is not in the node's list: it has no more than 1024 places"});
+}
+
+TEST_F(EeTableTest, SecondEntryGivesThePlaceANewName)
+{
+    EeTable table(m_directory);
+    table.enter("FanS", 0x0301);
+    table.enter("LedS", 0x0302);
+    ASSERT_EQ(table.list().size(), 1U);
+    EXPECT_EQ(table.list().front().name, "LedS");
+    EXPECT_TRUE(table.list().front().alive);
 }
 
 TEST_F(EeTableTest, LongNameIsCut)

@@ -1,16 +1,24 @@
 // SPDX-License-Identifier: MIT
 #include "node/RunDirectory.hpp"
 
+#include "FailingFilePort.hpp"
 #include "NodeTest.hpp"
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace dorn::host;
+using dorn::testkit::FailingFilePort;
+using dorn::testkit::FileOperation;
 using dorn::testkit::TestNode;
 
 namespace {
@@ -107,7 +115,74 @@ TEST_F(RunDirectoryTest, RelativePathAndStepsUpAreRefused)
 
 TEST_F(RunDirectoryTest, DirectoryThatCannotBeMadeIsToldWithTheReason)
 {
-    EXPECT_EQ(refusal("/proc/dorn"), "run directory '/proc/dorn': cannot be made: No such file or directory");
+    const std::string advice = "; set DORN_RUN_DIR to a directory of your own";
+    EXPECT_EQ(refusal("/proc/dorn"), "run directory '/proc/dorn': cannot be made: No such file or directory" + advice);
+    const FailingFilePort files(FileOperation::MakeDirectory, 1, EACCES);
+    EXPECT_EQ(refusal(m_base + "/run"),
+              "run directory '" + m_base + "/run': cannot be made: Permission denied" + advice);
+}
+
+TEST_F(RunDirectoryTest, DirectoryWithTooLongANameIsToldWithTheReason)
+{
+    const std::string path = m_base + "/" + std::string(300, 'n');
+    EXPECT_EQ(refusal(path), "run directory '" + path +
+                                 "': cannot be opened: File name too long; set DORN_RUN_DIR to a directory of your "
+                                 "own");
+}
+
+TEST_F(RunDirectoryTest, DirectoriesOnTheWayNeedNotBeReadable)
+{
+    // As a user whom rights bind: root is made one.
+    constexpr uid_t nobody = 65534;
+    const uid_t user = geteuid() == 0 ? nobody : geteuid();
+    const std::string way = m_base + "/way";
+    std::filesystem::create_directories(way + "/run");
+    for (const std::string& path : {way, way + "/run"}) {
+        ASSERT_EQ(chown(path.c_str(), user, static_cast<gid_t>(-1)), 0);
+    }
+    chmod((way + "/run").c_str(), 0700);
+    chmod(way.c_str(), 0300);
+    for (const std::string& path : {std::filesystem::path(m_base).parent_path().string(), m_base}) {
+        chmod(path.c_str(), 0711);
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool isUser = seteuid(user) == 0;
+        _exit(isUser && refusal(way + "/run").empty() ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    chmod(way.c_str(), 0700);
+
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(RunDirectoryTest, SocketFitsHoweverLongThePathIs)
+{
+    std::string path = m_base;
+    while (path.size() < 1000) {
+        path += "/" + std::string(100, 'n');
+    }
+    const RunDirectory directory(path, 0x0F01);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string name = directory.shortPath("socket");
+    ASSERT_LT(name.size(), sizeof address.sun_path);
+    std::copy(name.begin(), name.end(), address.sun_path);
+    const int socket = ::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
+
+    EXPECT_EQ(bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+
+    close(socket);
+    EXPECT_TRUE(std::filesystem::is_socket(path + "/0f01/socket"));
+}
+
+TEST_F(RunDirectoryTest, SubdirectoryIsMadeOnce)
+{
+    const RunDirectory directory(m_base + "/run", 0x0F01);
+    directory.makeSubdirectory("cpid");
+    directory.makeSubdirectory("cpid");
+    EXPECT_EQ(modeOf(m_base + "/run/0f01/cpid"), 0700U);
 }
 
 TEST_F(RunDirectoryTest, EnvironmentNamesItInThisOrder)

@@ -4,11 +4,16 @@
 #include "FailingFilePort.hpp"
 #include "NodeTest.hpp"
 
+#include <atomic>
 #include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace dorn::host;
@@ -49,6 +54,21 @@ pid_t startChild(Body body)
     close(ready[0]);
     close(ready[1]);
     return child;
+}
+
+/// Whether the kernel lists somebody who waits for the record lock on byte @p index.
+bool isWaitedFor(const SharedStore& store, std::size_t index)
+{
+    struct stat status {};
+    fstat(store.descriptor(), &status);
+    const std::string place = ":" + std::to_string(status.st_ino) + " " + std::to_string(index) + " ";
+    std::ifstream locks("/proc/locks");
+    for (std::string line; std::getline(locks, line);) {
+        if (line.find("->") != std::string::npos && line.find(place) != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
 }
 
 void killChild(pid_t child)
@@ -109,6 +129,34 @@ TEST_F(SharedStoreTest, FullDiskIsAnErrorAndLeavesNothing)
     }
 }
 
+TEST_F(SharedStoreTest, DiskThatIsFullInTheMiddleIsAnErrorAndLeavesNothing)
+{
+    for (const std::uint64_t room : {std::uint64_t{0}, std::uint64_t{format.size - 1}, std::uint64_t{format.size},
+                                     std::uint64_t{format.size + sizeof(SharedStoreHeader) - 1}}) {
+        const FullDisk disk(room);
+        EXPECT_THROW(SharedStore(m_directory, "store", format), EnvironmentError) << room;
+        EXPECT_EQ(filesInDirectory(), 0U);
+    }
+}
+
+TEST_F(SharedStoreTest, WithoutDescriptorsNothingIsMade)
+{
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    rlimit none = before;
+    none.rlim_cur = 0;
+    setrlimit(RLIMIT_NOFILE, &none);
+    try {
+        const SharedStore store(m_directory, "store", format);
+        ADD_FAILURE();
+    } catch (const EnvironmentError& error) {
+        EXPECT_EQ(error.what(),
+                  "run directory '" + m_directory.path() + "' cannot be locked: Too many open files");
+    }
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(filesInDirectory(), 0U);
+}
+
 TEST_F(SharedStoreTest, DamagedStoreIsSetAsideAndMadeAnew)
 {
     std::ofstream(m_directory.path() + "/store") << "not a store";
@@ -152,6 +200,41 @@ TEST_F(SharedStoreTest, LockExcludesOtherProcessesUntilTheHolderDies)
     killChild(child);
     EXPECT_EQ(store.lockHolder(5), 0);
     EXPECT_TRUE(store.tryLock(5));
+}
+
+TEST_F(SharedStoreTest, LocksThatDifferentThreadsWaitForAreNoDeadlock)
+{
+    const SharedStore store(m_directory, "store", format);
+    int go[2];
+    int done[2];
+    ASSERT_EQ(pipe(go), 0);
+    ASSERT_EQ(pipe(done), 0);
+    char byte = 0;
+    const pid_t child = startChild([&] {
+        store.lock(5);
+        std::thread waiter([&] {
+            [[maybe_unused]] const ssize_t got = read(go[0], &byte, 1);
+            store.lock(6); // this process holds 5, for which the other waits: no thread waits for itself, though
+            [[maybe_unused]] const ssize_t told = write(done[1], "x", 1);
+        });
+        waiter.detach();
+    });
+    ASSERT_TRUE(store.tryLock(6));
+    std::thread waiter([&] { store.lock(5); });
+    while (!isWaitedFor(store, 5)) {
+    }
+    ASSERT_EQ(write(go[1], "x", 1), 1);
+
+    pollfd entry{done[0], POLLIN, 0};
+    EXPECT_EQ(poll(&entry, 1, 100), 0) << "the child has the lock that this process holds";
+
+    store.unlock(6);
+    EXPECT_EQ(poll(&entry, 1, 20000), 1);
+    killChild(child);
+    waiter.join();
+    for (const int descriptor : {go[0], go[1], done[0], done[1]}) {
+        close(descriptor);
+    }
 }
 
 TEST_F(SharedStoreTest, LockThatWasGivenUpIsFree)
