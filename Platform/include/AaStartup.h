@@ -26,8 +26,8 @@ int32_t AaStartupEeStartup(void);
 typedef void (*TAaStartupShutdownHandler)(void);
 
 /// Sets the function to be called when the process has been asked to end; null restores the system's own behaviour.
-/// A second request while the process is still ending takes the system's own behaviour, so that a hung process can be
-/// ended.
+/// Requests that follow within a second count as the same one. A later one, while the process is still ending, takes the
+/// system's own behaviour, so that a hung process can be ended.
 void AaStartupSetShutdownHandler(TAaStartupShutdownHandler handler);
 
 #ifdef __cplusplus

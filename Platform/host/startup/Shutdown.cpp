@@ -1,16 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "AaStartup.h"
 
+#include "port/Clock.hpp"
+
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
+#include <cstdint>
 
 namespace {
 
 constexpr std::array<int, 3> endingSignals{SIGTERM, SIGINT, SIGHUP};
 
+/// Requests within this time are one: who ends a process often tells it and its process group.
+constexpr std::int64_t oneRequest = std::chrono::nanoseconds(std::chrono::seconds(1)).count();
+constexpr std::int64_t never = -1;
+
 std::atomic<TAaStartupShutdownHandler> shutdownHandler{nullptr};
+std::atomic<std::int64_t> firstRequest{never};
 
 void restoreDefaults()
 {
@@ -21,12 +30,18 @@ void restoreDefaults()
     }
 }
 
-void onEndingSignal(int)
+void onEndingSignal(int signal)
 {
     const int saved = errno;
-    restoreDefaults(); // so that a second request ends a process that hangs
-    if (const TAaStartupShutdownHandler handler = shutdownHandler.load()) {
-        handler();
+    const std::int64_t now = dorn::host::Clock::get().monotonic().count();
+    std::int64_t first = never;
+    if (firstRequest.compare_exchange_strong(first, now)) {
+        if (const TAaStartupShutdownHandler handler = shutdownHandler.load()) {
+            handler();
+        }
+    } else if (now - first >= oneRequest) {
+        restoreDefaults(); // the process hangs
+        raise(signal);
     }
     errno = saved;
 }
@@ -36,6 +51,7 @@ void onEndingSignal(int)
 void AaStartupSetShutdownHandler(TAaStartupShutdownHandler handler)
 {
     shutdownHandler.store(handler);
+    firstRequest.store(never);
     if (!handler) {
         restoreDefaults();
         return;

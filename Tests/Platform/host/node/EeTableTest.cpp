@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "node/EeTable.hpp"
 
+#include "LogCapture.hpp"
 #include "ManualClock.hpp"
 #include "TestNode.hpp"
 
 #include <csignal>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,29 +19,31 @@ namespace {
 /// Another process with a place in the table, until it is killed.
 class OtherProcess {
 public:
+    using Stay = std::function<void()>;
+
     OtherProcess(const RunDirectory& directory, const std::string& name, std::uint16_t cpid)
-        : OtherProcess([&] {
+        : OtherProcess([&](const Stay& stay) {
               EeTable table(directory);
               table.enter(name, cpid);
               table.noteCpid(cpid, name + "Main");
               table.notePublished(0x220001, 2);
+              stay();
           })
     {
     }
-    explicit OtherProcess(const std::function<void()>& body)
+    /// @param body calls the function that it is given when it has done what it is there for.
+    explicit OtherProcess(const std::function<void(const Stay& stay)>& body)
     {
         int ready[2];
         EXPECT_EQ(pipe(ready), 0);
         m_pid = fork();
         if (m_pid == 0) {
-            EeTable table(directory);
-            table.enter(name, cpid);
-            table.noteCpid(cpid, name + "Main");
-            table.notePublished(0x220001, 2);
-            [[maybe_unused]] const ssize_t written = write(ready[1], "x", 1);
-            for (;;) {
-                pause();
-            }
+            body([&] {
+                [[maybe_unused]] const ssize_t written = write(ready[1], "x", 1);
+                for (;;) {
+                    pause();
+                }
+            });
         }
         char byte = 0;
         EXPECT_EQ(read(ready[0], &byte, 1), 1);
@@ -66,6 +70,22 @@ private:
 
 class EeTableTest : public ::testing::Test {
 protected:
+    static constexpr std::size_t headerSize = 64;
+    static constexpr SharedStoreFormat storeFormat{0x44524E45, 1, headerSize + EeTable::capacity * sizeof(EeRecord)};
+
+    /// As after many processes that have all ended; the one in place 700 was the first.
+    void fillTable() const
+    {
+        const SharedStore store(m_directory, "ees", storeFormat);
+        auto* const records = reinterpret_cast<EeRecord*>(store.data() + headerSize);
+        for (std::size_t place = 0; place < EeTable::capacity; ++place) {
+            records[place].name = {'P', 'a', 's', 't'};
+            records[place].since.store(place == 700 ? 1 : static_cast<std::int64_t>(2000 + place));
+            records[place].published[0].id.store(1);
+            records[place].pid.store(1);
+        }
+    }
+
     TestNode m_node;
     RunDirectory m_directory{m_node.runDirectory(), 0x0F01};
 };
@@ -175,40 +195,35 @@ TEST_F(EeTableTest, CpidThatWasGivenUpIsForgotten)
 
 TEST_F(EeTableTest, OldestDeadProcessMakesRoomInAFullTable)
 {
-    ManualClock clock(std::chrono::seconds(1000));
+    fillTable();
     EeTable table(m_directory);
-    for (std::size_t place = 0; place < EeTable::capacity; ++place) {
-        clock.setWall(std::chrono::seconds(place == 700 ? 500 : 1000 + place));
-        EeTable(m_directory).enter("Past" + std::to_string(place), 0); // gives its place up at once
-    }
     EXPECT_EQ(table.list().size(), EeTable::capacity);
     table.enter("FanS", 0x0301);
     const auto list = table.list();
     EXPECT_EQ(list.size(), EeTable::capacity);
     EXPECT_EQ(list[700].name, "FanS");
     EXPECT_TRUE(list[700].alive);
+    EXPECT_TRUE(list[700].published.empty());
 }
 
 TEST_F(EeTableTest, ProcessForWhichThereIsNoPlaceIsLoggedAndNotListed)
 {
-    const LogCapture log;
-    for (std::size_t place = 0; place < EeTable::capacity; ++place) {
-        EeTable(m_directory).enter("Past", 0); // the same place again and again
-        EeTable(m_directory).enter("Past" + std::to_string(place), 0);
-    }
-    const OtherProcess holder(m_directory, [&] {
+    fillTable();
+    const OtherProcess thousands([&](const OtherProcess::Stay& stay) {
         const SharedStore store(m_directory, "ees", storeFormat);
         for (std::size_t place = 0; place < EeTable::capacity; ++place) {
             store.lock(place);
         }
-        pause();
+        stay();
     });
+    const LogCapture log;
     EeTable table(m_directory);
     table.enter("FanS", 0x0301);
     table.notePublished(1, 1);
     table.noteCpid(0x0301, "FanSMain");
     table.forgetCpid(0x0301);
-    EXPECT_FALSE(table.holderOf(0x0301));
+    EXPECT_EQ(table.list().size(), EeTable::capacity);
+    EXPECT_EQ(table.list()[700].name, "Past");
     EXPECT_EQ(log.texts(), std::vector<std::string>{
                                "Warning 0x0 EE FanS is not in the node's list: it has no more than 1024 places"});
 }

@@ -150,8 +150,7 @@ TEST_F(SharedStoreTest, WithoutDescriptorsNothingIsMade)
         const SharedStore store(m_directory, "store", format);
         ADD_FAILURE();
     } catch (const EnvironmentError& error) {
-        EXPECT_EQ(error.what(),
-                  "run directory '" + m_directory.path() + "' cannot be locked: Too many open files");
+        EXPECT_EQ(error.what(), "run directory '" + m_directory.path() + "' cannot be locked: Too many open files");
     }
     setrlimit(RLIMIT_NOFILE, &before);
     EXPECT_EQ(filesInDirectory(), 0U);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AaStartup.h"
 #include "AaConfigTag.h"
+#include "ManualClock.hpp"
 #include "NodeTest.hpp"
 #include "node/EeTable.hpp"
 #include "node/PerNode.hpp"
@@ -73,12 +74,24 @@ TEST_P(ShutdownTest, RequestToEndCallsTheHandlerOnce)
     EXPECT_EQ(shutdowns, 1);
 }
 
-TEST_P(ShutdownTest, SecondRequestEndsTheProcess)
+TEST_P(ShutdownTest, RequestsWithinASecondAreOne)
+{
+    ManualClock clock;
+    AaStartupSetShutdownHandler(countShutdown);
+    raise(GetParam());
+    clock.advance(std::chrono::milliseconds(999));
+    raise(GetParam());
+    EXPECT_EQ(shutdowns, 1);
+}
+
+TEST_P(ShutdownTest, RequestAfterASecondEndsTheProcess)
 {
     const pid_t child = fork();
     if (child == 0) {
+        ManualClock clock;
         AaStartupSetShutdownHandler(countShutdown);
         raise(GetParam());
+        clock.advance(std::chrono::seconds(1));
         raise(GetParam());
         _exit(0);
     }
