@@ -90,8 +90,8 @@ public:
     /// Runs the service. Blocks until it has ended.
     ///
     /// A request to end the process lets the message in hand be finished and ends the service normally; one that comes
-    /// before the main EU waits for its first message is kept until then. One that follows after more than a second ends the process at
-    /// once.
+    /// before the main EU waits for its first message is kept until then. One that follows after more than a second
+    /// ends the process at once.
     /// @return 1 when the service ended normally or the command line asked for help; 0 when the command line is wrong
     ///   (told on standard error), the main EU could not be created, or it ended because of an exception (both logged).
     /// @throws InitFailedException when the platform could not be brought up.
