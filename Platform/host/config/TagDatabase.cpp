@@ -322,12 +322,10 @@ void TagWrite::appendToJournal(const std::string& name, TagView value)
     MDB_val key = toValue(number.data(), number.size());
     MDB_val data = toValue(nullptr, 1 + name.size() + value.size());
     require(mdb_put(m_transaction, m_database.m_journal, &key, &data, MDB_RESERVE | MDB_APPEND));
-    auto* to = static_cast<unsigned char*>(data.mv_data);
-    *to = static_cast<unsigned char>(name.size());
-    std::memcpy(to + 1, name.data(), name.size());
-    if (!value.empty()) {
-        std::memcpy(to + 1 + name.size(), value.data(), value.size());
-    }
+    auto* to = static_cast<std::byte*>(data.mv_data);
+    *to++ = static_cast<std::byte>(name.size());
+    to = std::copy_n(reinterpret_cast<const std::byte*>(name.data()), name.size(), to);
+    std::copy(value.begin(), value.end(), to);
     const SequenceKey next = toKey(++m_sequence);
     MDB_val stateKey = toValue("sequence", 8);
     MDB_val stateData = toValue(next.data(), next.size());

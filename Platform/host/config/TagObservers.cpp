@@ -59,10 +59,6 @@ TagObservers::Id TagObservers::add(const std::string& name, Function function, T
     Observer observer{++m_lastId, key, 0, m_ownSequence, std::move(function)};
     {
         TagWrite write(m_database);
-        m_slot = m_control.claim();
-        if (!m_slot) {
-            throw TagError("too many processes observe tags");
-        }
         start();
         if (!isProcessTag(name)) {
             beginJournal(write);
@@ -74,10 +70,15 @@ TagObservers::Id TagObservers::add(const std::string& name, Function function, T
     return id;
 }
 
+/// Called inside a TagWrite. The slot is settled before the thread is there, which reads it without the lock.
 void TagObservers::start()
 {
     if (m_thread.joinable()) {
         return;
+    }
+    m_slot = m_control.claim();
+    if (!m_slot) {
+        throw TagError("too many processes observe tags");
     }
     try {
         const SignalsBlocked untilStarted;

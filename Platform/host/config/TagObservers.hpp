@@ -82,8 +82,8 @@ private:
     std::condition_variable m_callEnded;
     Observers m_observers;
     Id m_lastId = 0;
-    Id m_running = 0; ///< the observer that is being called
-    TagSlot* m_slot = nullptr;
+    Id m_running = 0;          ///< the observer that is being called
+    TagSlot* m_slot = nullptr; ///< set once, before the thread is started
     std::uint64_t m_epoch = 0; ///< counts how often this process has begun to read the journal
     std::deque<TagJournalEntry> m_own;
     std::uint64_t m_ownSequence = 0;

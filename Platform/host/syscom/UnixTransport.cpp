@@ -31,6 +31,8 @@ EAaSysComStatus whyNotConnected(int error)
     }
 }
 
+constexpr int greatestAttempts = 16;
+
 bool isPeerGone(int error)
 {
     return error == EPIPE || error == ECONNRESET || error == ENOTCONN || error == ECONNREFUSED;
@@ -89,8 +91,9 @@ UnixTransport::~UnixTransport()
 
 EAaSysComStatus UnixTransport::send(TAaSysComCpid receiver, std::span<const std::byte> frame, Nanoseconds patience)
 {
-    // A connection may have outlived its receiver; then the cpid's present holder is looked for once.
-    for (int attempt = 0; attempt < 2; ++attempt) {
+    // A connection may have outlived its receiver, and a receiver short of descriptors ends new ones at once: the
+    // cpid's present holder is looked for again, until there is none.
+    for (int attempt = 0; attempt < greatestAttempts; ++attempt) {
         EAaSysComStatus status = EAaSysComStatus_NoReceiver;
         const Connection* const connection = recentConnectionTo(receiver, status);
         if (!connection) {

@@ -322,7 +322,9 @@ TEST_F(ProcessLogTest, ChildOfAForkHasALogOfItsOwn)
 TEST_F(ProcessLogTest, ChildThatPrintsNothingDoesNotKeepItsDeadParentAlive)
 {
     int toChild[2];
+    int toTest[2];
     ASSERT_EQ(pipe(toChild), 0);
+    ASSERT_EQ(pipe(toTest), 0);
     const pid_t parent = fork();
     if (parent == 0) {
         print("parent");
@@ -330,17 +332,21 @@ TEST_F(ProcessLogTest, ChildThatPrintsNothingDoesNotKeepItsDeadParentAlive)
         if (child == 0) {
             ::close(toChild[1]);
             char byte = 0;
-            _exit(static_cast<int>(::read(toChild[0], &byte, 1))); // until the test lets it go
+            [[maybe_unused]] const ssize_t told = ::write(toTest[1], &byte, 1); // it has come out of fork()
+            _exit(static_cast<int>(::read(toChild[0], &byte, 1)));              // until the test lets it go
         }
         _exit(0);
     }
     waitpid(parent, nullptr, 0);
+    char byte = 0;
+    ASSERT_EQ(::read(toTest[0], &byte, 1), 1);
     const std::vector<ProcessLogInfo> logs = LogReader().list();
     ASSERT_EQ(logs.size(), 1U);
     EXPECT_EQ(logs[0].pid, parent);
     EXPECT_FALSE(logs[0].alive);
-    ::close(toChild[0]);
-    ::close(toChild[1]);
+    for (const int end : {toChild[0], toChild[1], toTest[0], toTest[1]}) {
+        ::close(end);
+    }
 }
 
 TEST_F(ProcessLogTest, RunDirectoryThatCannotBeUsedIsReportedOnce)

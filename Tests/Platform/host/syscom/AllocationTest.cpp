@@ -1,44 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Counts what is allocated: `malloc` of the library through the linker, `new` by its replacement.
+#include "AllocationCount.hpp"
 #include "PeerProcess.hpp"
 #include "SysComTest.hpp"
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
-namespace {
-
-std::atomic<unsigned> mallocs{0};
-std::atomic<unsigned> news{0};
-
-} // namespace
-
-extern "C" {
-void* __real_malloc(std::size_t size);
-void* __wrap_malloc(std::size_t size)
-{
-    mallocs.fetch_add(1);
-    return __real_malloc(size);
-}
-}
-
-void* operator new(std::size_t size)
-{
-    news.fetch_add(1);
-    if (void* const block = __real_malloc(size)) {
-        return block;
-    }
-    throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept
-{
-    std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept
-{
-    std::free(block);
-}
+#include <utility>
 
 namespace dorn::host::test {
 namespace {
@@ -51,10 +16,10 @@ protected:
     template <class Work>
     static std::pair<unsigned, unsigned> allocatedBy(const Work& work)
     {
-        const unsigned mallocsBefore = mallocs.load();
-        const unsigned newsBefore = news.load();
+        const unsigned mallocsBefore = mallocCount();
+        const unsigned newsBefore = newCount();
         work();
-        return {mallocs.load() - mallocsBefore, news.load() - newsBefore};
+        return {mallocCount() - mallocsBefore, newCount() - newsBefore};
     }
 };
 
