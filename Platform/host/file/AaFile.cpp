@@ -7,7 +7,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <exception>
 #include <fcntl.h>
 #include <new>
 #include <string>
@@ -29,8 +28,7 @@ std::string placeOf(const char* path)
         return {};
     }
     try {
-        std::string place = boardPath(path);
-        return place;
+        return boardPath(path);
     } catch (const std::bad_alloc&) {
         errno = ENOMEM;
         return {};
@@ -177,5 +175,10 @@ int32_t AaFileCreateDir(const char* path)
     while (place.size() > 1 && place.back() == '/') {
         place.pop_back();
     }
-    return dorn::host::makeDirectories(place) ? 0 : 1;
+    try {
+        return dorn::host::makeDirectories(place) ? 0 : 1;
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+        return 1;
+    }
 }

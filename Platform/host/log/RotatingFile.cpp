@@ -78,7 +78,8 @@ void RotatingFile::rotateIfFull()
     if (end < 0 || static_cast<std::size_t>(end) < m_limits.size) {
         return;
     }
-    while (flock(m_file.get(), LOCK_EX) != 0 && errno == EINTR) {
+    if (flock(m_file.get(), LOCK_EX | LOCK_NB) != 0) {
+        return; // another process is at it; it is looked at again after the next line
     }
     if (isCurrent()) {
         rotate();

@@ -89,13 +89,15 @@ public:
         }
     }
 
-    /// Takes what has been handed over, after making sure that nothing can follow.
-    void takeRest()
+    /// Takes what has been handed over, after making sure that nothing can follow. @return whether there was any.
+    bool takeRest()
     {
         shutdown(m_socket.get(), SHUT_RD);
         ReceiveBuffer buffer; // of its own, as this may run while the thread's variables are ending
+        const bool hasAny = hasMessages();
         while (takeSome(m_endpoint.m_sink, buffer)) { // as much as the kernel keeps, whether or not it is welcome
         }
+        return hasAny;
     }
 
 private:
@@ -121,11 +123,13 @@ private:
         return true;
     }
 
-    bool hasEnded() const
+    bool hasMessages() const
     {
         int queued = 0;
-        return hasHungUp() && ioctl(m_socket.get(), FIONREAD, &queued) == 0 && queued == 0;
+        return ioctl(m_socket.get(), FIONREAD, &queued) == 0 && queued > 0;
     }
+
+    bool hasEnded() const { return hasHungUp() && !hasMessages(); }
 
     void close()
     {
@@ -194,7 +198,8 @@ void UnixEndpoint::onReadable()
 }
 
 /// Without descriptors a connection cannot be kept, and would be reported as waiting without end: it is taken in place
-/// of the spare descriptor and ended, so that its sender learns of it. What it has brought is taken in before.
+/// of the spare descriptor and ended, so that its sender learns of it. What it has brought is taken in before. A sender
+/// that had not come to sending yet will come again, and is then left the time for it.
 /// @return false when another thread has taken the spare descriptor's place.
 bool UnixEndpoint::turnAway()
 {
@@ -202,8 +207,9 @@ bool UnixEndpoint::turnAway()
     UnixSocket socket(accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
     const bool isTaken = static_cast<bool>(socket);
     ucred credentials{};
-    if (isTaken && isCredible(socket, credentials)) {
-        Connection(*this, std::move(socket), credentials.pid).takeRest();
+    if (isTaken && isCredible(socket, credentials) &&
+        !Connection(*this, std::move(socket), credentials.pid).takeRest()) {
+        m_waitSet.holdOff();
     }
     socket = UnixSocket(-1);
     m_spare = UnixSocket::make();

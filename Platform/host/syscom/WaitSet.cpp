@@ -17,7 +17,7 @@ namespace {
 
 constexpr int eventsAtOnce = 16;
 
-/// How long a source that cannot be served is left alone.
+/// How long sources are left alone when one of them cannot be served.
 constexpr std::chrono::milliseconds holdOffTime{10};
 
 } // namespace
@@ -48,11 +48,32 @@ void WaitSet::ring() noexcept
     errno = saved;
 }
 
+void WaitSet::holdOff()
+{
+    m_heldOffUntil.store((Clock::get().monotonic() + holdOffTime).count(), std::memory_order_relaxed);
+}
+
+/// Waits while the sources are to be left alone. @return false when they still are.
+bool WaitSet::isServing(Deadline until)
+{
+    const Deadline end(m_heldOffUntil.load(std::memory_order_relaxed));
+    if (end == Deadline(0)) {
+        return true;
+    }
+    if (until != Deadline(0)) {
+        Clock::get().waitDescriptor(-1, 0, std::min(until, end)); // on none: a ring stays for the wait that follows
+    }
+    if (Clock::get().monotonic() < end) {
+        return false;
+    }
+    m_heldOffUntil.store(0, std::memory_order_relaxed);
+    return true;
+}
+
 void WaitSet::wait(Deadline until)
 {
-    if (until != Deadline(0) && m_isHeldOff.exchange(false, std::memory_order_relaxed)) {
-        // On no descriptor, so that a ring is still there for the wait that follows.
-        Clock::get().waitDescriptor(-1, 0, std::min(until, Clock::get().monotonic() + holdOffTime));
+    if (!isServing(until)) {
+        return;
     }
     std::array<epoll_event, eventsAtOnce> events; // NOLINT: filled by the call
     const std::uint32_t removalsBefore = m_removals.load(std::memory_order_acquire);

@@ -45,17 +45,19 @@ public:
     bool add(int descriptor, WaitSource& source);
     /// To be called with mutex() held, before the source ends.
     void remove(int descriptor);
-    /// Called by a source that has to leave its descriptor readable: the next wait() begins with a moment's rest.
-    void holdOff() { m_isHeldOff.store(true, std::memory_order_relaxed); }
+    /// Called by a source that cannot serve its peers now: no source is served for a moment.
+    void holdOff();
 
     /// Guards the sources: held while they are served, to be held while they are added or ended by another thread.
     std::recursive_mutex& mutex() { return m_mutex; }
 
 private:
+    bool isServing(Deadline until);
+
     std::recursive_mutex m_mutex;
     std::atomic<std::uint32_t> m_removals{0};
     std::atomic<std::int32_t> m_sources{0};
-    std::atomic<bool> m_isHeldOff{false};
+    std::atomic<std::int64_t> m_heldOffUntil{0}; ///< on Clock::monotonic()'s scale, ns; 0 when it is not
     int m_epoll;
     int m_bell;
 };

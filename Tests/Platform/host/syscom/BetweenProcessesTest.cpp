@@ -4,6 +4,8 @@
 #include "RawSender.hpp"
 #include "SysComTest.hpp"
 #include "eu/TestEu.hpp"
+#include "node/PerNode.hpp"
+#include "syscom/CpidRegistry.hpp"
 #include "syscom/MessageQueue.hpp"
 
 #include <array>
@@ -404,6 +406,31 @@ TEST_F(BetweenProcessesTest, ProgramRunWhileEusWorkDoesNotDisturbThem)
 
     EXPECT_EQ(check.outOfOrder(), 0U);
     EXPECT_TRUE(m_log.texts().empty());
+}
+
+TEST_F(BetweenProcessesTest, EndOfAForkedProcessLeavesTheCpidsOfItsParentAlone)
+{
+    PeerProcess peer;
+    ASSERT_EQ(peer.ask({.order = Order::Register, .cpid = cpid}).first, cpid);
+
+    peer.ask({.order = Order::Fork});
+
+    PeerProcess other; // has no connection yet
+    EXPECT_EQ(other.ask({.order = Order::Send, .cpid = cpid, .count = 1}).first, 1U);
+    EXPECT_EQ(peer.ask({.order = Order::Deregister, .cpid = cpid}).first, 0U); // it still answers
+}
+
+TEST_F(BetweenProcessesTest, ClosingTheNodeTakesInWhatWasSent)
+{
+    ASSERT_EQ(AaSysComUserRegister(cpid, AaProEuCurrent()), cpid);
+    FrameHeader header = goodHeader(addressOf(cpid));
+    header.sender = addressOf(0x0042);
+    RawSender(m_node.nodeDirectory(), cpid).send(frameOf(header));
+
+    closeNode();
+
+    EXPECT_EQ(PerNode<CpidRegistry>::ifOpen(), nullptr);
+    EXPECT_EQ(takeId(), 0x55U);
 }
 
 TEST_F(BetweenProcessesTest, ReceiverWhoseConnectionsAreNeverTakenDoesNotBlockTheSender)

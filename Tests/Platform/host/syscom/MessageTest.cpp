@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "AaConfigTag.h"
 #include "SysComTest.hpp"
 #include "eu/TestEu.hpp"
 
@@ -227,6 +228,18 @@ TEST(OwnNodeTest, NodeWithoutIdIsReachedUnderZeroAndUnderTheFirst)
     EXPECT_EQ(sendEmpty(3, AaSysComSicadGet(cpid, 0x0F02)), EAaSysComStatus_NoRoute);
     EXPECT_EQ(takeId(), 1U);
     EXPECT_EQ(takeId(), 2U);
+}
+
+TEST(NodeMapTest, BoardAndCpuOfANodeAreLookedUpInTheTags)
+{
+    const TestNode node;
+    AaConfigTagSetU32("sys.nmap.0f02.board", 3);
+    AaConfigTagSetU32("sys.nmap.0f02.cpu", 7);
+
+    EXPECT_EQ(AaSysComNmapGetBoard(AaSysComSicadGet(0x1234, 0x0F02)), 3U);
+    EXPECT_EQ(AaSysComNmapGetCpu(AaSysComSicadGet(0x1234, 0x0F02)), 7U);
+    EXPECT_EQ(AaSysComNmapGetBoard(AaSysComSicadGet(0x1234, 0x0F03)), 0U);
+    EXPECT_EQ(AaSysComNmapGetCpu(AaSysComSicadGet(0x1234, 0x0F03)), 0U);
 }
 
 TEST(OwnNodeTest, NodeWithAnIdIsNotReachedUnderZero)

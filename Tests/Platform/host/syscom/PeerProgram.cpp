@@ -10,7 +10,10 @@
 
 #include <atomic>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace dorn::host::test {
 namespace {
@@ -140,6 +143,15 @@ std::uint32_t returnMessages(const Command& command, TAaSysComSicad asker)
     return count;
 }
 
+void forkAndEnd()
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        std::exit(0); // with all that the end of a process and of its thread brings
+    }
+    waitpid(child, nullptr, 0);
+}
+
 std::uint32_t runWorker(Worker& worker, const char* name, TAaSysComEuEntry entry, const Command& command)
 {
     worker.start(name, entry, command);
@@ -183,6 +195,9 @@ Answer carryOut(const Command& command, TAaSysComSicad asker)
         return {returnMessages(command, asker), 0, 0};
     case Order::Watch:
         return {runWorker(watcher, "Watcher", watchNode, command), 0, 0};
+    case Order::Fork:
+        forkAndEnd();
+        break;
     case Order::Exit:
         break;
     }

@@ -27,6 +27,7 @@ enum class Order : std::uint32_t {
     Collected,       ///< `first` patterns were taken, `second` of them broken, `third` out of order
     Return,          ///< sends `count` messages of `size` bytes to the asker as fast as it can, each in answer to one
     Watch,           ///< an EU becomes a watcher of the node and takes nothing; `first` is its cpid, or 0
+    Fork,            ///< forks a process that ends at once, as a program does that cannot be started
     Exit             ///< returns from `main`
 };
 
