@@ -59,27 +59,33 @@ struct ManualClock::Sleeper {
     }
 };
 
-/// Has the clock know a sleeper while it lives, also when its thread is cancelled.
+/// Has the clock know a sleeper whose deadline lies ahead, while this object lives; also when its thread is cancelled.
 class ManualClock::Registration {
 public:
     Registration(ManualClock& clock, const Sleeper& sleeper) : m_clock(clock)
     {
         const std::lock_guard lock(m_clock.m_mutex);
-        m_place = m_clock.m_sleepers.insert(m_clock.m_sleepers.end(), sleeper);
-        m_clock.m_changed.notify_all();
+        if (sleeper.until > m_clock.m_monotonic) {
+            m_place = m_clock.m_sleepers.insert(m_clock.m_sleepers.end(), sleeper);
+            m_clock.m_changed.notify_all();
+        }
     }
     ~Registration()
     {
-        const std::lock_guard lock(m_clock.m_mutex);
-        m_clock.m_sleepers.erase(m_place);
-        m_clock.m_changed.notify_all();
+        if (isAhead()) {
+            const std::lock_guard lock(m_clock.m_mutex);
+            m_clock.m_sleepers.erase(*m_place);
+            m_clock.m_changed.notify_all();
+        }
     }
     Registration(const Registration&) = delete;
     Registration& operator=(const Registration&) = delete;
 
+    bool isAhead() const { return m_place.has_value(); }
+
 private:
     ManualClock& m_clock;
-    std::list<Sleeper>::iterator m_place;
+    std::optional<std::list<Sleeper>::iterator> m_place;
 };
 
 ManualClock::ManualClock(Nanoseconds wall) : m_monotonic(firstMonotonic), m_wall(wall) {}
@@ -153,7 +159,7 @@ void ManualClock::waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expe
         return;
     }
     const Registration registration(*this, {.until = until, .word = &word, .isShared = shared});
-    if (until > monotonic()) {
+    if (registration.isAhead()) {
         m_real.waitWhile(word, expected, noDeadline, shared);
     }
 }
@@ -163,9 +169,7 @@ int ManualClock::waitEvents(int epollDescriptor, epoll_event* events, int capaci
     if (until == noDeadline) {
         return m_real.waitEvents(epollDescriptor, events, capacity, noDeadline);
     }
-    if (until > monotonic()) {
-        sleepOn(epollDescriptor, POLLIN, until);
-    }
+    sleepOn(epollDescriptor, POLLIN, until);
     return m_real.waitEvents(epollDescriptor, events, capacity, atOnce);
 }
 
@@ -174,18 +178,19 @@ bool ManualClock::waitDescriptor(int descriptor, short events, Deadline until)
     if (until == noDeadline) {
         return m_real.waitDescriptor(descriptor, events, noDeadline);
     }
-    if (until > monotonic()) {
-        sleepOn(descriptor, events, until);
-    }
+    sleepOn(descriptor, events, until);
     return m_real.waitDescriptor(descriptor, events, atOnce);
 }
 
 void ManualClock::sleepOn(int descriptor, short events, Deadline until)
 {
+    if (until <= monotonic()) {
+        return; // the usual look without waiting; needs no bell
+    }
     const Bell bell;
     const Registration registration(*this, {.until = until, .bell = bell.descriptor()});
     std::array<pollfd, 2> entries{pollfd{descriptor, events, 0}, pollfd{bell.descriptor(), POLLIN, 0}};
-    if (until > monotonic()) {
+    if (registration.isAhead()) {
         poll(entries.data(), entries.size(), -1);
     }
 }

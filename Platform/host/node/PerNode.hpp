@@ -3,6 +3,8 @@
 /// Things of which a process has one per node: opened at first use, closed together.
 #pragma once
 
+#include "log/CancellationOff.hpp"
+
 #include <atomic>
 #include <memory>
 #include <mutex>
@@ -33,6 +35,7 @@ public:
 private:
     static T& open()
     {
+        const CancellationOff off; // opening is no wait, and closes descriptors in destructors
         const std::lock_guard lock(s_mutex);
         T* instance = s_instance.load(std::memory_order_acquire);
         if (!instance) {
