@@ -167,7 +167,7 @@ Message* MessageQueue::receive(Deadline until, const std::span<const std::uint16
             lookAtDescriptors();
             return message;
         }
-        if (takeOverInbound()) {
+        if (takeOverInbound() || serveLastDescriptor()) {
             continue;
         }
         if (until == Deadline(0)) {
@@ -197,6 +197,17 @@ bool MessageQueue::hasDescriptors() const
 {
     const WaitSet* const set = m_waitSet.load(std::memory_order_acquire);
     return set && set->hasSources();
+}
+
+/// Takes what has come in the meantime where messages came from last. @return whether there was any.
+bool MessageQueue::serveLastDescriptor()
+{
+    if (!hasDescriptors() || isPendingFull()) {
+        return false;
+    }
+    const Message* const lastBefore = m_last;
+    waitSet().serveLast();
+    return m_last != lastBefore;
 }
 
 /// Takes what is there at the descriptors now. @return whether messages came.

@@ -72,6 +72,7 @@ private:
     bool noteSpin(bool hasPaidOff);
     bool sleep(Deadline until);
     bool hasDescriptors() const;
+    bool serveLastDescriptor();
     bool serveDescriptors();
     void lookAtDescriptors();
     WaitSet* waitSetIfPossible();

@@ -87,8 +87,20 @@ void WaitSet::wait(Deadline until)
     }
     for (int index = 0; index < count; ++index) {
         if (auto* const source = static_cast<WaitSource*>(events[static_cast<std::size_t>(index)].data.ptr)) {
+            m_lastServed = source;
             source->onReadable();
         }
+    }
+}
+
+void WaitSet::serveLast()
+{
+    if (!isServing(Deadline(0))) {
+        return;
+    }
+    const std::lock_guard lock(m_mutex);
+    if (m_lastServed) {
+        m_lastServed->onReadable();
     }
 }
 
@@ -113,6 +125,7 @@ bool WaitSet::add(int descriptor, WaitSource& source)
 
 void WaitSet::remove(int descriptor)
 {
+    m_lastServed = nullptr;
     m_removals.fetch_add(1, std::memory_order_acq_rel);
     if (epoll_ctl(m_epoll, EPOLL_CTL_DEL, descriptor, nullptr) == 0) { // else it could not be added
         m_sources.fetch_sub(1, std::memory_order_relaxed);

@@ -36,6 +36,10 @@ public:
     /// sources.
     void wait(Deadline until);
 
+    /// Serves the source that was served last, readable or not: a stream of messages from one peer costs no system call
+    /// for finding out whose they are.
+    void serveLast();
+
     /// Waits until the bell has been rung since @p isRung was last false, at most until @p until; serves nothing.
     void waitForRing(Deadline until, const std::atomic<bool>& isRung);
 
@@ -55,6 +59,7 @@ private:
     bool isServing(Deadline until);
 
     std::recursive_mutex m_mutex;
+    WaitSource* m_lastServed = nullptr; ///< null when it is not in the set any more; guarded by m_mutex
     std::atomic<std::uint32_t> m_removals{0};
     std::atomic<std::int32_t> m_sources{0};
     std::atomic<std::int64_t> m_heldOffUntil{0}; ///< on Clock::monotonic()'s scale, ns; 0 when it is not
