@@ -138,6 +138,7 @@ private:
 ServiceUnderTest::ServiceUnderTest(Service& service, const std::vector<std::string>& arguments)
     : m_service(service), m_barrier(std::make_shared<Barrier>())
 {
+    service.RemoveMsgDelegate(barrierId); // an earlier one's
     service.AddMsgDelegate(std::make_unique<Barrier::Delegate>(m_barrier).release());
     std::vector<std::string> commandLine{"Dorn" + service.GetName() + "Exe"};
     commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());

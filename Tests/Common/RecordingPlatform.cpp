@@ -345,13 +345,14 @@ void AaSysComEuWakeUp(TAaProEuId euId)
 AaSemReMutex* AaSemReMutexCreate()
 {
     note("AaSemReMutexCreate()");
-    return reinterpret_cast<AaSemReMutex*>(new int);
+    static std::deque<int> mutexes; // kept, as a service that is not the last one leaves its own behind
+    return reinterpret_cast<AaSemReMutex*>(&mutexes.emplace_back());
 }
 
 void AaSemReMutexDestroy(AaSemReMutex** mutex)
 {
     note("AaSemReMutexDestroy()");
-    delete reinterpret_cast<int*>(std::exchange(*mutex, nullptr));
+    *mutex = nullptr;
 }
 
 // ------------------------------------------------------------------------------------------------- the seam: messages

@@ -2,6 +2,7 @@
 #include "DornCommand.hpp"
 
 #include "NodeTest.hpp"
+#include "Sanitizers.hpp"
 #include "config/RadStore.hpp"
 #include "init/ApiStartup.h"
 #include "rad/ERadHwapi.h"
@@ -15,7 +16,10 @@ namespace {
 /// A node with the domain "HWA", which this process has registered.
 class DornRadTest : public testkit::NodeTest {
 protected:
-    DornRadTest() { EXPECT_EQ(AaConfigRadRegisterDomain(RAD_HWAPI_DOMAIN, "HWA", ApiStartupInitializeRadParameters), 0); }
+    DornRadTest()
+    {
+        EXPECT_EQ(AaConfigRadRegisterDomain(RAD_HWAPI_DOMAIN, "HWA", ApiStartupInitializeRadParameters), 0);
+    }
 
     /// Moves a parameter that no test asks for until the command prints it.
     static bool isWatching(DornCommand& watch)
@@ -79,10 +83,11 @@ TEST_F(DornRadTest, ListShowsWhatIsNotTheDefault)
 {
     AaConfigRadSetValue(ERadHwapi_PrintFirmware, 7);
 
-    EXPECT_EQ(dorn({"rad", "list", "HWA", "--changed"}), (CommandResult{0,
-                                                                        "ID       DOMAIN  NAME  VALUE  DEFAULT\n"
-                                                                        "0x20054  HWA     FIRM  7      0        changed\n",
-                                                                        ""}));
+    EXPECT_EQ(dorn({"rad", "list", "HWA", "--changed"}),
+              (CommandResult{0,
+                             "ID       DOMAIN  NAME  VALUE  DEFAULT\n"
+                             "0x20054  HWA     FIRM  7      0        changed\n",
+                             ""}));
     EXPECT_EQ(dorn({"rad", "list", "--changed", "--json"}), (CommandResult{0, R"([
   {
     "id": 131156,
@@ -113,6 +118,9 @@ TEST_F(DornRadTest, ListShowsAllOfADomain)
 
 TEST_F(DornRadTest, WatchPrintsEachChange)
 {
+    if (test::hasThreadSanitizer) {
+        GTEST_SKIP() << test::signalIsKeptBack;
+    }
     DornCommand watch({"rad", "watch"});
     ASSERT_TRUE(isWatching(watch));
 
@@ -148,6 +156,9 @@ TEST_F(DornRadTest, WatchThatSeesTooLittleInItsTimeIsANo)
 
 TEST_F(DornRadTest, WatchEndsWithSigtermToo)
 {
+    if (test::hasThreadSanitizer) {
+        GTEST_SKIP() << test::signalIsKeptBack;
+    }
     DornCommand watch({"rad", "watch"});
     ASSERT_TRUE(isWatching(watch));
 

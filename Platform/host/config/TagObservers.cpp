@@ -2,6 +2,8 @@
 #include "config/TagObservers.hpp"
 
 #include "AaSysLog.h"
+#include "log/Log.hpp"
+#include "node/PerNode.hpp"
 
 #include <algorithm>
 #include <csignal>
@@ -76,6 +78,7 @@ void TagObservers::start()
     if (m_thread.joinable()) {
         return;
     }
+    PerNode<Log>::get(); // which the thread prints to, and which is therefore to be closed after it
     m_slot = m_control.claim();
     if (!m_slot) {
         throw TagError("too many processes observe tags");

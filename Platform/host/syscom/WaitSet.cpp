@@ -115,6 +115,7 @@ void WaitSet::waitForRing(Deadline until, const std::atomic<bool>& isRung)
 
 bool WaitSet::add(int descriptor, WaitSource& source)
 {
+    const std::lock_guard lock(m_mutex); // what the source is was written before the waiting thread looks at it
     epoll_event event{EPOLLIN, {&source}};
     if (epoll_ctl(m_epoll, EPOLL_CTL_ADD, descriptor, &event) != 0) {
         return false;

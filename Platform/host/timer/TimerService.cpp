@@ -3,6 +3,7 @@
 
 #include "AaSysLog.h"
 #include "eu/Eu.hpp"
+#include "log/Log.hpp"
 #include "node/PerNode.hpp"
 #include "syscom/Post.hpp"
 
@@ -52,6 +53,7 @@ TAaTimerId TimerService::arm(TAaProEuId eu, Deadline deadline, const void* ident
 {
     const std::lock_guard lock(m_mutex);
     if (!m_thread.joinable()) {
+        PerNode<Log>::get(); // which the thread prints to, and which is therefore to be closed after it
         m_thread = std::thread(&TimerService::run, this);
     }
     const TAaTimerId id = lastId.fetch_add(1) + 1;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A process that may not use real-time scheduling starts EUs that ask for it, and tells what they got.
 #include "AaSysCom.h"
+#include "Sanitizers.hpp"
 
 #include <cstdio>
 #include <initializer_list>
@@ -8,6 +9,8 @@
 #include <sched.h>
 #include <sys/resource.h>
 #include <unistd.h>
+
+DORN_NO_LEAK_CHECK();
 
 namespace {
 

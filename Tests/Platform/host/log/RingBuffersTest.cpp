@@ -6,6 +6,7 @@
 #include "LogCapture.hpp"
 #include "LogFixture.hpp"
 #include "ManualClock.hpp"
+#include "Sanitizers.hpp"
 
 #include <atomic>
 #include <cstring>
@@ -193,9 +194,9 @@ TEST_F(RingBufferTest, SizeZeroIsRefused)
 
 TEST_F(RingBufferTest, NoMemoryIsTold)
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "a sanitizer needs the address space that this test takes away";
-#endif
+    if (dorn::test::hasAddressSanitizer || dorn::test::hasThreadSanitizer) {
+        GTEST_SKIP() << "a sanitizer needs the address space that this test takes away";
+    }
     const auto add = [] {
         const rlimit limit{1U << 30U, 1U << 30U};
         setrlimit(RLIMIT_AS, &limit);

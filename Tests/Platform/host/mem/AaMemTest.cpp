@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AaMem.h"
 
+#include "Sanitizers.hpp"
 #include "TestNode.hpp"
 
 #include <cstddef>
@@ -93,9 +94,9 @@ TEST(AaMemTest, ReferencesOfSeveralThreadsAreCounted)
 
 TEST(AaMemDeathTest, NoMemoryGivesNull)
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "a sanitizer needs the address space that this test takes away";
-#endif
+    if (dorn::test::hasAddressSanitizer || dorn::test::hasThreadSanitizer) {
+        GTEST_SKIP() << "a sanitizer needs the address space that this test takes away";
+    }
     const auto allocate = [] {
         const rlimit limit{1U << 30U, 1U << 30U};
         setrlimit(RLIMIT_AS, &limit);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The waits of the real clock: none ends late for want of a wake-up, and none of those with a limit early without one.
+#include "Sanitizers.hpp"
 #include "config/ChildProcess.hpp"
 #include "port/Clock.hpp"
 
@@ -252,6 +253,9 @@ bool unwinds(const Wait& wait)
 
 TEST_F(SystemClockTest, ThreadThatIsCancelledInAWaitUnwinds)
 {
+    if (dorn::test::hasAddressSanitizer) {
+        GTEST_SKIP() << dorn::test::unwindingIsNotKnown;
+    }
     EXPECT_TRUE(unwinds([this] { m_clock.waitWhile(m_word, 0, noDeadline, false); }));
     EXPECT_TRUE(unwinds([this] { m_clock.waitWhile(m_word, 0, in(60s), false); }));
     EXPECT_TRUE(unwinds([this] { waitEvents(noDeadline); }));

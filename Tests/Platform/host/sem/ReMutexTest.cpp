@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "AaSem.h"
 
+#include "Sanitizers.hpp"
+
 #include <gtest/gtest.h>
 #include <memory>
 #include <thread>
 #include <vector>
+
+DORN_NO_MUTEX_REPORTS(); // for gives that are refused
 
 namespace dorn::host::test {
 namespace {

@@ -2,12 +2,15 @@
 // A process that may have no second thread arms a time-out in vain, and another when it may.
 #include "AaSysCom.h"
 #include "AaTimer.h"
+#include "Sanitizers.hpp"
 
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <sys/resource.h>
 #include <unistd.h>
+
+DORN_NO_LEAK_CHECK();
 
 int main()
 {
