@@ -5,7 +5,6 @@
 #include "InvalidParameterException.hpp"
 
 #include <exception>
-#include <utility>
 
 namespace vel::hwapi::common {
 
@@ -23,20 +22,15 @@ void Service::AddMsgDelegate(MsgDelegateBase* delegate)
 
 void Service::RemoveMsgDelegate(unsigned int msgId)
 {
-    const auto found = m_delegates.find(msgId);
-    if (found == m_delegates.end()) {
+    // Out of the table first: the delegate's destructor may use the table, even register a successor.
+    const auto removed = m_delegates.extract(msgId);
+    if (removed.empty()) {
         return;
     }
-    // By id: the delegate's destructor may have changed the table.
     try {
-        delete std::exchange(found->second, nullptr);
-        m_delegates.erase(msgId);
+        delete removed.mapped();
     } catch (const std::exception&) {
-        m_delegates.erase(msgId);
         throw RuntimeException("RemoveMsgDelegate failed", __FILE__, __LINE__);
-    } catch (...) {
-        m_delegates.erase(msgId);
-        throw;
     }
 }
 

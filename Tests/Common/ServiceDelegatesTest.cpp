@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 
@@ -146,6 +147,56 @@ TEST_F(ServiceDelegatesTest, DelegateThatRemovesItsIdAtItsEndIsDeletedOnce)
     EXPECT_EQ(m_ends, 2);
 }
 
+/// Does something at its end.
+class LastWords : public MsgDelegateBase {
+public:
+    LastWords(unsigned int msgId, std::function<void()> words) : MsgDelegateBase(msgId), m_words(std::move(words)) {}
+    ~LastWords() override { m_words(); }
+    void HandleMsg(void* /*message*/) override {}
+
+private:
+    std::function<void()> m_words;
+};
+
+TEST_F(ServiceDelegatesTest, DelegateMayRegisterItsSuccessorAtItsEnd)
+{
+    m_service->AddMsgDelegate(
+        new LastWords(0x1234, [this] { m_service->AddMsgDelegate(delegate(0x1234, "successor").release()); }));
+
+    m_service->RemoveMsgDelegate(0x1234);
+    handle(0x1234);
+
+    EXPECT_THAT(m_handledBy, ElementsAre("successor"));
+    m_service.reset();
+    EXPECT_EQ(m_ends, 1);
+}
+
+TEST_F(ServiceDelegatesTest, DelegateMayRemoveItsIdAndThenRegisterItsSuccessorAtItsEnd)
+{
+    m_service->AddMsgDelegate(new LastWords(0x1234, [this] {
+        m_service->RemoveMsgDelegate(0x1234);
+        m_service->AddMsgDelegate(delegate(0x1234, "successor").release());
+    }));
+
+    m_service->RemoveMsgDelegate(0x1234);
+    handle(0x1234);
+
+    EXPECT_THAT(m_handledBy, ElementsAre("successor"));
+}
+
+TEST_F(ServiceDelegatesTest, MessageThatComesAtTheEndOfItsDelegateIsUnknown)
+{
+    m_service->AddMsgDelegate(new LastWords(0x1234, [this] { handle(0x1234); }));
+    m_platform.clearCalls();
+
+    m_service->RemoveMsgDelegate(0x1234);
+
+    EXPECT_THAT(m_platform.calls("Error"),
+                ElementsAre("Error 0x20075 Unknown message received: id=0x1234 receiver=0x0F010456 "
+                            "sender=0x0F010123"));
+    EXPECT_EQ(m_platform.liveMessages(), 0U);
+}
+
 TEST_F(ServiceDelegatesTest, DelegatesAreDeletedWithTheService)
 {
     m_service->AddMsgDelegate(delegate(0x1234, "first").release());
@@ -179,6 +230,7 @@ TEST_F(ServiceDelegatesTest, StandardExceptionOutOfARemovalBecomesARuntimeExcept
         EXPECT_STREQ(exception.what(), "Runtime error");
         EXPECT_EQ(exception.getDescription(), "RemoveMsgDelegate failed");
         EXPECT_EQ(exception.getFile(), "Common/src/ServiceDelegates.cpp");
+        EXPECT_GT(exception.getLine(), 0);
     }
     EXPECT_FALSE(m_service->HasMsgDelegate(0x1234));
 }
