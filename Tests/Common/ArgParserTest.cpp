@@ -154,6 +154,42 @@ TEST_F(ArgParserTest, DescriptionOf256CharactersIsCutTo255AndEndsTheReading)
     EXPECT_EQ(m_parser.GetHelp(), defaultHelp + "\t-x\n\t\t" + description + "\n");
 }
 
+TEST_F(ArgParserTest, DescriptionOf255CharactersAtTheEndOfTheTextIsKept)
+{
+    const std::string description = " " + std::string(254, 'd');
+    m_parser.SetArgumentInfo("-x" + description);
+
+    EXPECT_EQ(m_parser.ReadArgument("x"), "arg off");
+    EXPECT_EQ(m_parser.GetHelp(), defaultHelp + "\t-x\n\t\t" + description + "\n");
+}
+
+TEST_F(ArgParserTest, DescriptionOf256CharactersAtTheEndOfTheTextIsCutTo255)
+{
+    const std::string description = " " + std::string(254, 'd');
+    m_parser.SetArgumentInfo("-x" + description + "d");
+
+    EXPECT_EQ(m_parser.GetHelp(), defaultHelp + "\t-x\n\t\t" + description + "\n");
+}
+
+TEST_F(ArgParserTest, LongFormOfOneLetterIsDeclaredWithItsValue)
+{
+    m_parser.SetArgumentInfo("--a=N Amount\n");
+
+    EXPECT_EQ(m_parser.ReadArgument("a"), "arg off");
+    EXPECT_EQ(m_parser.GetHelp(), defaultHelp + "\t--a=N\n\t\t Amount\n");
+    EXPECT_EQ(parse({"--a=7"}), "");
+    EXPECT_EQ(m_parser.ReadArgument("a"), "7");
+}
+
+TEST_F(ArgParserTest, LongFormWithoutANameDeclaresTheEmptyName)
+{
+    m_parser.SetArgumentInfo("--=x Nameless\n");
+
+    EXPECT_EQ(m_parser.ReadArgument(""), "arg off");
+    EXPECT_EQ(parse({"--=yz"}), "");
+    EXPECT_EQ(m_parser.ReadArgument(""), "yz");
+}
+
 TEST_F(ArgParserTest, LaterDeclarationIsReadAlthoughAnEarlierTextWasCut)
 {
     m_parser.SetArgumentInfo("-x " + std::string(300, 'd') + "\n-y Lost\n");
@@ -261,6 +297,21 @@ TEST_F(ArgParserTest, LongFormSetsAShortOptionToItsValue)
     EXPECT_EQ(m_parser.ReadArgument("h"), "3");
 }
 
+TEST_F(ArgParserTest, UnknownLongFormOfOneLetterIsReportedByItsName)
+{
+    EXPECT_EQ(parse({"--a=N"}), " --a");
+}
+
+TEST_F(ArgParserTest, LongFormWithoutANameIsReportedAsItsDashes)
+{
+    EXPECT_EQ(parse({"--=x"}), " --");
+}
+
+TEST_F(ArgParserTest, ThreeCharactersAreNoLongFormEvenWithAnEqualsSign)
+{
+    EXPECT_EQ(parse({"--="}), " --=");
+}
+
 // ---------------------------------------------------------------------------------------------------------- the rest
 
 TEST_F(ArgParserTest, ArgumentWithoutDashIsReportedWhole)
@@ -300,6 +351,16 @@ TEST_F(ArgParserTest, NoArgumentsAtAllAreUnderstood)
     EXPECT_EQ(m_parser.Parse(0, argv), "");
     EXPECT_EQ(m_parser.Parse(3, nullptr), "");
     EXPECT_EQ(m_parser.Parse(0, nullptr), "");
+}
+
+TEST_F(ArgParserTest, NegativeNumberOfArgumentsIsNone)
+{
+    std::string words[] = {"program", "-h", "foo"};
+    char* argv[] = {words[0].data(), words[1].data(), words[2].data()};
+
+    EXPECT_EQ(m_parser.Parse(-1, argv), "");
+    EXPECT_EQ(m_parser.Parse(-3, argv), "");
+    EXPECT_EQ(m_parser.ReadArgument("h"), "arg off");
 }
 
 TEST_F(ArgParserTest, NullEntriesArePassedOver)

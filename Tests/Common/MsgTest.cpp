@@ -62,6 +62,18 @@ TEST_F(MsgTest, SizeIsCutTo16Bits)
     msg.Destroy();
 }
 
+TEST_F(MsgTest, NegativeSizeIsCutTo16Bits)
+{
+    ReadingMsg msg(0x0F010456, -1);
+
+    EXPECT_THAT(m_platform.calls(), ElementsAre("AaSysComMsgCreate(4660, 65535, 0xF010456)"));
+    const auto* bytes = reinterpret_cast<const unsigned char*>(msg.GetPayload());
+    EXPECT_EQ(msg->sensor, 0U);
+    EXPECT_EQ(bytes[8], 0xEE);
+    EXPECT_EQ(bytes[65534], 0xEE);
+    msg.Destroy();
+}
+
 TEST_F(MsgTest, SizeBelowTheRecordClearsOnlyWhatThereIs)
 {
     ReadingMsg msg(0x0F010456, 65536 + 3); // a write behind the three bytes is found by the address sanitizer
@@ -109,6 +121,20 @@ TEST_F(MsgTest, ReceivedMessageIsReadWhateverItsId)
     EXPECT_EQ(msg->unit, 4);
     EXPECT_EQ(msg.GetId(), 0x4321U);
     EXPECT_THAT(m_platform.calls(), IsEmpty());
+    AaSysComMsgDestroy(&received);
+}
+
+TEST_F(MsgTest, ReceivedMessageWithoutPayloadHasNone)
+{
+    void* received = m_platform.createMessage(0x1234, 0, 0x0F010456);
+
+    ReadingMsg msg(received);
+
+    EXPECT_EQ(msg.GetPayload(), nullptr);
+    EXPECT_EQ(msg.operator->(), nullptr);
+    EXPECT_EQ(msg.GetId(), 0x1234U);
+    EXPECT_EQ(msg.GetReceiver(), 0x0F010456U);
+    msg.ClearPayload();
     AaSysComMsgDestroy(&received);
 }
 

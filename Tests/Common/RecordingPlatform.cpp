@@ -305,9 +305,8 @@ void(AaSysLogPrint)(EAaSysLogSeverityLevel severity, const char* format, ...)
 std::int32_t AaProEeGetDefaultSchedulingPolicy(EAaProEuSchedulingPolicy* policy)
 {
     const std::int32_t result = note(formatted("AaProEeGetDefaultSchedulingPolicy(%d)", static_cast<int>(*policy)));
-    if (result == 0) {
-        *policy = RecordingPlatform::get().policy;
-    }
+    const RecordingPlatform& platform = RecordingPlatform::get();
+    *policy = result == 0 ? platform.policy : platform.policyOfFailure.value_or(*policy);
     return result;
 }
 

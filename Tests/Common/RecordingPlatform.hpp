@@ -13,6 +13,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -42,7 +43,8 @@ public:
         grantCpid; ///< what AaSysComUserRegister() grants; unset: what was asked
     TAaSysComNid nid = 0x0F01;
     EAaProEuSchedulingPolicy policy = EAaProEuSchedulingPolicy_Fifo;
-    std::map<std::uint32_t, std::uint32_t> parameters; ///< R&D parameters by identifier
+    std::optional<EAaProEuSchedulingPolicy> policyOfFailure; ///< what a call that fails stores; unset: nothing
+    std::map<std::uint32_t, std::uint32_t> parameters;       ///< R&D parameters by identifier
     bool canCreateMessages = true;
 
     /// What happens when a message is waited for and none is there: a test calls wakeUp() or queueMessage() here.

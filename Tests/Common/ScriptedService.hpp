@@ -53,6 +53,7 @@ public:
     }
 
     using Service::m_cpId;
+    using Service::m_useCommonServiceState;
     using Service::m_wfctMapSem;
 };
 

@@ -140,6 +140,7 @@ TEST_F(ServiceMainLoopTest, StandardExceptionOfADelegateIsLoggedAndBecomesARunti
         EXPECT_STREQ(exception.what(), "Runtime error");
         EXPECT_EQ(exception.getDescription(), "std::exception in Run()");
         EXPECT_EQ(exception.getFile(), "Common/src/ServiceMainLoop.cpp");
+        EXPECT_GT(exception.getLine(), 0);
     }
     EXPECT_THAT(m_platform.calls(),
                 ElementsAre("AaSysComMsgReceive(-1)", "AaConfigRadSetValue(0x22000B, 3)",
@@ -158,13 +159,18 @@ TEST_F(ServiceMainLoopTest, InitFailedExceptionOfADelegateIsAnExceptionLikeOther
 
 TEST_F(ServiceMainLoopTest, RuntimeExceptionOfADelegateComesThroughAsACopy)
 {
-    addDelegate(0x1234, [](void*) { throw Service::RuntimeException("out of order", "Port.cpp", 77); });
+    class OutOfOrder : public Service::RuntimeException {
+    public:
+        OutOfOrder() : RuntimeException("out of order", "Port.cpp", 77) {}
+    };
+    addDelegate(0x1234, [](void*) { throw OutOfOrder(); });
     m_platform.queueMessage(0x1234);
 
     try {
         m_service.Run();
         FAIL() << "nothing thrown";
     } catch (const Service::RuntimeException& exception) {
+        EXPECT_EQ(dynamic_cast<const OutOfOrder*>(&exception), nullptr);
         EXPECT_EQ(exception.getDescription(), "out of order");
         EXPECT_EQ(exception.getFile(), "Port.cpp");
         EXPECT_EQ(exception.getLine(), 77);
@@ -195,7 +201,7 @@ TEST_F(ServiceMainLoopTest, ExceptionOfADelegateEndsTheServiceWithStateFive)
     EXPECT_EQ(calls[1], "Error 0x20075 Message handling failed 0x1234");
     EXPECT_EQ(calls[2], "AaSysComMsgDestroy(4660)");
     EXPECT_THAT(calls[3], testing::MatchesRegex("Error 0x20075 Runtime error : std::exception in Run\\(\\) \\(file: "
-                                                "Common/src/ServiceMainLoop.cpp, line: [0-9]+\\)"));
+                                                "Common/src/ServiceMainLoop.cpp, line: [1-9][0-9]*\\)"));
     EXPECT_EQ(calls[4], "AaConfigRadSetValue(0x22000B, 5)");
     EXPECT_EQ(calls[5], "Error 0x20075 Ping main EU died unexpectedly");
     EXPECT_EQ(calls[6], "AaStartupSetShutdownHandler(null)");
@@ -210,8 +216,8 @@ TEST_F(ServiceMainLoopTest, OtherExceptionOfADelegateEndsTheServiceWithStateFive
 
     const auto errors = m_platform.calls("Error");
     ASSERT_EQ(errors.size(), 2U);
-    EXPECT_THAT(errors[0],
-                testing::MatchesRegex("Error 0x20075 Unexpected exception in Common/src/ServiceMainLoop.cpp:[0-9]+"));
+    EXPECT_THAT(errors[0], testing::MatchesRegex(
+                               "Error 0x20075 Unexpected exception in Common/src/ServiceMainLoop.cpp:[1-9][0-9]*"));
     EXPECT_EQ(m_platform.parameters[0x22000B], 5U);
     EXPECT_EQ(m_platform.liveMessages(), 0U);
 }
@@ -303,6 +309,42 @@ TEST_F(ServiceMainLoopTest, EntryReturnsNullAndWritesThroughTheCopiedPointer)
     m_service.run = []() -> unsigned int { throw 3; };
     EXPECT_EQ(Service::ServiceMainEu(&block), nullptr);
     EXPECT_EQ(exitCode, 0U);
+}
+
+TEST_F(ServiceMainLoopTest, ExitCodeIsThereWhenTheStateOfTheEndIsPublished)
+{
+    unsigned int exitCode = 7;
+    unsigned int* block = &exitCode;
+    std::vector<unsigned int> codes;
+    m_platform.onCall = [&](const std::string& call) {
+        if (call == "AaConfigRadSetValue(0x22000B, 4)" || call == "AaConfigRadSetValue(0x22000B, 5)") {
+            codes.push_back(exitCode);
+        }
+    };
+
+    m_service.run = [] { return 0U; };
+    Service::ServiceMainEu(&block);
+    m_service.run = []() -> unsigned int { throw 3; };
+    Service::ServiceMainEu(&block);
+    exitCode = 7;
+    m_service.run = []() -> unsigned int { throw Service::RuntimeException("out of order", "Port.cpp", 77); };
+    Service::ServiceMainEu(&block);
+
+    EXPECT_THAT(codes, ElementsAre(1U, 0U, 0U));
+    m_platform.onCall = nullptr;
+}
+
+TEST_F(ServiceMainLoopTest, InitFailedExceptionOutOfRunEndsTheServiceWithStateFive)
+{
+    m_service.run = []() -> unsigned int { throw Service::InitFailedException("no sensor", "Sensor.cpp", 77); };
+
+    EXPECT_EQ(start(), 0U);
+
+    EXPECT_THAT(m_platform.calls("Error"),
+                ElementsAre("Error 0x20075 Initialization failed : no sensor (file: Sensor.cpp, line: 77)",
+                            "Error 0x20075 Ping main EU died unexpectedly"));
+    EXPECT_EQ(m_platform.parameters[0x22000B], 5U);
+    EXPECT_THAT(m_platform.calls("AaSysComUserDeregister"), IsEmpty()); // only a failed InitEu() gives the cpid up
 }
 
 // --------------------------------------------------------------------------------------- requests to end the process

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <ostream>
 #include <stdexcept>
 
 namespace vel::hwapi::common {
@@ -12,7 +13,6 @@ namespace {
 
 using dorn::test::RecordingPlatform;
 using dorn::test::ScriptedService;
-using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -102,9 +102,16 @@ TEST_F(ServiceStartupTest, ShortHelpPrintsTheUsageAndNothingElseHappens)
 
 TEST_F(ServiceStartupTest, LongHelpPrintsTheUsageAndNothingElseHappens)
 {
+    bool preStarted = false;
+    m_service.preStartup = [&] {
+        preStarted = true;
+        return 1U;
+    };
+
     EXPECT_EQ(start({"--help"}), 1U);
 
     EXPECT_EQ(m_standardError, "Usage:\nDornPingExe [options]\n\n\t-h\n\t--help\n\t\t Print usage information\n");
+    EXPECT_FALSE(preStarted);
     EXPECT_THAT(m_platform.calls(), IsEmpty());
 }
 
@@ -185,9 +192,26 @@ TEST_F(ServiceStartupTest, PreStartupOfTheBaseReturnsOne)
     EXPECT_EQ(m_service.Service::PreStartup(), 1U);
 }
 
-TEST_F(ServiceStartupTest, PlatformThatDoesNotStartIsAnException)
+/// What start-up can fail at before there is an EU.
+struct FailingStep {
+    const char* name;
+    const char* call; ///< begins so
+};
+
+void PrintTo(const FailingStep& step, std::ostream* stream)
 {
-    m_platform.setResult("AaStartupEeStartup", 5);
+    *stream << step.name;
+}
+
+class ServiceFailingStartupTest : public ServiceStartupTest, public testing::WithParamInterface<FailingStep> {};
+
+TEST_P(ServiceFailingStartupTest, ExecutableThatIsNotInitialisedIsAnExceptionAndThereIsNoEu)
+{
+    m_platform.onCall = [this](const std::string& call) {
+        if (call.starts_with(GetParam().call)) {
+            m_platform.setResult(call.substr(0, call.find('(')), 5);
+        }
+    };
 
     try {
         start();
@@ -198,10 +222,18 @@ TEST_F(ServiceStartupTest, PlatformThatDoesNotStartIsAnException)
         EXPECT_STREQ(exception.what(), "Initialization failed");
         EXPECT_EQ(exception.getDescription(), "Failed to set initialize executable");
         EXPECT_EQ(exception.getFile(), "Common/src/ServiceMainLoop.cpp");
+        EXPECT_GT(exception.getLine(), 0);
     }
     EXPECT_THAT(publishedStates(), IsEmpty());
     EXPECT_THAT(calls(), Not(Contains(euCreation)));
 }
+
+INSTANTIATE_TEST_SUITE_P(Steps, ServiceFailingStartupTest,
+                         testing::Values(FailingStep{"EarlyStart", "AaConfigEarlyStartup("},
+                                         FailingStep{"EeStart", "AaStartupEeStartup("},
+                                         FailingStep{"FirstDomain", "AaConfigRadRegisterDomain(2,"},
+                                         FailingStep{"SecondDomain", "AaConfigRadRegisterDomain(34,"}),
+                         [](const auto& step) { return step.param.name; });
 
 TEST_F(ServiceStartupTest, VerboseSwitchesThePrintsOn)
 {
@@ -210,6 +242,18 @@ TEST_F(ServiceStartupTest, VerboseSwitchesThePrintsOn)
     EXPECT_EQ(start(), 1U);
 
     EXPECT_THAT(m_platform.calls("AaConfigRadSetValue(0x20075"), ElementsAre("AaConfigRadSetValue(0x20075, 1)"));
+}
+
+TEST_F(ServiceStartupTest, PrintsAreSwitchedOnBeforeTheFirstStateIsPublished)
+{
+    m_service.SetVerbose(1);
+
+    EXPECT_EQ(start(), 1U);
+
+    const auto writes = m_platform.calls("AaConfigRadSetValue(");
+    ASSERT_GE(writes.size(), 2U);
+    EXPECT_EQ(writes[0], "AaConfigRadSetValue(0x20075, 1)");
+    EXPECT_EQ(writes[1], "AaConfigRadSetValue(0x22000B, 1)");
 }
 
 TEST_F(ServiceStartupTest, OnlyOneIsVerbose)
@@ -231,6 +275,16 @@ TEST_F(ServiceStartupTest, UnknownSchedulingPolicyIsLoggedAndBackgroundIsTaken)
     EXPECT_THAT(m_platform.calls("AaSysComEuCreate"), ElementsAre(HasSubstr("policy 1, ")));
 }
 
+TEST_F(ServiceStartupTest, PolicyThatAFailingCallHasStoredIsTaken)
+{
+    m_platform.setResult("AaProEeGetDefaultSchedulingPolicy", 22);
+    m_platform.policyOfFailure = EAaProEuSchedulingPolicy_RoundRobin;
+
+    EXPECT_EQ(start(), 1U);
+
+    EXPECT_THAT(m_platform.calls("AaSysComEuCreate"), ElementsAre(HasSubstr("policy 2, ")));
+}
+
 TEST_F(ServiceStartupTest, MainEuThatCannotBeCreatedIsLogged)
 {
     m_platform.setResult("AaSysComEuCreateAndStartWithPolicy", 11);
@@ -249,9 +303,9 @@ TEST_F(ServiceStartupTest, OtherCpidThanWantedEndsTheService)
 
     const auto errors = m_platform.calls("Error");
     ASSERT_EQ(errors.size(), 2U);
-    EXPECT_THAT(errors[0], AllOf(StartsWith("Error 0x20075 Initialization failed : Failed to connect to middleware "
-                                            "(file: Common/src/ServiceMainLoop.cpp, line: "),
-                                 testing::EndsWith(")")));
+    EXPECT_THAT(errors[0],
+                testing::MatchesRegex("Error 0x20075 Initialization failed : Failed to connect to middleware "
+                                      "\\(file: Common/src/ServiceMainLoop.cpp, line: [1-9][0-9]*\\)"));
     EXPECT_EQ(errors[1], "Error 0x20075 Ping main EU died unexpectedly");
     EXPECT_THAT(m_platform.calls("AaSysComUserDeregister"), ElementsAre("AaSysComUserDeregister(0x999)"));
     EXPECT_THAT(publishedStates(), ElementsAre("AaConfigRadSetValue(0x22000B, 1)", "AaConfigRadSetValue(0x22000B, 1)",
@@ -271,6 +325,25 @@ TEST_F(ServiceStartupTest, InitThatFailsGivesTheCpidUpAndEndsTheService)
     EXPECT_THAT(m_platform.calls("AaSysComUser"),
                 ElementsAre("AaSysComUserRegister(0x456, 7)", "AaSysComUserDeregister(0x456)"));
     EXPECT_EQ(publishedStates().back(), "AaConfigRadSetValue(0x22000B, 5)");
+}
+
+TEST_F(ServiceStartupTest, ExceptionOutOfInitIsThrownOnAsACopyOfItsBase)
+{
+    class NoSensor : public Service::InitFailedException {
+    public:
+        NoSensor() : InitFailedException("no sensor", "Sensor.cpp", 77) {}
+    };
+    m_service.init = [] { throw NoSensor(); };
+
+    try {
+        m_service.InitEu();
+        FAIL() << "nothing thrown";
+    } catch (const Service::InitFailedException& exception) {
+        EXPECT_EQ(dynamic_cast<const NoSensor*>(&exception), nullptr);
+        EXPECT_EQ(exception.getDescription(), "no sensor");
+        EXPECT_EQ(exception.getFile(), "Sensor.cpp");
+        EXPECT_EQ(exception.getLine(), 77);
+    }
 }
 
 TEST_F(ServiceStartupTest, RuntimeExceptionOutOfInitEndsTheService)
@@ -294,8 +367,8 @@ TEST_F(ServiceStartupTest, AnyOtherExceptionOutOfInitEndsTheService)
 
     const auto errors = m_platform.calls("Error");
     ASSERT_EQ(errors.size(), 2U);
-    EXPECT_THAT(errors[0],
-                testing::MatchesRegex("Error 0x20075 Unexpected exception in Common/src/ServiceMainLoop.cpp:[0-9]+"));
+    EXPECT_THAT(errors[0], testing::MatchesRegex(
+                               "Error 0x20075 Unexpected exception in Common/src/ServiceMainLoop.cpp:[1-9][0-9]*"));
     EXPECT_EQ(errors[1], "Error 0x20075 Ping main EU died unexpectedly");
     EXPECT_EQ(publishedStates().back(), "AaConfigRadSetValue(0x22000B, 5)");
 }
@@ -324,6 +397,7 @@ TEST(ServiceLifeTest, NewServiceIsTheProcesssAndHasItsMutex)
     EXPECT_EQ(Service::Get(), &service);
     EXPECT_NE(ScriptedService::m_wfctMapSem, nullptr);
     EXPECT_EQ(service.m_cpId, 0);
+    EXPECT_EQ(service.m_useCommonServiceState, 1U);
     EXPECT_THAT(platform.calls(), ElementsAre("AaSemReMutexCreate()"));
 }
 
@@ -467,7 +541,7 @@ TEST_F(ServiceStateTest, NameAndPrintsAreThoseOfTheConstruction)
 
 TEST_F(ServiceStateTest, AddressIsTheGrantedCpidOnTheOwnNode)
 {
-    m_service.m_cpId = 0x999; // not the one that was asked for
+    m_service.m_cpId = 0x999;    // not the one that was asked for
     m_platform.nid = 0xABCD1234; // the low 16 bits are the node
 
     EXPECT_EQ(m_service.GetSicad(), 0x12340999U);

@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <dirent.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace vel::hwapi::common {
@@ -111,6 +113,15 @@ TEST_F(ShellCmdOutReaderTest, WithoutAShellTheOutputIsUntouchedAndOneReturned)
         EXPECT_EQ(m_reader.RunAndReadOutput("echo after", m_output), 1);
     }
     EXPECT_EQ(m_output, "before");
+}
+
+TEST_F(ShellCmdOutReaderTest, EndOfTheCommandIsTakenNoteOf)
+{
+    m_reader.RunAndReadOutput("echo one", m_output);
+
+    errno = 0;
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1); // there is no child, not even an ended one
+    EXPECT_EQ(errno, ECHILD);
 }
 
 TEST_F(ShellCmdOutReaderTest, NoDescriptorIsLeftOpen)

@@ -6,6 +6,9 @@
 
 #include <gmock/gmock.h>
 
+extern "C" void* receiveInC(std::int32_t timeout);
+extern "C" void* receiveSelectiveInC(std::int32_t timeout, std::uint16_t id);
+
 namespace {
 
 using testing::ElementsAre;
@@ -59,6 +62,14 @@ TEST_F(HwapiMsgQueueTest, SelectiveReceiveGivesNullWhenTheTimeHasPassed)
     const std::uint16_t filter[] = {1, 4018};
 
     EXPECT_EQ(hwapiMsgQueueReceiveSelective(0, filter), nullptr);
+}
+
+TEST_F(HwapiMsgQueueTest, FunctionsAreCalledFromC)
+{
+    EXPECT_EQ(receiveInC(0), nullptr);
+    EXPECT_EQ(receiveSelectiveInC(10, 4018), nullptr);
+
+    EXPECT_THAT(m_platform.calls(), ElementsAre("AaSysComMsgReceive(0)", "AaSysComMsgReceiveSelective(10, 1 4018)"));
 }
 
 } // namespace

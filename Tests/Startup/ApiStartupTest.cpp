@@ -7,6 +7,9 @@
 #include <cstdio>
 #include <stdio_ext.h>
 
+extern "C" TBoolean initialiseInC(char** argv);
+extern "C" void declareParametersInC();
+
 namespace {
 
 using dorn::test::RecordingPlatform;
@@ -95,6 +98,13 @@ TEST_F(ApiStartupTest, MissingConfigurationFileIsNoFailure)
     m_platform.setResult("AaConfigTagReadFile", 1);
 
     EXPECT_EQ(initialise(), 1U);
+
+    const auto made = calls();
+    ASSERT_GE(made.size(), 4U);
+    EXPECT_THAT(std::vector(made.end() - 4, made.end()),
+                ElementsAre("AaConfigTagReadFile(\"/opt/dorn/dorn.xml\")",
+                            "Info 0x0 Dorn, Tessel EE initialization done", "AaConfigRadRegisterDomain(2, \"HWA\")",
+                            "AaConfigRadRegisterDomain(34, \"HWAState\")"));
 }
 
 TEST_F(ApiStartupTest, TagsThatCannotBeSetAreNoFailure)
@@ -126,6 +136,23 @@ TEST_F(ApiStartupTest, SecondDomainThatFailsIsLogged)
     EXPECT_EQ(initialise(), 0U);
 
     EXPECT_EQ(m_platform.calls().back(), "Warning 0x0 HWAState, R&D domain register failed 2");
+}
+
+TEST_F(ApiStartupTest, FunctionsAreCalledFromC)
+{
+    std::string program = "bin/DornPingExe";
+    char* argv[] = {program.data(), nullptr};
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(initialiseInC(argv), 1U);
+    testing::internal::GetCapturedStdout();
+    EXPECT_THAT(m_platform.calls("AaConfigTagSet"),
+                ElementsAre("AaConfigTagSetString(\"tessel.service.aapro.eename\", \"Ping\")",
+                            "AaConfigTagSetU16(\"tessel.service.aatbts.cpid\", 0xFEDC)"));
+    m_platform.clearCalls();
+
+    declareParametersInC();
+
+    EXPECT_EQ(m_platform.calls("AaConfigRadSetDefault(").size(), 205U + 36U);
 }
 
 TEST_F(ApiStartupTest, ProgramWithoutNameIsStartedAllTheSame)
