@@ -36,8 +36,9 @@ public:
     /// @return the number of events stored; 0 when the time has passed or a signal came.
     virtual int waitEvents(int epollDescriptor, epoll_event* events, int capacity, Deadline until) = 0;
 
-    /// Waits until @p descriptor has one of the `poll` @p events, at most until @p until.
-    /// @return whether it has.
+    /// Waits until @p descriptor has one of the `poll` @p events or fails, at most until @p until. A signal does not
+    /// end the wait.
+    /// @return whether it has; false when the time has passed.
     virtual bool waitDescriptor(int descriptor, short events, Deadline until) = 0;
 
     /// The clock in use.

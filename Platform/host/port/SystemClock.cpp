@@ -65,7 +65,7 @@ public:
         const timespec left = timeLeft(until, monotonic());
         const int count = epoll_pwait2(epollDescriptor, events, capacity, &left, nullptr);
         if (count < 0 && errno == ENOSYS) { // Linux before 5.11, and emulated processors
-            waitDescriptor(epollDescriptor, POLLIN, until);
+            pollOnce(epollDescriptor, POLLIN, until);
             return std::max(epoll_wait(epollDescriptor, events, capacity, 0), 0);
         }
         return std::max(count, 0);
@@ -73,9 +73,19 @@ public:
 
     bool waitDescriptor(int descriptor, short events, Deadline until) override
     {
+        int count = 0;
+        do {
+            count = pollOnce(descriptor, events, until);
+        } while (count < 0 && errno == EINTR);
+        return count > 0;
+    }
+
+private:
+    int pollOnce(int descriptor, short events, Deadline until) const
+    {
         pollfd entry{descriptor, events, 0};
         const timespec left = timeLeft(until, monotonic());
-        return ppoll(&entry, 1, until == noDeadline ? nullptr : &left, nullptr) > 0;
+        return ppoll(&entry, 1, until == noDeadline ? nullptr : &left, nullptr);
     }
 };
 

@@ -4,10 +4,12 @@
 #include "TestNode.hpp"
 
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -113,6 +115,108 @@ TEST_F(FilePortTest, FailuresAreNegativeErrorNumbers)
     EXPECT_EQ(m_files.remove(m_directory, "folder"), -EISDIR);
     EXPECT_EQ(m_files.makeDirectory(m_directory, "folder", 0700), -EEXIST);
     close(readOnly);
+}
+
+TEST_F(FilePortTest, MissingDirectoryIsAnErrorOfEveryOperation)
+{
+    close(open("file"));
+
+    EXPECT_EQ(open("missing/file"), -ENOENT);
+    EXPECT_EQ(m_files.rename(m_directory, "file", m_directory, "missing/file"), -ENOENT);
+    EXPECT_EQ(m_files.remove(m_directory, "missing/file"), -ENOENT);
+    EXPECT_EQ(m_files.makeDirectory(m_directory, "missing/folder", 0700), -ENOENT);
+    EXPECT_EQ(m_files.open(-1, "file", O_RDONLY, 0), -EBADF);
+    EXPECT_TRUE(std::filesystem::exists(path("file")));
+}
+
+TEST_F(FilePortTest, AbsolutePathNeedsNoDirectory)
+{
+    const int file = m_files.open(-1, path("file").c_str(), O_RDWR | O_CREAT, 0600);
+
+    EXPECT_GE(file, 0);
+
+    EXPECT_TRUE(std::filesystem::exists(path("file")));
+    close(file);
+}
+
+TEST_F(FilePortTest, FullDeviceIsAnErrorOfTheWrite)
+{
+    const int file = m_files.open(-1, "/dev/full", O_WRONLY, 0);
+
+    EXPECT_EQ(m_files.write(file, "abc", 3), -ENOSPC);
+
+    close(file);
+}
+
+/// Lets no file of this process grow beyond a size while it lives.
+class SizeLimit {
+public:
+    explicit SizeLimit(rlim_t size) : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{size, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~SizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+    SizeLimit(const SizeLimit&) = delete;
+    SizeLimit& operator=(const SizeLimit&) = delete;
+
+private:
+    void (*m_handler)(int);
+    rlimit m_before{};
+};
+
+TEST_F(FilePortTest, WriteTakesWhatFits)
+{
+    const int file = open("file");
+    const SizeLimit limit(2);
+
+    EXPECT_EQ(m_files.write(file, "abc", 3), 2);
+    EXPECT_EQ(m_files.write(file, "c", 1), -EFBIG);
+
+    EXPECT_EQ(status("file").st_size, 2);
+    close(file);
+}
+
+TEST_F(FilePortTest, FileThatMayNotGrowIsNotExtended)
+{
+    const int file = open("file");
+    const SizeLimit limit(2);
+
+    EXPECT_EQ(m_files.reserve(file, 3), -EFBIG);
+    EXPECT_EQ(m_files.truncate(file, 3), -EFBIG);
+
+    EXPECT_EQ(status("file").st_size, 0);
+    close(file);
+}
+
+TEST_F(FilePortTest, ReserveKeepsWhatIsInTheFile)
+{
+    const int file = open("file");
+    m_files.write(file, "abc", 3);
+
+    EXPECT_EQ(m_files.reserve(file, 10), 0);
+
+    char content[10] = {};
+    ASSERT_EQ(pread(file, content, sizeof content, 0), 10);
+    EXPECT_EQ(std::string(content, sizeof content), std::string("abc") + std::string(7, '\0'));
+    close(file);
+}
+
+TEST_F(FilePortTest, InnerScopeEndsWithTheOuterPortInUse)
+{
+    PosixFilePort outer;
+    const FilePortScope scope(outer);
+    {
+        PosixFilePort inner;
+        const FilePortScope innerScope(inner);
+        EXPECT_EQ(&FilePort::get(), &inner);
+    }
+    EXPECT_EQ(&FilePort::get(), &outer);
 }
 
 TEST_F(FilePortTest, AnotherPortIsUsedWithinItsScope)

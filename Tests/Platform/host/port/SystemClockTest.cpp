@@ -90,6 +90,15 @@ TEST_F(SystemClockTest, DeadlineLiesTheTimeOutAhead)
     EXPECT_LE(deadline, m_clock.monotonic() + 1500us);
 }
 
+TEST_F(SystemClockTest, TimeOutOfZeroEndsNow)
+{
+    const Nanoseconds before = m_clock.monotonic();
+    const Deadline deadline = m_clock.after(0);
+
+    EXPECT_GE(deadline, before);
+    EXPECT_LE(deadline, m_clock.monotonic());
+}
+
 TEST_F(SystemClockTest, NegativeTimeOutHasNoDeadline)
 {
     EXPECT_EQ(m_clock.after(-1), noDeadline);
@@ -169,6 +178,26 @@ TEST_F(SystemClockTest, WaitForEventsEndsWithAnEvent)
     EXPECT_EQ(waitEvents(noDeadline), 1);
 }
 
+TEST_F(SystemClockTest, EventsBeyondTheCapacityAreLeftForTheNextWait)
+{
+    const Bell other;
+    epoll_event event{EPOLLIN, {nullptr}};
+    ASSERT_EQ(epoll_ctl(m_bell.epoll(), EPOLL_CTL_ADD, other.descriptor(), &event), 0);
+    m_bell.ring();
+    other.ring();
+
+    EXPECT_EQ(m_clock.waitEvents(m_bell.epoll(), &event, 1, noDeadline), 1);
+    EXPECT_EQ(waitEvents(noDeadline), 2);
+}
+
+TEST_F(SystemClockTest, WaitForEventsOfNoDescriptorEndsAtOnce)
+{
+    epoll_event event{};
+
+    EXPECT_EQ(m_clock.waitEvents(-1, &event, 1, noDeadline), 0);
+    EXPECT_EQ(m_clock.waitEvents(-1, &event, 1, in(60s)), 0);
+}
+
 TEST_F(SystemClockTest, EventThatComesLaterEndsTheWait)
 {
     std::thread ringer([this] { m_bell.ring(); });
@@ -202,14 +231,39 @@ TEST_F(SystemClockTest, WaitForADescriptorEndsWhenItIsReady)
     EXPECT_TRUE(m_clock.waitDescriptor(m_bell.descriptor(), POLLIN, in(20s)));
 }
 
+TEST_F(SystemClockTest, WaitForADescriptorEndsWhenItsOtherEndHasGone)
+{
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe(ends.data()), 0);
+    close(ends[1]);
+
+    EXPECT_TRUE(m_clock.waitDescriptor(ends[0], POLLIN, noDeadline));
+
+    close(ends[0]);
+}
+
+/// Handles SIGUSR1 as long as it lives.
+class SignalHandler {
+public:
+    explicit SignalHandler(void (*handler)(int))
+    {
+        struct sigaction action {};
+        action.sa_handler = handler;
+        sigaction(SIGUSR1, &action, &m_before);
+    }
+    ~SignalHandler() { sigaction(SIGUSR1, &m_before, nullptr); }
+    SignalHandler(const SignalHandler&) = delete;
+    SignalHandler& operator=(const SignalHandler&) = delete;
+
+private:
+    struct sigaction m_before {};
+};
+
 TEST_F(SystemClockTest, SignalEndsAWaitForEvents)
 {
-    struct sigaction action {};
-    struct sigaction before {};
     static std::atomic<bool> hasCome{false};
     hasCome.store(false);
-    action.sa_handler = [](int) { hasCome.store(true); };
-    sigaction(SIGUSR1, &action, &before);
+    const SignalHandler handler([](int) { hasCome.store(true); });
     std::atomic<bool> isOver{false};
     std::thread interrupter([&, self = pthread_self()] {
         while (!isOver.load()) { // until one meets the wait
@@ -223,7 +277,62 @@ TEST_F(SystemClockTest, SignalEndsAWaitForEvents)
     isOver.store(true);
     interrupter.join();
     EXPECT_TRUE(hasCome.load());
-    sigaction(SIGUSR1, &before, nullptr);
+}
+
+TEST_F(SystemClockTest, SignalDoesNotEndAWaitForADescriptor)
+{
+    static std::atomic<int> signals{0};
+    signals.store(0);
+    const SignalHandler handler([](int) { signals.fetch_add(1); });
+    std::thread interrupter([this, self = pthread_self()] {
+        while (signals.load() < 200) { // more than can come before the wait has begun
+            pthread_kill(self, SIGUSR1);
+            std::this_thread::yield();
+        }
+        m_bell.ring();
+    });
+
+    EXPECT_TRUE(m_clock.waitDescriptor(m_bell.descriptor(), POLLIN, noDeadline));
+
+    interrupter.join();
+}
+
+TEST_F(SystemClockTest, SignalDoesNotProlongAWaitForADescriptor)
+{
+    const SignalHandler handler([](int) {});
+    std::atomic<bool> isOver{false};
+    std::thread interrupter([&, self = pthread_self()] {
+        while (!isOver.load()) {
+            pthread_kill(self, SIGUSR1);
+            std::this_thread::yield();
+        }
+    });
+    const Deadline until = in(5ms);
+
+    EXPECT_FALSE(m_clock.waitDescriptor(m_bell.descriptor(), POLLIN, until));
+
+    EXPECT_GE(m_clock.monotonic(), until);
+    isOver.store(true);
+    interrupter.join();
+}
+
+TEST_F(SystemClockTest, SignalHandlerMayWakeWaiters)
+{
+    static std::atomic<std::uint32_t> word{0};
+    word.store(0);
+    const SignalHandler handler([](int) {
+        word.store(1);
+        wakeWaiters(word, 1, false);
+    });
+    std::thread sleeper([this] {
+        while (word.load() == 0) {
+            m_clock.waitWhile(word, 0, noDeadline, false);
+        }
+    });
+
+    raise(SIGUSR1);
+
+    sleeper.join();
 }
 
 /// Waits in a thread that is cancelled. @return whether it unwound.
