@@ -106,10 +106,12 @@ int32_t AaConfigRadSetValue(TAaConfigRadId id, uint32_t value)
     if (!domain || index >= domain->size()) {
         return 1;
     }
-    store->set(*domain, index, value);
+    // First the list of EEs, then the store: who has learnt of a value finds it in the list, even if this process is
+    // killed in between.
     if (EeTable* const ees = PerNode<EeTable>::ifOpen()) {
         ees->notePublished(id, value);
     }
+    store->set(*domain, index, value);
     return 0;
 }
 

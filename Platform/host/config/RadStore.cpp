@@ -227,7 +227,7 @@ bool RadStore::set(TAaConfigRadId id, std::uint32_t value)
 
 void RadStore::set(const RadDomain& domain, std::size_t index, std::uint32_t value)
 {
-    domain.value(index).store(value, std::memory_order_relaxed);
+    domain.value(index).store(value, std::memory_order_release); // with what the caller has published before
     changes().notify();
 }
 

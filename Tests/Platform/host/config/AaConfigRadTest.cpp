@@ -6,7 +6,9 @@
 #include "config/RadStore.hpp"
 #include "node/EeTable.hpp"
 #include "node/PerNode.hpp"
+#include "port/Clock.hpp"
 
+#include <atomic>
 #include <gmock/gmock.h>
 #include <string>
 #include <thread>
@@ -323,6 +325,50 @@ TEST_F(AaConfigRadTest, WrittenValueIsPublishedInTheListOfEes)
     ASSERT_EQ(ees[0].published.size(), 1U);
     EXPECT_EQ(ees[0].published[0].id, 0x30000U);
     EXPECT_EQ(ees[0].published[0].value, 42U);
+}
+
+/// Looks, whenever it is asked for the time of day, what a parameter has in the store.
+class LookingClock : public dorn::host::Clock {
+public:
+    explicit LookingClock(TAaConfigRadId id) : m_id(id) {}
+    dorn::host::Nanoseconds monotonic() const override { return m_real.monotonic(); }
+    dorn::host::Nanoseconds wall() const override
+    {
+        m_seen.push_back(AaConfigRadGetValue(m_id));
+        return m_real.wall();
+    }
+    void waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expected, dorn::host::Deadline until,
+                   bool shared) override
+    {
+        m_real.waitWhile(word, expected, until, shared);
+    }
+    int waitEvents(int epoll, epoll_event* events, int capacity, dorn::host::Deadline until) override
+    {
+        return m_real.waitEvents(epoll, events, capacity, until);
+    }
+    bool waitDescriptor(int descriptor, short events, dorn::host::Deadline until) override
+    {
+        return m_real.waitDescriptor(descriptor, events, until);
+    }
+    const std::vector<std::uint32_t>& seen() const { return m_seen; }
+
+private:
+    dorn::host::Clock& m_real = dorn::host::Clock::get();
+    TAaConfigRadId m_id;
+    mutable std::vector<std::uint32_t> m_seen;
+    dorn::host::ClockScope m_scope{*this};
+};
+
+TEST_F(AaConfigRadTest, ValueThatOthersCanReadIsInTheListOfEesAlready)
+{
+    ASSERT_EQ(AaConfigRadRegisterDomain(lamps, "Lamps", declareLamps), 0);
+    PerNode<EeTable>::get().enter("LampS", 0x123);
+    const LookingClock clock(0x30000); // the list notes the time with the value
+
+    AaConfigRadSetValue(0x30000, 42);
+
+    EXPECT_THAT(clock.seen(), ElementsAre(7U));
+    EXPECT_EQ(PerNode<EeTable>::get().list().at(0).published.at(0).value, 42U);
 }
 
 TEST_F(AaConfigRadTest, ParameterNamesAreThereForTheLog)
