@@ -7,6 +7,7 @@
 #include "AaMem.h"
 #include "AaStartup.h"
 #include "FailNth.hpp"
+#include "FailingFilePort.hpp"
 #include "NodeTest.hpp"
 #include "OutputCapture.hpp"
 #include "Peer.hpp"
@@ -18,6 +19,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
 #include <stdexcept>
 #include <thread>
 
@@ -27,14 +29,17 @@ namespace {
 using dorn::test::ScriptedDelegate;
 using dorn::test::ScriptedService;
 using dorn::testkit::FailNth;
+using dorn::testkit::FullDisk;
 using dorn::testkit::NodeTest;
 using dorn::testkit::OutputCapture;
 using dorn::testkit::Peer;
 using dorn::testkit::Process;
 using dorn::testkit::ServiceUnderTest;
 using dorn::testkit::waitForRad;
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::MatchesRegex;
 
 struct Number {
@@ -196,7 +201,7 @@ TEST_F(ServiceHostTest, DelegateThatThrowsEndsTheServiceWithStateFive)
     EXPECT_EQ(state(), 5U);
     EXPECT_THAT(errors(), ElementsAre("Error 0x20075 Message handling failed 0x   1",
                                       MatchesRegex("Error 0x20075 Runtime error : std::exception in Run\\(\\) \\(file: "
-                                                   "Common/src/ServiceMainLoop.cpp, line: [0-9]+\\)"),
+                                                   "Common/src/ServiceMainLoop.cpp, line: [1-9][0-9]*\\)"),
                                       "Error 0x20075 Ping main EU died unexpectedly"));
 }
 
@@ -210,7 +215,7 @@ TEST_F(ServiceHostTest, CpidThatAnotherHoldsEndsTheService)
     EXPECT_EQ(state(), 5U);
     const auto lines = errors();
     EXPECT_THAT(lines, Contains(MatchesRegex("Error 0x20075 Initialization failed : Failed to connect to middleware "
-                                             "\\(file: Common/src/ServiceMainLoop.cpp, line: [0-9]+\\)")));
+                                             "\\(file: Common/src/ServiceMainLoop.cpp, line: [1-9][0-9]*\\)")));
     EXPECT_EQ(lines.back(), "Error 0x20075 Ping main EU died unexpectedly");
 }
 
@@ -255,6 +260,18 @@ TEST_F(ServiceHostTest, PlatformThatDoesNotStartIsAnException)
 
     EXPECT_EQ(m_output.standardOutput(),
               "bin/DornPingExe: EE Start...\nbin/DornPingExe: AaStartupEeStartup() failed 9\n");
+}
+
+TEST_F(ServiceHostTest, FullDiskIsToldAndTheServiceDoesNotStart)
+{
+    const FullDisk disk;
+
+    EXPECT_THROW(m_service.start(), Service::InitFailedException);
+
+    EXPECT_EQ(m_output.standardOutput(),
+              "bin/DornPingExe: EE Start...\nbin/DornPingExe: AaConfigEarlyStartup() failed 0\n");
+    EXPECT_EQ(m_output.standardError(),
+              "dorn: store '" + m_node.nodeDirectory() + "/tags.control' cannot be created: No space left on device\n");
 }
 
 TEST_F(ServiceHostTest, VerboseServiceKeepsItsOwnLines)
@@ -380,6 +397,25 @@ TEST_F(ServiceProcessTest, SignalAfterTheServiceHasTheSystemsOwnEffect)
 
     EXPECT_EQ(service.waitForEnd(), -SIGTERM) << service.standardError();
     EXPECT_TRUE(service.standardOutput().ends_with("state 4\n")) << service.standardOutput();
+}
+
+TEST_F(ServiceProcessTest, SecondServiceOfACpidEndsAndTheFirstGoesOn)
+{
+    Process first(DORN_SIGNAL_TEST_EXE);
+    ASSERT_TRUE(first.waitForOutput("waiting\n"));
+    setenv("DORN_LOG", "stderr", 1); // the node of the test puts it back
+    Process second(DORN_SIGNAL_TEST_EXE);
+
+    EXPECT_EQ(second.waitForEnd(), 0);
+
+    EXPECT_TRUE(second.standardOutput().ends_with("state 5\n")) << second.standardOutput();
+    EXPECT_THAT(second.standardError(),
+                AllOf(HasSubstr(" cpid 0x0777 is not granted: process " + std::to_string(first.pid()) + " holds it\n"),
+                      HasSubstr(" Initialization failed : Failed to connect to middleware (file: "
+                                "Common/src/ServiceMainLoop.cpp, line: "),
+                      HasSubstr(" Signal main EU died unexpectedly\n")));
+    Peer(0x321).send(0x1234, address);
+    EXPECT_TRUE(first.waitForOutput("message finished\n"));
 }
 
 TEST_F(ServiceProcessTest, HelpIsPrintedAndTheExitStatusIsOne)

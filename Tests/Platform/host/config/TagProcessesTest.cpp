@@ -7,11 +7,15 @@
 #include "config/TagStore.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <memory>
+#include <new>
+#include <optional>
 #include <string>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <thread>
 #include <vector>
@@ -229,6 +233,39 @@ TEST_F(TagProcessesTest, ProcessKilledWhileSettingBlocksNobody)
         });
         ASSERT_TRUE(next.hasSucceeded());
     }
+}
+
+TEST_F(TagProcessesTest, SetThatHasReturnedOutlivesTheKilledSetter)
+{
+    void* const memory =
+        mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    auto& returned = *new (memory) std::atomic<int>(0);
+    for (int round = 0; round < 10; ++round) {
+        returned.store(0);
+        ChildProcess setter([&returned](ChildProcess::Parent& parent) {
+            set("sys.x", "0");
+            parent.tell();
+            for (int count = 1;; ++count) {
+                set("sys.x", std::to_string(count));
+                returned.store(count);
+            }
+        });
+        ASSERT_TRUE(setter.await());
+        while (returned.load() < 5) {
+            std::this_thread::yield();
+        }
+        setter.kill();
+        ChildProcess next([&returned](ChildProcess::Parent&) {
+            const std::optional<TagBytes> value = PerNode<TagStore>::get().get("sys.x");
+            ASSERT_TRUE(value);
+            const int kept = std::stoi(std::string(reinterpret_cast<const char*>(value->data()), value->size()));
+            EXPECT_GE(kept, returned.load());
+            EXPECT_LE(kept, returned.load() + 1); // the one it was killed at
+        });
+        ASSERT_TRUE(next.hasSucceeded());
+    }
+    munmap(memory, sizeof(std::atomic<int>));
 }
 
 TEST_F(TagProcessesTest, FullDiskFailsTheSetAndLeavesTheStoreUsable)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AaStartup.h"
 #include "AaConfigTag.h"
+#include "FailingFilePort.hpp"
 #include "ManualClock.hpp"
 #include "NodeTest.hpp"
 #include "node/EeTable.hpp"
@@ -48,6 +49,33 @@ TEST_F(AaStartupTest, EeWithoutNameIsRefused)
     EXPECT_EQ(AaStartupEeStartup(), 1);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "dorn: the EE has no name: tag \"tessel.service.aapro.eename\" is not set\n");
+}
+
+TEST_F(AaStartupTest, FullDiskIsToldWithTheStoreThatCannotBeMade)
+{
+    ASSERT_EQ(AaConfigEarlyStartup(), 0);
+    AaConfigTagSetString("tessel.service.aapro.eename", "FanS");
+    const std::string store = "dorn: store '" + m_node.nodeDirectory() + "/";
+    const std::string reason = "' cannot be created: No space left on device\n";
+    unsigned failures = 0;
+    for (std::uint64_t room = 1; room < 100'000'000; room *= 2) { // until all stores fit
+        ::testing::internal::CaptureStderr();
+        int32_t status = 0;
+        {
+            const FullDisk disk(room);
+            status = AaStartupEeStartup();
+        }
+        const std::string text = ::testing::internal::GetCapturedStderr();
+        if (status == 0) {
+            EXPECT_EQ(text, "");
+            break;
+        }
+        ++failures;
+        ASSERT_TRUE(text.starts_with(store)) << text;
+        ASSERT_TRUE(text.ends_with(reason)) << text;
+    }
+    EXPECT_GT(failures, 0U);
+    EXPECT_EQ(dorn::host::PerNode<dorn::host::EeTable>::get().list().size(), 1U);
 }
 
 TEST_F(AaStartupTest, RunDirectoryOpenToOthersIsRefusedWithTheReason)

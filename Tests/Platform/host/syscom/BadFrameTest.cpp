@@ -79,6 +79,28 @@ TEST_F(BadFrameTest, GarbageIsDropped)
                                                                      "sender=0xEEEEEEEE, 100 bytes")});
 }
 
+TEST_F(BadFrameTest, FrameOfAnotherVersionIsDropped)
+{
+    const RawSender sender = connect();
+    FrameHeader later = header();
+    later.version = FrameHeader::currentVersion + 1;
+    ASSERT_TRUE(sender.send(frameOf(later)));
+
+    expectAlive(sender);
+    EXPECT_EQ(m_log.texts(), std::vector{dropped("it has another version", "id=0x0055 receiver=0x0F010300 "
+                                                                           "sender=0x00000000, 24 bytes")});
+}
+
+TEST_F(BadFrameTest, FrameThatIsNotAsLongAsItSaysIsDropped)
+{
+    const RawSender sender = connect();
+    ASSERT_TRUE(sender.send(frameOf(header(4), 3)));
+    ASSERT_TRUE(sender.send(frameOf(header(4), 5)));
+
+    expectAlive(sender);
+    EXPECT_EQ(m_log.texts().size(), 2U);
+}
+
 TEST_F(BadFrameTest, NoneOfThousandsOfRandomPacketsGetsThrough)
 {
     const RawSender sender = connect();

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "FailingFilePort.hpp"
 #include "OutputCapture.hpp"
 #include "SysComTest.hpp"
 #include "eu/TestEu.hpp"
@@ -220,6 +221,22 @@ TEST(RegistrationEnvironmentTest, BadEnvironmentIsLoggedAndGrantsNothing)
     EXPECT_EQ(log.texts(),
               std::vector<std::string>{"Error 0x0 cpid 0x0300 is not granted: run directory 'relative': must be an "
                                        "absolute path"});
+}
+
+TEST(RegistrationEnvironmentTest, FullDiskIsLoggedAndGrantsNothing)
+{
+    const testkit::TestNode node;
+    const testkit::LogCapture log;
+    {
+        const testkit::FullDisk disk;
+        EXPECT_EQ(AaSysComUserRegister(cpid, AaProEuCurrent()), 0);
+    }
+
+    EXPECT_EQ(log.texts(),
+              std::vector<std::string>{"Error 0x0 cpid 0x0300 is not granted: store '" + node.nodeDirectory() +
+                                       "/tap' cannot be created: No space left on device"});
+    EXPECT_EQ(AaSysComUserRegister(cpid, AaProEuCurrent()), cpid); // there is room again
+    AaSysComUserDeregister(cpid);
 }
 
 class RegistrationBetweenProcessesTest : public RegistrationTest {};
