@@ -301,9 +301,13 @@ Outcome watch(const WatchOptions& options, Console& console)
     WatchProgress progress(options.limits, console);
     const NodePlace node;
     node.require(NodePart::Messages);
-    NameBook book(node);
-    const Names names = book.names();
-    const auto point = answerOf(awaited, [] { return std::make_unique<WatchPoint>(); });
+    std::unique_ptr<NameBook> book;
+    std::unique_ptr<WatchPoint> point;
+    answerOf(awaited, [&] {
+        book = std::make_unique<NameBook>(node);
+        point = std::make_unique<WatchPoint>();
+    });
+    const Names names = book->names();
     const StopRequest stop([eu = AaProEuCurrent()] { AaSysComEuWakeUp(eu); });
     while (progress.wantsMore() && !stop.hasCome()) {
         const MessageHandle record = receive(progress.until());
