@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+// The page about the command is held against the command.
+#include "DornCommand.hpp"
+
+#include "Nouns.hpp"
+#include "Program.hpp"
+#include "TestNode.hpp"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <regex>
+#include <sstream>
+#include <wordexp.h>
+
+namespace dorn::tool {
+namespace {
+
+/// A command line behind a prompt, and what the page shows below it.
+struct ShownCommand {
+    std::string line; ///< from "dorn" on, without what the shell does around it
+    std::string output;
+};
+
+/// From "dorn" to where the shell's own business begins.
+std::string commandIn(const std::string& prompted)
+{
+    static const std::regex command(R"((^|[ (])dorn( [^|;()<>]*)?)");
+    std::smatch found;
+    if (!std::regex_search(prompted, found, command)) {
+        return "";
+    }
+    return "dorn" + found[2].str();
+}
+
+/// Reads the code blocks of the page: those behind four blanks.
+std::vector<ShownCommand> readCommands(std::istream& page)
+{
+    const std::string indent = "    ";
+    const std::string prompt = indent + "$ ";
+    std::vector<ShownCommand> commands;
+    bool isInside = false;
+    for (std::string line; std::getline(page, line);) {
+        if (line.starts_with(prompt)) {
+            commands.push_back({commandIn(line.substr(prompt.size())), ""});
+            isInside = true;
+        } else if (isInside && (line.starts_with(indent) || line.empty())) {
+            commands.back().output += (line.empty() ? line : line.substr(indent.size())) + "\n";
+        } else {
+            isInside = false;
+        }
+    }
+    for (ShownCommand& command : commands) {
+        while (command.output.ends_with("\n\n") || command.output == "\n") { // the empty line behind the block
+            command.output.pop_back();
+        }
+    }
+    return commands;
+}
+
+/// The words as the shell would split them, without the first.
+std::vector<std::string> argumentsOf(const std::string& line)
+{
+    wordexp_t words{};
+    if (wordexp(line.c_str(), &words, WRDE_NOCMD) != 0 || words.we_wordc == 0) {
+        ADD_FAILURE() << "the shell does not understand: " << line;
+        return {};
+    }
+    std::vector<std::string> arguments(words.we_wordv + 1, words.we_wordv + words.we_wordc);
+    wordfree(&words);
+    return arguments;
+}
+
+/// The commands of all verbs: "dorn rad set".
+std::vector<std::string> verbsBelow(const CLI::App& command)
+{
+    std::vector<std::string> verbs;
+    const auto subcommands = command.get_subcommands([](const CLI::App*) { return true; });
+    if (subcommands.empty()) {
+        verbs.push_back(commandOf(command));
+    }
+    for (const CLI::App* const subcommand : subcommands) {
+        const std::vector<std::string> below = verbsBelow(*subcommand);
+        verbs.insert(verbs.end(), below.begin(), below.end());
+    }
+    return verbs;
+}
+
+class DornCommandDocumentTest : public ::testing::Test {
+protected:
+    DornCommandDocumentTest()
+    {
+        std::ifstream page(DORN_COMMAND_DOCUMENT);
+        m_commands = readCommands(page);
+        page.clear();
+        page.seekg(0);
+        m_text = {std::istreambuf_iterator<char>(page), {}};
+    }
+
+    std::string m_text;
+    std::vector<ShownCommand> m_commands;
+};
+
+/// On an empty node a command does nothing; it only tells whether it has been understood.
+TEST_F(DornCommandDocumentTest, EveryCommandLineIsUnderstood)
+{
+    EXPECT_GE(m_commands.size(), 14U);
+    for (const ShownCommand& command : m_commands) {
+        ASSERT_NE(command.line, "");
+        const testkit::TestNode empty;
+
+        const CommandResult result = dorn(argumentsOf(command.line));
+
+        EXPECT_NE(result.status, 2) << command.line << "\n" << result.remarks;
+    }
+}
+
+/// In the running text only a beginning may be shown: `dorn tag get NAME`.
+TEST_F(DornCommandDocumentTest, EveryCommandInTheTextIsThere)
+{
+    static const std::regex span("`(dorn( [^`]*)?)`");
+    unsigned count = 0;
+    for (std::sregex_iterator found(m_text.begin(), m_text.end(), span); found != std::sregex_iterator(); ++found) {
+        std::vector<std::string> words;
+        std::istringstream rest((*found)[2].str());
+        for (std::string word; rest >> word && std::islower(word.front()) != 0;) {
+            words.push_back(word);
+        }
+        words.emplace_back("--help");
+
+        const CommandResult result = dorn(words);
+
+        EXPECT_EQ(result.status, 0) << found->str() << "\n" << result.remarks;
+        ++count;
+    }
+    EXPECT_GT(count, 3U);
+}
+
+TEST_F(DornCommandDocumentTest, EveryVerbIsShown)
+{
+    Program program;
+    addNouns(program);
+    for (const std::string& verb : verbsBelow(program.commandLine())) {
+        const bool isShown = std::any_of(m_commands.begin(), m_commands.end(), [&verb](const ShownCommand& command) {
+            return (command.line + " ").starts_with(verb + " ") && command.line.find("--help") == std::string::npos;
+        });
+
+        EXPECT_TRUE(isShown) << "no example of '" << verb << "'";
+    }
+}
+
+TEST_F(DornCommandDocumentTest, QuotedHelpIsWhatIsPrinted)
+{
+    unsigned count = 0;
+    for (const ShownCommand& command : m_commands) {
+        if (command.line.ends_with(" --help")) {
+            EXPECT_EQ(command.output, dorn(argumentsOf(command.line)).answer) << command.line;
+            ++count;
+        }
+    }
+    EXPECT_GT(count, 0U);
+}
+
+} // namespace
+} // namespace dorn::tool
