@@ -8,6 +8,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cctype>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <regex>
@@ -72,16 +73,34 @@ std::vector<std::string> argumentsOf(const std::string& line)
     return arguments;
 }
 
+std::vector<const CLI::App*> subcommandsOf(const CLI::App& command)
+{
+    return command.get_subcommands([](const CLI::App*) { return true; });
+}
+
+bool hasVerbs(const CLI::App& command)
+{
+    return !subcommandsOf(command).empty();
+}
+
+/// @return null when there is none of this name.
+const CLI::App* subcommand(const CLI::App& command, const std::string& name)
+{
+    const auto all = subcommandsOf(command);
+    const auto found =
+        std::find_if(all.begin(), all.end(), [&name](const CLI::App* one) { return one->get_name() == name; });
+    return found == all.end() ? nullptr : *found;
+}
+
 /// The commands of all verbs: "dorn rad set".
 std::vector<std::string> verbsBelow(const CLI::App& command)
 {
     std::vector<std::string> verbs;
-    const auto subcommands = command.get_subcommands([](const CLI::App*) { return true; });
-    if (subcommands.empty()) {
+    if (!hasVerbs(command)) {
         verbs.push_back(commandOf(command));
     }
-    for (const CLI::App* const subcommand : subcommands) {
-        const std::vector<std::string> below = verbsBelow(*subcommand);
+    for (const CLI::App* const verb : subcommandsOf(command)) {
+        const std::vector<std::string> below = verbsBelow(*verb);
         verbs.insert(verbs.end(), below.begin(), below.end());
     }
     return verbs;
@@ -91,6 +110,7 @@ class DornCommandDocumentTest : public ::testing::Test {
 protected:
     DornCommandDocumentTest()
     {
+        addNouns(m_program);
         std::ifstream page(DORN_COMMAND_DOCUMENT);
         m_commands = readCommands(page);
         page.clear();
@@ -98,6 +118,7 @@ protected:
         m_text = {std::istreambuf_iterator<char>(page), {}};
     }
 
+    Program m_program;
     std::string m_text;
     std::vector<ShownCommand> m_commands;
 };
@@ -119,19 +140,15 @@ TEST_F(DornCommandDocumentTest, EveryCommandLineIsUnderstood)
 /// In the running text only a beginning may be shown: `dorn tag get NAME`.
 TEST_F(DornCommandDocumentTest, EveryCommandInTheTextIsThere)
 {
-    static const std::regex span("`(dorn( [^`]*)?)`");
+    static const std::regex span("`dorn( [^`]*)?`");
     unsigned count = 0;
     for (std::sregex_iterator found(m_text.begin(), m_text.end(), span); found != std::sregex_iterator(); ++found) {
-        std::vector<std::string> words;
-        std::istringstream rest((*found)[2].str());
-        for (std::string word; rest >> word && std::islower(word.front()) != 0;) {
-            words.push_back(word);
+        const CLI::App* command = &m_program.commandLine();
+        std::istringstream rest((*found)[1].str());
+        for (std::string word; hasVerbs(*command) && rest >> word && std::islower(word.front()) != 0;) {
+            command = subcommand(*command, word);
+            ASSERT_NE(command, nullptr) << found->str() << ": there is no '" << word << "'";
         }
-        words.emplace_back("--help");
-
-        const CommandResult result = dorn(words);
-
-        EXPECT_EQ(result.status, 0) << found->str() << "\n" << result.remarks;
         ++count;
     }
     EXPECT_GT(count, 3U);
@@ -139,9 +156,7 @@ TEST_F(DornCommandDocumentTest, EveryCommandInTheTextIsThere)
 
 TEST_F(DornCommandDocumentTest, EveryVerbIsShown)
 {
-    Program program;
-    addNouns(program);
-    for (const std::string& verb : verbsBelow(program.commandLine())) {
+    for (const std::string& verb : verbsBelow(m_program.commandLine())) {
         const bool isShown = std::any_of(m_commands.begin(), m_commands.end(), [&verb](const ShownCommand& command) {
             return (command.line + " ").starts_with(verb + " ") && command.line.find("--help") == std::string::npos;
         });
