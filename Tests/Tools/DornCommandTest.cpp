@@ -2,6 +2,7 @@
 #include "DornCommand.hpp"
 
 #include "AaConfigTag.h"
+#include "AaSysLog.h"
 #include "TestNode.hpp"
 
 #include <fcntl.h>
@@ -107,6 +108,19 @@ INSTANTIATE_TEST_SUITE_P(Verbs, HangTest,
                                            HangCase{"MsgSend", {"msg", "send", "0x0300"}, "the node's messages"},
                                            HangCase{"MsgWatch", {"msg", "watch"}, "the node's messages"}),
                          [](const auto& verb) { return verb.param.name; });
+
+TEST(HeldLogTest, CommandGivesUpAndSaysWhy)
+{
+    const testkit::TestNode node({.nodeId = std::nullopt, .log = "file", .logLevel = std::nullopt});
+    AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "there is a log");
+    const HeldNode held(node.nodeDirectory());
+
+    EXPECT_EQ(
+        dorn({"log"}),
+        (CommandResult{1, "",
+                       "dorn: gave up: the node's log did not answer in time; a process that has been stopped may "
+                       "hold what is needed\n"}));
+}
 
 } // namespace
 } // namespace dorn::tool

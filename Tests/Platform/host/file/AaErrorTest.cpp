@@ -38,7 +38,7 @@ TEST_F(AaErrorDeathTest, MacroTellsConditionFileAndLine)
         AaErrorAssertion(1 + 1 == 3);
     };
     EXPECT_EXIT(fail(), testing::KilledBySignal(SIGABRT),
-                "<Assertion failed: 1 \\+ 1 == 3 \\(file: .*AaErrorTest\\.cpp, line: [0-9]+\\)>");
+                "<Assertion failed: 1 \\+ 1 == 3 \\(file: .*AaErrorTest\\.cpp, line: [1-9][0-9]*\\)>");
 }
 
 TEST_F(AaErrorDeathTest, AssertionThatHoldsDoesNothing)

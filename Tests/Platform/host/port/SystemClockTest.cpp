@@ -195,7 +195,6 @@ TEST_F(SystemClockTest, WaitForEventsOfNoDescriptorEndsAtOnce)
     epoll_event event{};
 
     EXPECT_EQ(m_clock.waitEvents(-1, &event, 1, noDeadline), 0);
-    EXPECT_EQ(m_clock.waitEvents(-1, &event, 1, in(60s)), 0);
 }
 
 TEST_F(SystemClockTest, EventThatComesLaterEndsTheWait)
