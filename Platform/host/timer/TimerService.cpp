@@ -14,17 +14,18 @@
 namespace dorn::host {
 namespace {
 
-void deliver(TAaProEuId eu, const void* identity)
+/// When a time-out is offered again that an EU had no room for.
+constexpr std::chrono::milliseconds retryTime{10};
+
+/// @return false when its EU has no room for it now.
+bool deliver(TAaProEuId eu, const void* identity)
 {
     std::unique_ptr<Message, MessageDeleter> message(Message::create(AA_TIMER_MSG_TIMEOUT, sizeof identity, 0, 0));
     if (!message) {
-        AaSysLogPrint(EAaSysLogSeverityLevel_Error, "Time-out not delivered: there is no memory");
-        return;
+        return false;
     }
     std::memcpy(message->payload(), &identity, sizeof identity);
-    if (postToEu(message, eu) == EAaSysComStatus_QueueFull) {
-        AaSysLogPrint(EAaSysLogSeverityLevel_Error, "Time-out not delivered: the queue of its EU is full");
-    }
+    return postToEu(message, eu) != EAaSysComStatus_QueueFull;
 }
 
 /// Not of one service: no id is used twice in a process.
@@ -103,11 +104,26 @@ Deadline TimerService::deliverDue()
         if (first->first.first > Clock::get().monotonic()) {
             return first->first.first;
         }
-        deliver(first->second.eu, first->second.identity);
-        m_deadlines.erase(first->first.second);
-        m_timeouts.erase(first);
+        if (deliver(first->second.eu, first->second.identity)) {
+            m_deadlines.erase(first->first.second);
+            m_timeouts.erase(first);
+        } else {
+            postpone(first);
+        }
     }
     return noDeadline;
+}
+
+void TimerService::postpone(Timeouts::iterator timeout)
+{
+    auto entry = m_timeouts.extract(timeout);
+    if (!std::exchange(entry.mapped().isLate, true)) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Error, "Time-out is late: there is no room for it in the queue of EU 0x%X",
+                      entry.mapped().eu);
+    }
+    entry.key().first = Clock::get().monotonic() + retryTime;
+    m_deadlines[entry.key().second] = entry.key().first;
+    m_timeouts.insert(std::move(entry));
 }
 
 } // namespace dorn::host

@@ -33,16 +33,20 @@ private:
     struct Timeout {
         TAaProEuId eu;
         const void* identity;
+        bool isLate = false; ///< its EU had no room for it
     };
     /// Deadline and id: time-outs of one deadline arrive in the order in which they were armed.
     using Key = std::pair<Deadline, TAaTimerId>;
 
+    using Timeouts = std::map<Key, Timeout>;
+
     void run();
     Deadline deliverDue();
+    void postpone(Timeouts::iterator timeout);
     void stir();
 
     std::mutex m_mutex;
-    std::map<Key, Timeout> m_timeouts;
+    Timeouts m_timeouts;
     std::unordered_map<TAaTimerId, Deadline> m_deadlines;
     std::atomic<std::uint32_t> m_changes{0};
     std::atomic<bool> m_isEnding{false};

@@ -285,7 +285,7 @@ TEST_F(TimerTest, LateTimeOutOfAnEuThatHasEndedIsDropped)
     EXPECT_TRUE(m_log.texts().empty());
 }
 
-TEST_F(TimerTest, FullQueueLosesATimeOutWithALine)
+TEST_F(TimerTest, TimeOutWaitsUntilItsEuHasRoomForIt)
 {
     const TAaSysComCpid cpid = AaSysComUserRegister(0, AaProEuCurrent());
     for (int count = 0; count < MessageQueue::capacity; ++count) {
@@ -295,11 +295,18 @@ TEST_F(TimerTest, FullQueueLosesATimeOutWithALine)
 
     AaTimerArm(0, word(1));
 
-    EXPECT_TRUE(m_log.waitFor("Error 0x0 Time-out not delivered: the queue of its EU is full"));
+    char line[100];
+    std::snprintf(line, sizeof line, "Error 0x0 Time-out is late: there is no room for it in the queue of EU 0x%X",
+                  AaProEuCurrent());
+    EXPECT_TRUE(m_log.waitFor(line));
     AaSysComUserDeregister(cpid);
-    while (void* message = AaSysComMsgReceive(AA_NO_WAIT)) {
+    for (int count = 0; count < MessageQueue::capacity; ++count) {
+        void* message = AaSysComMsgReceive(AA_NO_WAIT);
+        ASSERT_EQ(AaSysComMsgGetId(message), 1U);
         AaSysComMsgDestroy(&message);
     }
+    EXPECT_EQ(takeTimeout(generousTimeout), 1U);
+    EXPECT_EQ(m_log.texts().size(), 1U);
 }
 
 TEST_F(TimerTest, ThereIsNoThreadBeforeTheFirstTimeOut)
