@@ -44,6 +44,8 @@ struct Message {
     static void destroy(Message* message);
 
     std::byte* payload();
+    /// What the message weighs in a queue: one, and one more for every KiB of payload.
+    std::int32_t weight() const { return 1 + header.payloadSize / 1024; }
     /// Header and payload as they travel.
     std::span<const std::byte> frame() const;
 };

@@ -103,9 +103,9 @@ MessageQueue::PushResult MessageQueue::push(Message* message, Nanoseconds patien
 }
 
 /// Makes room for messages and tells those who wait for it.
-void MessageQueue::countOut(std::int32_t count)
+void MessageQueue::takeOff(std::int32_t weight)
 {
-    m_inboundCount.fetch_sub(count);
+    m_inboundWeight.fetch_sub(weight);
     if (m_blockedSenders.load() > 0) {
         m_roomSignal.fetch_add(1);
         wakeWaiters(m_roomSignal, std::numeric_limits<int>::max(), false);
@@ -114,15 +114,16 @@ void MessageQueue::countOut(std::int32_t count)
 
 MessageQueue::PushResult MessageQueue::tryPush(Message* message)
 {
-    // In one order with countOut(): either this sees the room, or that sees the blocked sender.
-    if (m_inboundCount.fetch_add(1) >= capacity) {
-        m_inboundCount.fetch_sub(1, std::memory_order_relaxed);
+    // In one order with takeOff(): either this sees the room, or that sees the blocked sender.
+    const std::int32_t weight = message->weight();
+    if (m_inboundWeight.fetch_add(weight) >= capacity) {
+        m_inboundWeight.fetch_sub(weight, std::memory_order_relaxed);
         return PushResult::Full;
     }
     Message* head = m_inbound.load(std::memory_order_relaxed);
     do {
         if (head == closed) {
-            m_inboundCount.fetch_sub(1, std::memory_order_relaxed);
+            m_inboundWeight.fetch_sub(weight, std::memory_order_relaxed);
             return PushResult::Closed;
         }
         message->next = head == sleeping ? nullptr : head;
@@ -162,9 +163,10 @@ WaitSet& MessageQueue::waitSet()
 
 Message* MessageQueue::receive(Deadline until, const std::span<const std::uint16_t>* filter)
 {
+    lookAtDescriptors();
     for (;;) {
         if (Message* const message = filter ? takeFirstOf(*filter) : takeFirst()) {
-            lookAtDescriptors();
+            ++m_takenSinceLook;
             return message;
         }
         if (takeOverInbound() || serveLastDescriptor()) {
@@ -225,7 +227,7 @@ bool MessageQueue::serveDescriptors()
 /// Gives descriptors and local senders their turns while the one never lets the other's run dry.
 void MessageQueue::lookAtDescriptors()
 {
-    if (++m_takenSinceLook >= takesBetweenLooks && hasDescriptors()) {
+    if (m_takenSinceLook >= takesBetweenLooks && hasDescriptors()) {
         takeOverInbound();
         serveDescriptors();
     }
@@ -304,15 +306,15 @@ bool MessageQueue::takeOverInbound()
     }
     Message* message = m_inbound.exchange(nullptr, std::memory_order_seq_cst);
     Message* reversed = nullptr;
-    std::int32_t count = 0;
+    std::int32_t weight = 0;
     while (message) {
         Message* const next = message->next;
         message->next = reversed;
         reversed = message;
+        weight += message->weight();
         message = next;
-        ++count;
     }
-    countOut(count);
+    takeOff(weight);
     bool hasAny = false;
     while (reversed) {
         Message* const next = reversed->next;
@@ -345,6 +347,7 @@ void MessageQueue::append(Message* message)
         m_firstNotIndexed = message;
     }
     ++m_pendingCount;
+    m_pendingWeight += message->weight();
 }
 
 Message* MessageQueue::takeFirst()
@@ -401,6 +404,7 @@ void MessageQueue::unlink(Message* message)
     (message->previous ? message->previous->next : m_first) = message->next;
     (message->next ? message->next->previous : m_last) = message->previous;
     --m_pendingCount;
+    m_pendingWeight -= message->weight();
 }
 
 void MessageQueue::open(TAaProEuId owner)
@@ -414,19 +418,19 @@ std::size_t MessageQueue::close()
 {
     Message* message = m_inbound.exchange(closed);
     std::size_t count = m_pendingCount;
-    std::int32_t inbound = 0;
-    while (message && message != closed && message != sleeping) {
+    std::int32_t weight = 0;
+    for (; message && message != closed && message != sleeping; ++count) {
         Message* const next = message->next;
+        weight += message->weight();
         Message::destroy(message);
         message = next;
-        ++inbound;
     }
-    countOut(inbound);
+    takeOff(weight);
     while (Message* const pending = takeFirst()) {
         Message::destroy(pending);
     }
     m_index.clear();
-    return count + static_cast<std::size_t>(inbound);
+    return count;
 }
 
 } // namespace dorn::host

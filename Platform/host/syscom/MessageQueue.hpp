@@ -22,7 +22,8 @@ class MessageQueue {
 public:
     enum class PushResult { Ok, Full, Closed };
 
-    /// Messages that may wait to be taken over; as many again may be pending with the owner.
+    /// Weight of the messages that may wait to be taken over, see Message::weight(); as much again may be pending with
+    /// the owner.
     static constexpr std::int32_t capacity = 65536;
 
     MessageQueue() = default;
@@ -48,7 +49,7 @@ public:
     /// descriptors.
     void appendArrived(Message* message);
     /// Whether so many are pending that arrivals should stay with their senders.
-    bool isPendingFull() const { return m_pendingCount >= static_cast<std::size_t>(capacity); }
+    bool isPendingFull() const { return m_pendingWeight >= capacity; }
     /// Makes the queue usable for the EU @p owner; messages for another are dropped on arrival.
     void open(TAaProEuId owner);
     /// Refuses all further messages and frees what is queued. @return how many were.
@@ -61,7 +62,7 @@ private:
     };
 
     PushResult tryPush(Message* message);
-    void countOut(std::int32_t count);
+    void takeOff(std::int32_t weight);
     bool takeOverInbound();
     void append(Message* message);
     Message* takeFirst();
@@ -80,7 +81,7 @@ private:
 
     // Senders and owner; on a line of its own.
     alignas(64) std::atomic<Message*> m_inbound{nullptr};
-    std::atomic<std::int32_t> m_inboundCount{0};
+    std::atomic<std::int32_t> m_inboundWeight{0};
     std::atomic<std::int32_t> m_blockedSenders{0};
     std::atomic<std::uint32_t> m_roomSignal{0}; ///< changes when there is room again
     std::atomic<bool> m_wakeUpRequested{false};
@@ -93,6 +94,7 @@ private:
     std::unordered_map<TAaSysComMsgId, Chain> m_index;
     std::uint64_t m_nextPosition = 0;
     std::size_t m_pendingCount = 0;
+    std::int32_t m_pendingWeight = 0;
     std::uint32_t m_takenSinceLook = 0;
     int m_spinCredit = 0;
     std::uint32_t m_sleeps = 0;

@@ -56,6 +56,24 @@ protected:
     }
 };
 
+TEST_F(QueueFullTest, MessagesOfTheGreatestSizeFillAQueueBeforeTheyFillTheMemory)
+{
+    const TAaSysComCpid own = AaSysComUserRegister(0, AaProEuCurrent());
+    constexpr unsigned fitting = (capacity + 63) / 64; // 64 KiB each, and the queue is full when it is reached
+    for (unsigned count = 0; count < fitting; ++count) {
+        void* message = AaSysComMsgCreate(1, AA_SYS_COM_MAX_PAYLOAD, addressOf(own));
+        ASSERT_EQ(AaSysComMsgSend(&message), EAaSysComStatus_Ok);
+    }
+
+    EXPECT_EQ(sendEmpty(2, addressOf(own)), EAaSysComStatus_QueueFull);
+
+    for (unsigned count = 0; count < fitting; ++count) {
+        ASSERT_EQ(takeId(AA_NO_WAIT), 1U);
+    }
+    EXPECT_EQ(sendEmpty(2, addressOf(own)), EAaSysComStatus_Ok);
+    EXPECT_EQ(takeId(AA_NO_WAIT), 2U);
+}
+
 TEST_F(QueueFullTest, FullReceiverIsReportedAfterTheBackPressureTime)
 {
     SlowReceiver receiver;
