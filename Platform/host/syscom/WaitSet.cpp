@@ -127,10 +127,11 @@ bool WaitSet::add(int descriptor, WaitSource& source)
 void WaitSet::remove(int descriptor)
 {
     m_lastServed = nullptr;
-    m_removals.fetch_add(1, std::memory_order_acq_rel);
     if (epoll_ctl(m_epoll, EPOLL_CTL_DEL, descriptor, nullptr) == 0) { // else it could not be added
         m_sources.fetch_sub(1, std::memory_order_relaxed);
     }
+    // After the removal: who has seen this count is told of no source that has ended.
+    m_removals.fetch_add(1, std::memory_order_acq_rel);
 }
 
 } // namespace dorn::host
