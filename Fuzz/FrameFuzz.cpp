@@ -57,10 +57,10 @@ private:
 };
 
 struct Sender : dorn::host::Peer {
-    explicit Sender(bool hungUp) : isGone(hungUp) {}
+    explicit Sender(bool ended) : hasEnded(ended) {}
     pid_t pid() const override { return 1; }
-    bool hasHungUp() const override { return isGone; }
-    bool isGone;
+    bool isGone() const override { return hasEnded; }
+    bool hasEnded;
 };
 
 /// The header of a frame that is to arrive; nothing when it is to be dropped.
@@ -73,7 +73,7 @@ std::optional<FrameHeader> headerOfGood(std::span<const std::byte> frame, bool i
     std::memcpy(&header, frame.data(), sizeof header);
     const TAaSysComSicad node = AaSysComSicadGet(0, AaSysComGetOwnNid());
     const bool isForged = header.sender != 0 && ((header.sender & 0xFFFF0000U) != node ||
-                                                 (header.sender == (node | ownCpid) && !sender.isGone));
+                                                 (header.sender == (node | ownCpid) && !sender.hasEnded));
     const bool isGood = header.magic == FrameHeader::magicNumber && header.version == FrameHeader::currentVersion &&
                         frame.size() == sizeof header + header.payloadSize && header.receiver == (node | receiver) &&
                         !isForged;

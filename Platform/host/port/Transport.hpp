@@ -20,8 +20,8 @@ class Peer {
 public:
     virtual ~Peer() = default;
     virtual pid_t pid() const = 0;
-    /// Whether the process has closed its end, by ending or otherwise.
-    virtual bool hasHungUp() const = 0;
+    /// Whether the process is no more.
+    virtual bool isGone() const = 0;
 };
 
 /// Takes what arrives at an endpoint. Called by the EU that waits on the endpoint's WaitSet, and while the endpoint

@@ -83,8 +83,12 @@ bool FrameInlet::isCredible(TAaSysComSicad sender, const Peer& peer)
     }
     const pid_t foreign = registry ? registry->foreignHolder(cpid) : 0;
     const pid_t holder = localHolder(cpid) != 0 ? getpid() : foreign;
-    if (cpid != 0 && holder != 0 && holder != peer.pid() && !peer.hasHungUp()) {
+    const bool isPeers = cpid == 0 || holder == 0 || holder == peer.pid();
+    if (!isPeers && !peer.isGone()) {
         return false;
+    }
+    if (!isPeers) {
+        return true; // what the dead had sent; of no other process it is to be believed
     }
     m_lastCredible = sender;
     m_lastCredibleProcess = peer.pid();

@@ -10,10 +10,12 @@
 #include <array>
 #include <bit>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace dorn::host {
@@ -76,9 +78,14 @@ public:
     int descriptor() const { return m_socket.get(); }
     pid_t pid() const override { return m_pid; }
 
-    bool hasHungUp() const override
+    /// A process that has only closed its end is still there. One that waits for its parent to notice is not.
+    bool isGone() const override
     {
-        pollfd entry{m_socket.get(), POLLRDHUP | POLLHUP, 0};
+        const UnixSocket process(static_cast<int>(syscall(SYS_pidfd_open, m_pid, 0)));
+        if (!process) {
+            return errno == ESRCH || (kill(m_pid, 0) != 0 && errno == ESRCH);
+        }
+        pollfd entry{process.get(), POLLIN, 0};
         return ::poll(&entry, 1, 0) > 0;
     }
 
@@ -129,7 +136,11 @@ private:
         return ioctl(m_socket.get(), FIONREAD, &queued) == 0 && queued > 0;
     }
 
-    bool hasEnded() const { return hasHungUp() && !hasMessages(); }
+    bool hasEnded() const
+    {
+        pollfd entry{m_socket.get(), POLLRDHUP | POLLHUP, 0};
+        return ::poll(&entry, 1, 0) > 0 && !hasMessages();
+    }
 
     void close()
     {

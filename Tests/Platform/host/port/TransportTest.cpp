@@ -34,14 +34,14 @@ public:
         std::string bytes;
         bool isCut;
         pid_t sender;
-        bool hasHungUp;
+        bool isGone;
     };
 
     bool hasRoom() const override { return isOpen; }
     void onFrame(std::span<const std::byte> frame, bool isCut, const Peer& peer) override
     {
-        frames.push_back({std::string(reinterpret_cast<const char*>(frame.data()), frame.size()), isCut, peer.pid(),
-                          peer.hasHungUp()});
+        frames.push_back(
+            {std::string(reinterpret_cast<const char*>(frame.data()), frame.size()), isCut, peer.pid(), peer.isGone()});
     }
 
     bool isOpen = true;
@@ -111,7 +111,7 @@ TEST_F(TransportTest, FrameArrivesWholeWithTheProcessThatSentIt)
     EXPECT_EQ(m_inbox.frames[0].bytes, "hello");
     EXPECT_FALSE(m_inbox.frames[0].isCut);
     EXPECT_EQ(m_inbox.frames[0].sender, getpid());
-    EXPECT_FALSE(m_inbox.frames[0].hasHungUp);
+    EXPECT_FALSE(m_inbox.frames[0].isGone);
 }
 
 TEST_F(TransportTest, FramesOfAThreadKeepTheirOrderAndTheirBounds)
@@ -338,7 +338,7 @@ TEST_F(TransportPeerTest, FramesOfAProcessThatHasGoneArriveAndTellSo)
     ASSERT_EQ(inbox.frames.size(), 1U);
     EXPECT_EQ(inbox.frames[0].bytes, "last words");
     EXPECT_EQ(inbox.frames[0].sender, sender);
-    EXPECT_TRUE(inbox.frames[0].hasHungUp);
+    EXPECT_TRUE(inbox.frames[0].isGone);
 }
 
 } // namespace

@@ -136,6 +136,22 @@ TEST_F(BadFrameTest, ForgedSenderIsDropped)
                                                                          "sender=0x0F010042, 24 bytes")});
 }
 
+TEST_F(BadFrameTest, ForgedSenderOfAClosedConnectionIsDroppedToo)
+{
+    PeerProcess holder;
+    holder.ask({.order = Order::Register, .cpid = 0x0042});
+    {
+        const RawSender sender = connect();
+        FrameHeader forged = header();
+        forged.sender = addressOf(0x0042);
+        ASSERT_TRUE(sender.send(frameOf(forged)));
+    }
+
+    EXPECT_EQ(takeId(AA_NO_WAIT), 0U);
+    EXPECT_EQ(m_log.texts(), std::vector{dropped("its sender is forged", "id=0x0055 receiver=0x0F010300 "
+                                                                         "sender=0x0F010042, 24 bytes")});
+}
+
 TEST_F(BadFrameTest, OwnCpidInAForgedFrameOfAnotherProcessIsDropped)
 {
     PeerProcess peer;

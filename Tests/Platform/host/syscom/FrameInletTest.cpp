@@ -16,11 +16,11 @@ constexpr TAaSysComCpid inletCpid = 0x0300;
 
 /// A process that says it is some process.
 struct SomePeer : Peer {
-    explicit SomePeer(pid_t of, bool hungUp = false) : process(of), isGone(hungUp) {}
+    explicit SomePeer(pid_t of, bool ended = false) : process(of), hasEnded(ended) {}
     pid_t pid() const override { return process; }
-    bool hasHungUp() const override { return isGone; }
+    bool isGone() const override { return hasEnded; }
     pid_t process;
-    bool isGone;
+    bool hasEnded;
 };
 
 class FrameInletTest : public SysComTest {
