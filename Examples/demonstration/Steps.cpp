@@ -193,7 +193,9 @@ void Demonstration::sendNonsense()
 {
     testkit::Peer peer;
     peer.send(0x7777, ledServiceCpid);
-    awaitLine("sender=0x0F01F000");
+    char sender[32];
+    std::snprintf(sender, sizeof sender, "sender=0x%08X", AaSysComSicadGet(peer.cpid(), AaSysComGetOwnNid()));
+    awaitLine(sender);
     peer.send<LedSetReqMsg>(ledServiceCpid, {.led = 99, .colour = ELedColour_Red});
     require(peer.expect<LedSetRespMsg>(stepBound)->status == 1, "LedS takes an LED that it does not have");
 }

@@ -5,6 +5,7 @@
 #include "eu/Eu.hpp"
 #include "node/EeTable.hpp"
 #include "syscom/ActiveTransport.hpp"
+#include "syscom/MessageTap.hpp"
 
 #include <array>
 #include <atomic>
@@ -55,8 +56,11 @@ TAaSysComCpid CpidRegistry::acquire(TAaSysComCpid cpid, TAaProEuId id)
 
 TAaSysComCpid CpidRegistry::acquireAny(Eu& eu, TAaProEuId id)
 {
-    for (unsigned cpid = firstDynamic; cpid <= lastDynamic; ++cpid) {
-        const auto candidate = static_cast<TAaSysComCpid>(cpid);
+    // Not the one that has just become free: what is still on its way to its last holder is nobody else's.
+    constexpr unsigned count = lastDynamic - firstDynamic + 1U;
+    const unsigned start = generationWord().load(std::memory_order_relaxed);
+    for (unsigned step = 0; step < count; ++step) {
+        const auto candidate = static_cast<TAaSysComCpid>(firstDynamic + (start + step) % count);
         if (localHolder(candidate) == 0 && m_locks.tryLock(candidate)) {
             return hold(candidate, eu, id);
         }
@@ -90,6 +94,9 @@ TAaSysComCpid CpidRegistry::acquireExactly(TAaSysComCpid cpid, Eu& eu, TAaProEuI
 TAaSysComCpid CpidRegistry::hold(TAaSysComCpid cpid, Eu& eu, TAaProEuId id)
 {
     generationWord().fetch_add(1);
+    if (MessageTap* const tap = PerNode<MessageTap>::ifOpen()) {
+        tap->removeWatcher(cpid); // a holder that was killed may have watched
+    }
     holders[cpid].store(id, std::memory_order_release); // first: nobody of this process is to send through the socket
     try {
         Holding holding{id, std::make_unique<FrameInlet>(cpid, eu), nullptr};

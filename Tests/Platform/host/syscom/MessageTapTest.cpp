@@ -200,6 +200,20 @@ TEST_F(MessageTapTest, SuccessorOfAKilledWatcherSeesEachMessageOnce)
     EXPECT_FALSE(takeRecord(AA_NO_WAIT));
 }
 
+TEST_F(MessageTapTest, SuccessorOfAKilledWatcherThatDoesNotWatchSeesNothing)
+{
+    {
+        PeerProcess watcher;
+        ASSERT_EQ(watcher.ask({.order = Order::Watch, .cpid = cpid}).first, cpid);
+        watcher.kill();
+    }
+    ASSERT_EQ(AaSysComUserRegister(cpid, AaProEuCurrent()), cpid);
+
+    sendEmpty(1, addressOf(0x0BAD));
+
+    EXPECT_FALSE(takeRecord(AA_NO_WAIT));
+}
+
 TEST_F(MessageTapTest, KilledWatchersMakeRoomForANewOneAlthoughNothingIsSent)
 {
     {

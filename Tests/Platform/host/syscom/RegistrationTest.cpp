@@ -73,6 +73,27 @@ TEST_F(RegistrationTest, AnyCpidIsGrantedFromTheDynamicOnes)
     EXPECT_TRUE(m_log.texts().empty());
 }
 
+TEST_F(RegistrationTest, CpidThatHasJustBecomeFreeIsNotTheNextThatIsGiven)
+{
+    const IdleEu eu;
+    const TAaSysComCpid first = AaSysComUserRegister(0, eu.id());
+    AaSysComUserDeregister(first);
+
+    EXPECT_NE(AaSysComUserRegister(0, eu.id()), first);
+}
+
+TEST_F(RegistrationTest, AnyCpidIsGrantedFromTheFirstOnesAgainBehindTheLast)
+{
+    const IdleEu eu;
+    constexpr unsigned count = CpidRegistry::lastDynamic - CpidRegistry::firstDynamic + 1U;
+    for (unsigned round = 0; round <= count; ++round) {
+        const TAaSysComCpid granted = AaSysComUserRegister(0, eu.id());
+        ASSERT_GE(granted, CpidRegistry::firstDynamic);
+        ASSERT_LE(granted, CpidRegistry::lastDynamic);
+        AaSysComUserDeregister(granted);
+    }
+}
+
 TEST_F(RegistrationTest, HolderThatAsksAgainIsGranted)
 {
     ASSERT_EQ(AaSysComUserRegister(cpid, AaProEuCurrent()), cpid);
