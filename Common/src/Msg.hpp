@@ -51,6 +51,9 @@ public:
     Tpayload* GetPayload() { return payload; }
     Tpayload* operator->() { return payload; }
 
+    /// Returns the size of the payload in bytes, a tail behind the record included; 0 when there is no message.
+    unsigned int GetPayloadSize() { return AaSysComMsgGetPayloadSize(msg); }
+
     /// Sets the record to zero; a tail behind it is left as it is.
     void ClearPayload()
     {

@@ -76,7 +76,9 @@ public:
     /// Gives up the message queue and the cpid.
     virtual void Exit();
 
-    /// Called when the redundancy manager has given a command.
+    /// Called when the redundancy manager has given a command, which has been acknowledged already. The default is
+    /// ready for everything.
+    /// @param command may have a value that no enumerator has
     /// @param state receives what is to be answered
     /// @return true to have the state sent to the manager.
     virtual bool HandleRedundancyStateCommand(ERedundancyCommand command, ERedundancyState* state);
@@ -140,6 +142,31 @@ public:
         return AddMsgHandler(static_cast<Derived&>(*this), handler);
     }
 
+    /// Registers with the redundancy manager, the communication point 0x04E4 of the own node, and waits up to ten
+    /// seconds for its answer; other messages stay queued meanwhile. Call it on the main EU, from Init() or from a
+    /// delegate. What comes of it is logged; without an answer the service runs on unregistered.
+    void RegisterRedundancyService(ERedundancyMode mode);
+
+    /// Ends the registration. There is no answer. Call it on the main EU.
+    void UnRegisterRedundancyService();
+
+    /// Registers HandleRedundancyStateReqMsg() as the handler of the redundancy manager's commands (message 4019).
+    /// @return as AddMsgHandler().
+    bool AddRedundancyHandler();
+
+    /// Logs what the redundancy manager has answered.
+    /// @param msg message 4018; stays the caller's. Null, or one that is too short, is logged.
+    void HandleRedundancyRegisterRespMsg(void* msg);
+
+    /// Acknowledges a command of the redundancy manager, has HandleRedundancyStateCommand() react, and sends the state
+    /// that it gives, if it wants that. Failures are logged.
+    /// @param msg message 4019; stays the caller's. Null, or one that is too short, is logged and not answered.
+    void HandleRedundancyStateReqMsg(void* msg);
+
+    /// Tells whether this unit is the active one of its pair: configuration tag "sys.unit.state.ne-act", 4 bytes.
+    /// @return false also when the tag does not exist, cannot be read or has another size.
+    bool isActiveLcp() const;
+
     /// Returns the service's own address.
     TAaSysComSicad GetSicad();
     std::string GetName() { return m_name; }
@@ -175,6 +202,8 @@ private:
     bool isHelpWanted();
     unsigned int runMainEu();
     void dispatch(void* message);
+    bool sendRegistration(ERedundancyMode mode);
+    void sendRedundancyState(TAaSysComSicad receiver, ERedundancyCommand command, ERedundancyState state);
 };
 
 /// The service could not be started.

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "CHwapiException.hpp"
 #include "AbstractWorker.hpp"
+#include "HwapiAlarm.hpp"
 #include "InvalidParameterException.hpp"
 #include "MsgHandlingException.hpp"
-#include "MsgSendingException.hpp"
 #include "Service.hpp"
 
 #include <gtest/gtest.h>
@@ -89,7 +89,7 @@ TEST(CHwapiExceptionTest, RuntimeHasItsReason)
 
 TEST(CHwapiExceptionTest, MsgSendingHasItsReason)
 {
-    expectCaughtAsRoot(MsgSendingException("what failed", "Some.cpp", 12), "Message sending failed");
+    expectCaughtAsRoot(HwapiAlarm::MsgSendingException("what failed", "Some.cpp", 12), "Message sending failed");
 }
 
 TEST(CHwapiExceptionTest, MsgHandlingHasItsReason)

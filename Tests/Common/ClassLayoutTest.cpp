@@ -4,6 +4,7 @@
 #include "AbstractWorker.hpp"
 #include "ArgParser.hpp"
 #include "CHwapiException.hpp"
+#include "HwapiAlarm.hpp"
 #include "Msg.hpp"
 #include "MsgDelegateBase.hpp"
 #include "RecordingPlatform.hpp"
@@ -32,6 +33,8 @@ DORN_EXPOSE(OwnedTag, AbstractWorker::Task, bool, m_ownedByWorker)
 DORN_EXPOSE(ExecutingTag, AbstractWorker::Task, AbstractWorker*, m_excecutingWorker)
 DORN_EXPOSE(PayloadTag, Service::HwapiRedundancyStateReqMsg, SHwapiRedundancyStateReq*, payload)
 DORN_EXPOSE(MsgTag, Service::HwapiRedundancyStateReqMsg, void*, msg)
+DORN_EXPOSE(SenderCpidTag, HwapiAlarm, unsigned short, m_senderCpid)
+DORN_EXPOSE(FeatureTag, HwapiAlarm, unsigned int, m_feature)
 DORN_EXPOSE(UseCommonServiceStateTag, Service, unsigned int, m_useCommonServiceState)
 DORN_EXPOSE(RadStateIdTag, Service, ERadHwapiState, m_uRadStateId)
 DORN_EXPOSE(NameTag, Service, std::string, m_name)
@@ -97,6 +100,11 @@ TEST(ClassLayoutTest, OtherFunctionsOfServiceAreNotVirtual)
     EXPECT_EQ(slotOf(&Service::RemoveMsgDelegate), -1);
     EXPECT_EQ(slotOf(&Service::GetSicad), -1);
     EXPECT_EQ(slotOf(&Service::GetServiceStateRad), -1);
+    EXPECT_EQ(slotOf(&Service::RegisterRedundancyService), -1);
+    EXPECT_EQ(slotOf(&Service::UnRegisterRedundancyService), -1);
+    EXPECT_EQ(slotOf(&Service::HandleRedundancyRegisterRespMsg), -1);
+    EXPECT_EQ(slotOf(&Service::HandleRedundancyStateReqMsg), -1);
+    EXPECT_EQ(slotOf(&Service::isActiveLcp), -1);
 }
 
 TEST(ClassLayoutTest, VirtualFunctionsOfMsgDelegateBase)
@@ -165,6 +173,15 @@ TEST(ClassLayoutTest, MembersOfMsg)
 
     EXPECT_THAT(offsetsIn(msg, exposed(PayloadTag{}), exposed(MsgTag{})), ElementsAre(0U, word));
     EXPECT_EQ(sizeof msg, 2 * word);
+}
+
+TEST(ClassLayoutTest, MembersOfHwapiAlarm)
+{
+    const HwapiAlarm alarm;
+
+    static_assert(!std::is_polymorphic_v<HwapiAlarm>);
+    EXPECT_THAT(offsetsIn(alarm, exposed(SenderCpidTag{}), exposed(FeatureTag{})), ElementsAre(0U, 4U));
+    EXPECT_EQ(sizeof alarm, 8U);
 }
 
 TEST(ClassLayoutTest, MembersOfMsgDelegateBase)

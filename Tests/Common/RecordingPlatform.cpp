@@ -3,6 +3,7 @@
 
 #include "AaConfigRad.h"
 #include "AaConfigTag.h"
+#include "AaMem.h"
 #include "AaSem.h"
 #include "AaSysLog.h"
 
@@ -207,6 +208,38 @@ std::int32_t note(const std::string& call)
     return RecordingPlatform::get().note(call, call.substr(0, call.find('(')));
 }
 
+/// Hands out a tag's value with a zero byte behind it, as AaConfigTagGet() does.
+void handOut(const std::string& bytes, void** value, std::uint32_t* length)
+{
+    auto block = std::make_unique<char[]>(bytes.size() + 1);
+    std::memcpy(block.get(), bytes.c_str(), bytes.size() + 1);
+    *value = block.release();
+    *length = static_cast<std::uint32_t>(bytes.size());
+    ++RecordingPlatform::get().liveTagValues;
+}
+
+std::string hexText(const void* bytes, std::size_t size)
+{
+    std::string text;
+    for (std::size_t index = 0; index < size; ++index) {
+        text += formatted("%02X", static_cast<unsigned>(static_cast<const unsigned char*>(bytes)[index]));
+    }
+    return text;
+}
+
+std::int32_t send(const char* function, void** message)
+{
+    void* const sent = std::exchange(*message, nullptr);
+    if (!sent) {
+        return note(formatted("%s(null)", function));
+    }
+    const std::int32_t result = note(formatted("%s(%u, from 0x%X to 0x%X, ", function, messageOf(sent).id,
+                                               messageOf(sent).sender, messageOf(sent).receiver) +
+                                     hexText(messageOf(sent).payload.get(), messageOf(sent).size) + ")");
+    RecordingPlatform::get().endMessage(sent);
+    return result;
+}
+
 } // namespace
 
 // ------------------------------------------------------------------------------------------------- the seam: start-up
@@ -242,6 +275,40 @@ std::int32_t AaConfigTagSetU16(const char* name, std::uint16_t value)
 std::int32_t AaConfigTagReadFile(const char* path)
 {
     return note(formatted("AaConfigTagReadFile(\"%s\")", path));
+}
+
+std::int32_t AaConfigTagGet(const char* name, void** value, std::uint32_t* length)
+{
+    const std::int32_t result = note(formatted("AaConfigTagGet(\"%s\")", name));
+    const auto& tags = RecordingPlatform::get().tags;
+    if (result != 0 || !tags.contains(name)) {
+        return result != 0 ? result : EAaConfigTagStatus_NotFound;
+    }
+    handOut(tags.at(name), value, length);
+    return 0;
+}
+
+std::int32_t AaConfigTagGetDefault(const char* name, void** value, std::uint32_t* length, const void* defaultValue,
+                                   std::uint32_t defaultLength)
+{
+    const std::int32_t result =
+        note(formatted("AaConfigTagGetDefault(\"%s\", ", name) + hexText(defaultValue, defaultLength) + ")");
+    if (result == 0) {
+        const auto& tags = RecordingPlatform::get().tags;
+        const auto tag = tags.find(name);
+        handOut(tag == tags.end() ? std::string(static_cast<const char*>(defaultValue), defaultLength) : tag->second,
+                value, length);
+    }
+    return result;
+}
+
+void AaMemUnRefDbg(void* block, const char* /*file*/, std::uint32_t /*line*/)
+{
+    note(block ? "AaMemUnRefDbg()" : "AaMemUnRefDbg(null)");
+    if (block) {
+        --RecordingPlatform::get().liveTagValues;
+        delete[] static_cast<char*>(block);
+    }
 }
 
 const std::uint32_t* AaConfigRadViews[AA_CONFIG_RAD_VIEWS];
@@ -388,19 +455,13 @@ void* AaSysComMsgCreate(TAaSysComMsgId id, std::uint16_t payloadSize, TAaSysComS
 
 std::int32_t AaSysComMsgSend(void** message)
 {
-    void* const sent = std::exchange(*message, nullptr);
-    std::string bytes;
-    for (unsigned index = 0; sent && index < messageOf(sent).size; ++index) {
-        bytes += formatted("%02X", static_cast<unsigned>(messageOf(sent).payload[index]));
-    }
-    const std::int32_t result = note(sent ? formatted("AaSysComMsgSend(%u, from 0x%X to 0x%X, ", messageOf(sent).id,
-                                                      messageOf(sent).sender, messageOf(sent).receiver) +
-                                                bytes + ")"
-                                          : "AaSysComMsgSend(null)");
-    if (sent) {
-        RecordingPlatform::get().endMessage(sent);
-    }
-    return result;
+    return send("AaSysComMsgSend", message);
+}
+
+std::int32_t AaSysComMsgSendS(void** message, TAaSysComSicad sender)
+{
+    AaSysComMsgSetSender(*message, sender);
+    return send("AaSysComMsgSendS", message);
 }
 
 void* AaSysComMsgReceive(std::int32_t timeout)

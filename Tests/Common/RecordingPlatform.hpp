@@ -45,6 +45,7 @@ public:
     EAaProEuSchedulingPolicy policy = EAaProEuSchedulingPolicy_Fifo;
     std::optional<EAaProEuSchedulingPolicy> policyOfFailure; ///< what a call that fails stores; unset: nothing
     std::map<std::uint32_t, std::uint32_t> parameters;       ///< R&D parameters by identifier
+    std::map<std::string, std::string> tags;                 ///< values of configuration tags by name
     bool canCreateMessages = true;
 
     /// What happens when a message is waited for and none is there: a test calls wakeUp() or queueMessage() here.
@@ -57,6 +58,8 @@ public:
                       TAaSysComSicad receiver = 0x0F010456U);
     /// Messages that have been created or queued and not yet been sent or destroyed.
     std::size_t liveMessages() const;
+    /// Values of tags that have been handed out and not yet released.
+    std::size_t liveTagValues = 0;
 
     /// What a process that is asked to end does; false when the process would just have ended.
     bool requestEnd();
