@@ -16,6 +16,7 @@ public:
     std::int32_t temperature() const { return m_temperature; } ///< degrees Celsius
     std::uint32_t fanPercent() const { return m_fanPercent; }
     std::uint32_t alarmLevel() const; ///< 0 cool, 1 warm, 2 hot
+    bool isHot() const { return m_temperature >= hotLimit; }
 
 private:
     static constexpr std::int32_t warmLimit = 60;

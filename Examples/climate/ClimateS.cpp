@@ -5,8 +5,12 @@
 #include "AaSysLog.h"
 
 #include <array>
+#include <utility>
 
 namespace dorn::examples {
+
+using namespace vel::hwapi::common;
+
 namespace {
 
 constexpr std::int64_t measuringPeriod = 500000; // micro-seconds
@@ -15,9 +19,12 @@ constexpr std::array<std::uint32_t, 3> colourOfLevel{ELedColour_Green, ELedColou
 
 } // namespace
 
-ClimateS::ClimateS() : Service("ClimateS", climateServiceCpid, ERadHwapi_ClimateS, ERadHwapiState_ClimateState)
+ClimateS::ClimateS()
+    : Service("ClimateS", climateServiceCpid, ERadHwapi_ClimateS, ERadHwapiState_ClimateState),
+      m_alarm(climateServiceCpid, ERadHwapi_ClimateS)
 {
-    GetArgumentParser().SetArgumentInfo("-v Switch this service's prints on\n");
+    GetArgumentParser().SetArgumentInfo("-v Switch this service's prints on\n"
+                                        "--redundancy Take part in switch-overs\n");
 }
 
 unsigned int ClimateS::PreStartup()
@@ -34,6 +41,19 @@ void ClimateS::Init()
     if (AaTimerArm(measuringPeriod, this) == 0) {
         throw InitFailedException("No timer to measure by", __FILE__, __LINE__);
     }
+    if (GetArgumentParser().ReadArgument("redundancy") == "arg on") {
+        AddRedundancyHandler();
+        RegisterRedundancyService(ERedundancyMode_All);
+    }
+}
+
+bool ClimateS::HandleRedundancyStateCommand(ERedundancyCommand command, ERedundancyState* state)
+{
+    if (command == ERedundancyCommand_CardState) {
+        *state = isActiveLcp() ? ERedundancyState_SelfActive : ERedundancyState_SelfStandby;
+        return true;
+    }
+    return Service::HandleRedundancyStateCommand(command, state); // both units keep cool: there is nothing to prepare
 }
 
 void ClimateS::HandleTimeOut(TimeOutMsg)
@@ -50,6 +70,23 @@ void ClimateS::measure()
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, GetRadId(), "Board %d C, air %u C, fan %u %%",
                    m_thermals.temperature(), ambient, m_thermals.fanPercent());
     showAlarmLevel();
+    reportHeat();
+}
+
+void ClimateS::reportHeat()
+{
+    const bool wasHot = std::exchange(m_isHot, m_thermals.isHot());
+    if (!m_isHot || wasHot) {
+        return;
+    }
+    const std::int32_t temperature = m_thermals.temperature();
+    try {
+        m_alarm.sendAlarmMsg(EFaultId_BoardOverheated, &temperature, sizeof temperature);
+    } catch (const HwapiAlarm::MsgSendingException& failure) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "Heat not reported: %s",
+                       failure.getDescription().c_str());
+        m_isHot = false; // tried again at the next measurement
+    }
 }
 
 void ClimateS::showAlarmLevel()

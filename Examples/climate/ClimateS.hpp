@@ -6,12 +6,14 @@
 #include "AaTimer.h"
 #include "BoardThermals.hpp"
 #include "ClimateMessages.hpp"
+#include "HwapiAlarm.hpp"
 #include "LedMessages.hpp"
 #include "Service.hpp"
 
 namespace dorn::examples {
 
-/// Measures every half second, drives the fan, and has the LED service show how warm it is.
+/// Measures every half second, drives the fan, has the LED service show how warm it is, and raises an alarm when the
+/// board gets hot. With the option --redundancy it takes part in switch-overs.
 class ClimateS : public vel::hwapi::common::Service {
 public:
     ClimateS();
@@ -25,13 +27,18 @@ private:
 
     unsigned int PreStartup() override;
     void Init() override;
+    bool HandleRedundancyStateCommand(vel::hwapi::common::ERedundancyCommand command,
+                                      vel::hwapi::common::ERedundancyState* state) override;
     void HandleTimeOut(TimeOutMsg timeOut);
     void HandleStatusReq(ClimateStatusReqMsg request);
     void HandleLedSetResp(LedSetRespMsg answer);
     void measure();
     void showAlarmLevel();
+    void reportHeat();
 
     BoardThermals m_thermals;
+    vel::hwapi::common::HwapiAlarm m_alarm;
+    bool m_isHot = false;                         ///< and has been reported
     std::uint32_t m_shownColour = ELedColour_Off; ///< what the LED service has confirmed
     std::uint32_t m_askedColour = ELedColour_Off;
 };
