@@ -3,12 +3,12 @@
 
 #include "AaPro.h"
 #include "MessageText.hpp"
+#include "NodeMessages.hpp"
 #include "NodePlace.hpp"
 #include "Program.hpp"
 #include "TimeLimit.hpp"
 #include "Values.hpp"
 #include "Watch.hpp"
-#include "node/EeTable.hpp"
 #include "node/PerNode.hpp"
 #include "syscom/MessageTap.hpp"
 
@@ -40,100 +40,6 @@ struct WatchOptions {
     WatchLimits limits;
 };
 
-struct DestroyMessage {
-    void operator()(void* message) const { AaSysComMsgDestroy(&message); }
-};
-using MessageHandle = std::unique_ptr<void, DestroyMessage>;
-
-BytesView payloadOf(void* message)
-{
-    return {static_cast<const std::byte*>(AaSysComMsgGetPayload(message)), AaSysComMsgGetPayloadSize(message)};
-}
-
-/// The own node's id as it stands in addresses.
-TAaSysComNid ownNode()
-{
-    constexpr TAaSysComNid nodeWithoutId = 0x0F01;
-    const TAaSysComNid id = AaSysComGetOwnNid();
-    return id != 0 ? id : nodeWithoutId;
-}
-
-/// Knows the services by a look at the node's list, which it renews twice a second.
-class NameBook {
-public:
-    explicit NameBook(const NodePlace& node)
-        : m_table(node.has(NodePart::Services) ? &host::PerNode<host::EeTable>::get() : nullptr)
-    {
-    }
-
-    std::string ofCpid(TAaSysComCpid cpid)
-    {
-        return nameWhere([cpid](const host::EeInfo& service) {
-            return std::any_of(service.cpids.begin(), service.cpids.end(),
-                               [cpid](const host::EeInfo::Cpid& held) { return held.cpid == cpid; });
-        });
-    }
-    std::string ofPid(std::int32_t pid)
-    {
-        return nameWhere([pid](const host::EeInfo& service) { return service.pid == pid; });
-    }
-    /// The cpid by which a living service is known; 0 when there is none of this name.
-    TAaSysComCpid cpidOf(const std::string& name)
-    {
-        renew();
-        const auto found = std::find_if(m_services.begin(), m_services.end(),
-                                        [&name](const host::EeInfo& service) { return service.name == name; });
-        return found == m_services.end() ? TAaSysComCpid{0} : found->cpid;
-    }
-    Names names()
-    {
-        return {ownNode(), [this](TAaSysComCpid cpid) { return ofCpid(cpid); },
-                [this](std::int32_t pid) { return ofPid(pid); }};
-    }
-
-private:
-    template <class Condition>
-    std::string nameWhere(const Condition& isMeant)
-    {
-        renew();
-        const auto found = std::find_if(m_services.begin(), m_services.end(), isMeant);
-        return found == m_services.end() ? "" : found->name;
-    }
-
-    void renew()
-    {
-        constexpr auto period = std::chrono::milliseconds(500);
-        const host::Nanoseconds now = host::Clock::get().monotonic();
-        if (m_table && now >= m_renewAt) {
-            m_services = m_table->list();
-            std::erase_if(m_services, [](const host::EeInfo& service) { return !service.alive; });
-            m_renewAt = now + period;
-        }
-    }
-
-    const host::EeTable* m_table;
-    std::vector<host::EeInfo> m_services;
-    host::Nanoseconds m_renewAt{};
-};
-
-/// A communication point for the calling thread, any free one.
-class CommunicationPoint {
-public:
-    CommunicationPoint() : m_cpid(AaSysComUserRegister(0, AaProEuCurrent()))
-    {
-        if (m_cpid == 0) {
-            throw Failure("no cpid can be had on " + NodePlace().nodeName() + "; set DORN_LOG=stderr to see why");
-        }
-    }
-    ~CommunicationPoint() { AaSysComUserDeregister(m_cpid); }
-    CommunicationPoint(const CommunicationPoint&) = delete;
-    CommunicationPoint& operator=(const CommunicationPoint&) = delete;
-    TAaSysComCpid cpid() const { return m_cpid; }
-
-private:
-    TAaSysComCpid m_cpid;
-};
-
 /// A communication point to which the node's messages are shown.
 class WatchPoint {
 public:
@@ -153,16 +59,6 @@ private:
 
     CommunicationPoint m_point;
 };
-
-/// The next message of the calling thread; null when none came in time or when the thread was woken.
-MessageHandle receive(host::Deadline until)
-{
-    constexpr host::Nanoseconds longest = std::chrono::minutes(10);
-    const host::Nanoseconds left =
-        until == host::noDeadline ? longest : std::min(until - host::Clock::get().monotonic(), longest);
-    const auto timeout = std::chrono::ceil<std::chrono::microseconds>(std::max(left, host::Nanoseconds(0)));
-    return MessageHandle(AaSysComMsgReceive(static_cast<std::int32_t>(timeout.count())));
-}
 
 // ---------------------------------------------------------------------------------------------------------------- send
 
@@ -186,8 +82,8 @@ Letter letterOf(const SendOptions& options)
     }
     letter.payload = options.text.empty() ? parseHex("--payload", options.payload) : bytesOf(options.text);
     if (letter.payload.size() > AA_SYS_COM_MAX_PAYLOAD) {
-        throw UsageError("a message has at most " + std::to_string(AA_SYS_COM_MAX_PAYLOAD) + " payload bytes, this one " +
-                         std::to_string(letter.payload.size()));
+        throw UsageError("a message has at most " + std::to_string(AA_SYS_COM_MAX_PAYLOAD) +
+                         " payload bytes, this one " + std::to_string(letter.payload.size()));
     }
     if (!options.patience.empty()) {
         letter.patience = parseSeconds("--wait-reply", options.patience);
@@ -329,11 +225,11 @@ Outcome watch(const WatchOptions& options, Console& console)
 void addSend(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<SendOptions>();
-    CLI::App& verb = program.addVerb(
-        noun,
-        {"send", "Sends a message, and prints the reply if one is waited for",
-         "dorn msg send ClimateS --id 0x2111 --payload 07000000 --wait-reply 1", "dorn service list --names"},
-        [options](Console& console) { return send(*options, console); });
+    CLI::App& verb = program.addVerb(noun,
+                                     {"send", "Sends a message, and prints the reply if one is waited for",
+                                      "dorn msg send ClimateS --id 0x2111 --payload 07000000 --wait-reply 1",
+                                      "dorn service list --names"},
+                                     [options](Console& console) { return send(*options, console); });
     verb.add_option("CPID", options->receiver, "Who gets it: a cpid, or the name of a service")->required();
     verb.add_option("--id", options->id, "Message id; 0 without it")->type_name("N");
     CLI::Option* const payload =
@@ -348,10 +244,10 @@ void addSend(Program& program, CLI::App& noun)
 void addWatch(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<WatchOptions>();
-    CLI::App& verb = program.addVerb(
-        noun,
-        {"watch", "Prints the messages of the node as they are sent, until Ctrl-C", "dorn msg watch --cpid 0x0212 --hex"},
-        [options](Console& console) { return watch(*options, console); });
+    CLI::App& verb = program.addVerb(noun,
+                                     {"watch", "Prints the messages of the node as they are sent, until Ctrl-C",
+                                      "dorn msg watch --cpid 0x0212 --hex"},
+                                     [options](Console& console) { return watch(*options, console); });
     verb.add_option("--id", options->id, "Only messages with this id")->type_name("N");
     verb.add_option("--cpid", options->cpid, "Only messages from or to this cpid")->type_name("N");
     verb.add_flag("--hex", options->isDumped, "Prints the payloads");

@@ -13,6 +13,8 @@ void addRadNoun(Program& program);
 void addTagNoun(Program& program);
 void addMsgNoun(Program& program);
 void addLogNoun(Program& program);
+void addAlarmNoun(Program& program);
+void addRedundancyNoun(Program& program);
 void addCompletionNoun(Program& program);
 
 /// Adds them all, in the order of the help.
@@ -23,6 +25,8 @@ inline void addNouns(Program& program)
     addTagNoun(program);
     addMsgNoun(program);
     addLogNoun(program);
+    addAlarmNoun(program);
+    addRedundancyNoun(program);
     addCompletionNoun(program);
 }
 

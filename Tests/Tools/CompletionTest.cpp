@@ -37,8 +37,8 @@ protected:
 
 TEST_F(CompletionTest, NounsAreProposed)
 {
-    EXPECT_EQ(proposals({""}), "service\nrad\ntag\nmsg\nlog\ncompletion\n--help\n-h\n--version\n");
-    EXPECT_EQ(proposals({"r"}), "rad\n");
+    EXPECT_EQ(proposals({""}), "service\nrad\ntag\nmsg\nlog\nalarm\nredundancy\ncompletion\n--help\n-h\n--version\n");
+    EXPECT_EQ(proposals({"r"}), "rad\nredundancy\n");
 }
 
 TEST_F(CompletionTest, VerbsAreProposedBehindTheirNoun)

@@ -61,6 +61,8 @@ TEST_F(ProgramTest, HelpNamesEveryNoun)
               "  tag                     The configuration tags of the node\n"
               "  msg                     The messages of the node\n"
               "  log                     The log of the node: the latest lines of all its processes by time\n"
+              "  alarm                   The alarms of the node\n"
+              "  redundancy              The unit's part in a redundant pair\n"
               "  completion              Completion of this command in a shell\n"
               "\n"
               "Exit status: 0 fine, 1 the answer is no, 2 wrong use.\n"
@@ -121,9 +123,10 @@ TEST_P(WrongUseTest, IsExplainedAndStatus2)
 INSTANTIATE_TEST_SUITE_P(
     Lines, WrongUseTest,
     ::testing::Values(
-        WrongUseCase{"dorn", "dorn: 'dorn' needs a noun: completion, log, msg, rad, service, tag\nTry 'dorn --help'\n"},
-        WrongUseCase{"dorn foo",
-                     "dorn: unknown noun 'foo'; there are completion, log, msg, rad, service, tag\nTry 'dorn --help'\n"},
+        WrongUseCase{"dorn", "dorn: 'dorn' needs a noun: alarm, completion, log, msg, rad, redundancy, service, "
+                             "tag\nTry 'dorn --help'\n"},
+        WrongUseCase{"dorn foo", "dorn: unknown noun 'foo'; there are alarm, completion, log, msg, rad, redundancy, "
+                                 "service, tag\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn --foo", "dorn: unknown option '--foo' of 'dorn'\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn rad", "dorn: 'dorn rad' needs a verb: get, list, set, watch\nTry 'dorn rad --help'\n"},
         WrongUseCase{"dorn rad lst",
@@ -154,15 +157,17 @@ INSTANTIATE_TEST_SUITE_P(
                      "dorn: '--u16' and '--u32' do not go together\nTry 'dorn tag set --help'\n"},
         WrongUseCase{"dorn tag set a --u16 65536",
                      "dorn: --u16: 65536 is too great; the greatest is 65535\nTry 'dorn tag set --help'\n"},
-        WrongUseCase{"dorn tag set a --hex 1", "dorn: --hex: '1' at position 1 is not a byte in two hexadecimal digits\n"
-                                               "Try 'dorn tag set --help'\n"},
+        WrongUseCase{"dorn tag set a --hex 1",
+                     "dorn: --hex: '1' at position 1 is not a byte in two hexadecimal digits\n"
+                     "Try 'dorn tag set --help'\n"},
         WrongUseCase{"dorn tag get a --as float",
                      "dorn: --as: 'float' is none of text, u16, u32, hex\nTry 'dorn tag get --help'\n"},
         WrongUseCase{"dorn msg send 1 --json", "dorn: '--json' needs '--wait-reply'\nTry 'dorn msg send --help'\n"},
         WrongUseCase{"dorn msg send 65536",
                      "dorn: CPID: 65536 is too great; the greatest is 65535\nTry 'dorn msg send --help'\n"},
-        WrongUseCase{"dorn msg watch --cpid x", "dorn: --cpid: 'x' is not a number (decimal, or hexadecimal behind 0x)\n"
-                                                "Try 'dorn msg watch --help'\n"},
+        WrongUseCase{"dorn msg watch --cpid x",
+                     "dorn: --cpid: 'x' is not a number (decimal, or hexadecimal behind 0x)\n"
+                     "Try 'dorn msg watch --help'\n"},
         WrongUseCase{"dorn log --count 1", "dorn: '--count' needs '--follow'\nTry 'dorn log --help'\n"},
         WrongUseCase{"dorn log -n many", "dorn: --lines: 'many' is not a number (decimal, or hexadecimal behind 0x)\n"
                                          "Try 'dorn log --help'\n"},
@@ -202,10 +207,9 @@ TEST_F(ProgramTest, EveryVerbHasAnExampleThatIsUnderstood)
 
 TEST_F(ProgramTest, VerbsThatOnlyReadMakeNothing)
 {
-    for (const std::string line :
-         {"dorn service list", "dorn rad list", "dorn rad get FIRM", "dorn rad set FIRM 1", "dorn rad watch",
-          "dorn tag list", "dorn tag get a", "dorn tag watch", "dorn msg send 1", "dorn msg watch", "dorn log",
-          "dorn log -f"}) {
+    for (const std::string line : {"dorn service list", "dorn rad list", "dorn rad get FIRM", "dorn rad set FIRM 1",
+                                   "dorn rad watch", "dorn tag list", "dorn tag get a", "dorn tag watch",
+                                   "dorn msg send 1", "dorn msg watch", "dorn log", "dorn log -f"}) {
         EXPECT_EQ(run(line), Outcome::No) << line;
         EXPECT_TRUE(std::filesystem::is_empty(m_node.runDirectory())) << line;
     }

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "Manager.hpp"
+
+#include "TimeLimit.hpp"
+
+#include <unistd.h>
+
+namespace dorn::tool {
+namespace {
+
+constexpr std::chrono::milliseconds patience{1500}; // within answerLimit
+
+std::uint32_t transactionOf(BytesView payload)
+{
+    std::uint32_t id = 0;
+    std::memcpy(&id, payload.data(), sizeof id);
+    return id;
+}
+
+bool isAnswer(void* message, TAaSysComMsgId id, std::size_t leastSize, std::uint32_t transactionId)
+{
+    return AaSysComMsgGetId(message) == id && AaSysComMsgGetPayloadSize(message) >= leastSize &&
+           transactionOf(payloadOf(message)) == transactionId;
+}
+
+std::string onNode(const std::string& text)
+{
+    return text + " on " + NodePlace().nodeName();
+}
+
+[[noreturn]] void explain(const Manager& manager, std::int32_t status)
+{
+    const std::string name = manager.name;
+    switch (status) {
+    case EAaSysComStatus_NoReceiver:
+        throw Failure(onNode(name + " does not run") + "; start " + manager.executable);
+    case EAaSysComStatus_QueueFull:
+        throw Failure(onNode(name) + " does not take its messages: its queue stays full");
+    default:
+        throw Failure(onNode(name) + " cannot be asked: memory or descriptors have run out");
+    }
+}
+
+} // namespace
+
+std::uint32_t newTransactionId()
+{
+    static std::uint32_t last = static_cast<std::uint32_t>(getpid()) << 8U;
+    return ++last;
+}
+
+std::int32_t sendToManager(const Manager& manager, TAaSysComMsgId id, BytesView payload)
+{
+    void* message =
+        AaSysComMsgCreate(id, static_cast<std::uint16_t>(payload.size()), AaSysComSicadGet(manager.cpid, ownNode()));
+    if (!message) {
+        return EAaSysComStatus_NoResources;
+    }
+    std::memcpy(AaSysComMsgGetPayload(message), payload.data(), payload.size());
+    return AaSysComMsgSend(&message);
+}
+
+MessageHandle askManager(const Manager& manager, TAaSysComMsgId id, BytesView request, TAaSysComMsgId answerId,
+                         std::size_t leastSize)
+{
+    const host::Deadline until = host::Clock::get().monotonic() + patience;
+    if (const std::int32_t status = sendToManager(manager, id, request); status != EAaSysComStatus_Ok) {
+        explain(manager, status);
+    }
+    const std::uint32_t transactionId = transactionOf(request);
+    while (MessageHandle message = receive(until)) {
+        if (isAnswer(message.get(), answerId, leastSize, transactionId)) {
+            return message;
+        }
+    }
+    throw Failure(onNode(manager.name) + " does not answer");
+}
+
+} // namespace dorn::tool

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+#include "RedundancyText.hpp"
+
+#include "RedundancyNames.hpp"
+#include "Table.hpp"
+
+namespace dorn::tool {
+namespace {
+
+using namespace examples;
+using namespace vel::hwapi::common;
+
+/// The name of a number; the number where there is none; "-" for 0, which stands for nothing yet.
+std::string orNumber(const char* name, std::uint32_t number)
+{
+    return *name != '\0' ? name : number == 0 ? "-" : std::to_string(number);
+}
+
+std::string stateText(const SRedundantService& service)
+{
+    return orNumber(redundancyStateName(service.state), service.state);
+}
+
+std::string commandText(const SRedundantService& service)
+{
+    return orNumber(nameIn(redundancyCommandNames, service.command), service.command);
+}
+
+std::string modeText(const SRedundantService& service)
+{
+    return orNumber(nameIn(redundancyModeNames, service.mode), service.mode);
+}
+
+Party partyOf(const SRedundantService& service, const Names& names)
+{
+    const bool isHere = service.address >> 16 == names.ownNode;
+    return {isHere ? names.ofCpid(static_cast<TAaSysComCpid>(service.address & 0xFFFFU)) : "", service.address};
+}
+
+Colour colourOf(const SRedundantService& service)
+{
+    switch (service.state) {
+    case ERedundancyState_HwapiFailure:
+    case ERedundancyState_TesselFailure:
+    case ERedundancyState_NoMateCard:
+    case ERedundancyState_Timeout:
+        return Colour::Red;
+    case ERedundancyState_Unfinished:
+    case 0:
+        return Colour::Yellow;
+    default:
+        return Colour::Green;
+    }
+}
+
+} // namespace
+
+std::string roleText(std::uint32_t role)
+{
+    return role < unitRoleNames.size() ? unitRoleNames[role] : std::to_string(role);
+}
+
+std::string redundancyText(std::uint32_t role, const std::vector<SRedundantService>& services, const Names& names,
+                           const Console& console)
+{
+    std::string text = "unit: " + roleText(role) + "\n";
+    if (services.empty()) {
+        return text;
+    }
+    Table table({"SERVICE", "MODE", "STATE", "AFTER"});
+    for (const SRedundantService& service : services) {
+        table.add({partyText(partyOf(service, names), names.ownNode),
+                   modeText(service),
+                   {stateText(service), colourOf(service)},
+                   commandText(service)});
+    }
+    return text + table.text(console);
+}
+
+Json redundancyJson(std::uint32_t role, const std::vector<SRedundantService>& services, const Names& names)
+{
+    Json list = Json::array();
+    for (const SRedundantService& service : services) {
+        const Party party = partyOf(service, names);
+        list.push_back({{"name", party.name},
+                        {"node", party.address >> 16},
+                        {"cpid", party.address & 0xFFFFU},
+                        {"mode", modeText(service)},
+                        {"state", service.state == 0 ? Json(nullptr) : Json(stateText(service))},
+                        {"command", service.command == 0 ? Json(nullptr) : Json(commandText(service))}});
+    }
+    return {{"unit", roleText(role)}, {"services", list}};
+}
+
+std::string failureText(const SRedundantService& service, const Names& names)
+{
+    const std::string state = service.state == 0 ? "no state" : stateText(service);
+    return partyText(partyOf(service, names), names.ownNode) + " after " + commandText(service) + ": " + state;
+}
+
+} // namespace dorn::tool
