@@ -511,6 +511,43 @@ TEST_F(RedundancyManagerSTest, TimeOutOfAnEarlierSwitchDoesNotEndALaterOne)
     m_operator.expectNothing();
 }
 
+TEST_F(RedundancyManagerSTest, TimeOutThatArrivesLateIsPassedOver)
+{
+    m_first.enlist();
+    askToSwitch(EUnitRole_Active);
+    m_first.expect<StateReqMsg>();
+
+    m_first.send(AA_TIMER_MSG_TIMEOUT, redundancyManagerCpid, std::string(sizeof(void*), '\0'));
+    m_running->sync();
+
+    m_operator.expectNothing();
+}
+
+TEST_F(RedundancyManagerSTest, RefusalOfAnEarlierCommandIsPassedOver)
+{
+    m_first.enlist();
+    askToSwitch(EUnitRole_Active);
+    m_first.obey();
+    const auto second = m_first.expect<StateReqMsg>();
+
+    m_first.send<StateRespMsg>(redundancyManagerCpid,
+                               {second->transactionId - 1, ERedundancyCommand_PrepareActive, 13});
+    m_running->sync();
+
+    m_operator.expectNothing();
+}
+
+TEST_F(RedundancyManagerSTest, SwitchThatHasEndedLeavesNoTimeOut)
+{
+    const testkit::CountCalls<AaTimerCancel> cancelled;
+
+    askToSwitch(EUnitRole_Active);
+    ASSERT_EQ(switched().status, ERedundancySwitchStatus_Done);
+    m_running->sync();
+
+    EXPECT_EQ(cancelled.count(), 1U);
+}
+
 // --------------------------------------------------------------------------------------------- a manager that comes
 // back
 
