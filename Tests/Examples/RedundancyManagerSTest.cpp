@@ -548,8 +548,7 @@ TEST_F(RedundancyManagerSTest, SwitchThatHasEndedLeavesNoTimeOut)
     EXPECT_EQ(cancelled.count(), 1U);
 }
 
-// --------------------------------------------------------------------------------------------- a manager that comes
-// back
+// --------------------------------------------------------------------------------------------------------- coming back
 
 TEST_F(RedundancyManagerSTest, ManagerThatComesBackKnowsItsServicesAndItsRole)
 {
