@@ -7,7 +7,7 @@ AbstractWorker::Task::~Task() = default;
 
 AbstractWorker* AbstractWorker::Task::getExecutingWorker() const
 {
-    return m_excecutingWorker;
+    return __atomic_load_n(&m_excecutingWorker, __ATOMIC_ACQUIRE); // std::atomic_ref takes no const object
 }
 
 bool AbstractWorker::Task::isOwnedByWorker() const
@@ -17,7 +17,7 @@ bool AbstractWorker::Task::isOwnedByWorker() const
 
 void AbstractWorker::Task::setExecutingWorker(AbstractWorker* worker)
 {
-    m_excecutingWorker = worker;
+    __atomic_store_n(&m_excecutingWorker, worker, __ATOMIC_RELEASE);
 }
 
 void AbstractWorker::Task::setOwnedByWorker(bool owned)

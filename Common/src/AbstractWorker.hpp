@@ -34,6 +34,7 @@ public:
     /// Queues a task; the caller deletes it, and not before it has run.
     virtual void AssignTaskAndKeepOwnership(Task* task) = 0;
 
+    /// Tells whether Setup() has succeeded.
     virtual bool IsSetupDone() = 0;
 
     /// Starts the thread; called by Setup().
@@ -51,10 +52,11 @@ public:
     virtual ~Task();
 
     /// Does the work, on the worker's thread. It may throw TaskException to have a failure logged; the worker goes on
-    /// with its next task, and does not delete this one.
+    /// with its next task, and does not delete this one. Any other exception is logged without its text.
     virtual void Perform() = 0;
 
-    /// The worker that is running the task now; null at other times.
+    /// The worker that is running the task now; null at other times. It stays set when Perform() has thrown. May be
+    /// called from any thread.
     virtual AbstractWorker* getExecutingWorker() const;
     /// Tells whether the worker deletes the task after it has run.
     virtual bool isOwnedByWorker() const;

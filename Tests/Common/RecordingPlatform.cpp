@@ -382,6 +382,22 @@ TAaProEuId AaProEuCurrent()
     return 7;
 }
 
+namespace {
+
+/// An EU ends before the call that creates it does, whether or not the caller asked to wait.
+std::int32_t runEu(TAaProEuId* euId, TAaSysComEuEntry entry, const void* args, std::uint32_t argsSize)
+{
+    if (euId) {
+        *euId = 7;
+    }
+    std::vector<void*> block((argsSize + sizeof(void*) - 1) / sizeof(void*));
+    std::memcpy(block.data(), args, argsSize);
+    std::thread(entry, block.data()).join();
+    return 0;
+}
+
+} // namespace
+
 std::int32_t AaSysComEuCreateAndStartWithPolicy(TAaProEuId* euId, const char* name, TAaSysComEuEntry entry,
                                                 std::uint32_t stackSize, EAaProEuSchedulingPolicy policy,
                                                 std::uint32_t priority, const void* args, std::uint32_t argsSize,
@@ -390,16 +406,16 @@ std::int32_t AaSysComEuCreateAndStartWithPolicy(TAaProEuId* euId, const char* na
     const std::int32_t result = note(
         formatted("AaSysComEuCreateAndStartWithPolicy(\"%s\", stack %u, policy %d, priority %u, argsSize %u, wait %u)",
                   name, stackSize, static_cast<int>(policy), priority, argsSize, waitForEnd));
-    if (result != 0) {
-        return result;
-    }
-    if (euId) {
-        *euId = 7;
-    }
-    std::vector<void*> block((argsSize + sizeof(void*) - 1) / sizeof(void*));
-    std::memcpy(block.data(), args, argsSize);
-    std::thread(entry, block.data()).join();
-    return 0;
+    return result != 0 ? result : runEu(euId, entry, args, argsSize);
+}
+
+std::int32_t AaSysComEuCreateAndStart(TAaProEuId* euId, const char* name, TAaSysComEuEntry entry,
+                                      std::uint32_t stackSize, std::uint32_t priority, const void* args,
+                                      std::uint32_t argsSize)
+{
+    const std::int32_t result = note(formatted("AaSysComEuCreateAndStart(\"%s\", stack %u, priority %u, argsSize %u)",
+                                               name, stackSize, priority, argsSize));
+    return result != 0 ? result : runEu(euId, entry, args, argsSize);
 }
 
 void AaSysComEuWakeUp(TAaProEuId euId)

@@ -6,12 +6,14 @@
 /// lives, it answers; one lives at a time.
 #pragma once
 
+#include "AaSem.h"
 #include "AaStartup.h"
 #include "AaSysCom.h"
 
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -71,6 +73,9 @@ public:
     void endMessage(void* message);
     void wakeUp();
     TAaStartupShutdownHandler shutdownHandler = nullptr;
+    /// Semaphores in the order in which they were created: the first one is number 1 in the calls. They end with the
+    /// platform.
+    std::vector<std::shared_ptr<AaSem>> semaphores;
 
 private:
     mutable std::recursive_mutex m_mutex;
