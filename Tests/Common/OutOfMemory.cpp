@@ -5,6 +5,7 @@
 #include <new>
 
 bool dorn::test::memoryIsOut = false;
+constinit std::atomic<std::size_t> dorn::test::memoryTaken{0};
 
 void* operator new(std::size_t size)
 {
@@ -12,6 +13,7 @@ void* operator new(std::size_t size)
     if (!block) {
         throw std::bad_alloc();
     }
+    dorn::test::memoryTaken.fetch_add(size, std::memory_order_relaxed);
     return block;
 }
 
