@@ -97,9 +97,12 @@ constinit std::atomic<Clock*> Clock::s_current{&systemClock};
 
 Deadline Clock::after(std::int64_t timeout) const
 {
+    if (timeout < 0) {
+        return noDeadline;
+    }
     const Nanoseconds now = monotonic();
     const auto greatest = std::chrono::duration_cast<std::chrono::microseconds>(noDeadline - now);
-    return timeout < 0 || timeout >= greatest.count() ? noDeadline : now + std::chrono::microseconds(timeout);
+    return timeout >= greatest.count() ? noDeadline : now + std::chrono::microseconds(timeout);
 }
 
 void wakeWaiters(std::atomic<std::uint32_t>& word, int count, bool shared)

@@ -8,6 +8,7 @@
 #include <utility>
 
 struct AaSem {
+    explicit AaSem(std::uint32_t count) : semaphore(count) {}
     dorn::host::Semaphore semaphore;
 };
 
@@ -17,7 +18,7 @@ struct AaSemReMutex {
 
 AaSem* AaSemCreateC(uint32_t initialCount)
 {
-    return new (std::nothrow) AaSem{dorn::host::Semaphore(initialCount)};
+    return new (std::nothrow) AaSem(initialCount);
 }
 
 void AaSemDestroy(AaSem** sem)
@@ -33,7 +34,10 @@ int32_t AaSemTake(AaSem* sem, int32_t timeout)
     if (!sem) {
         return 1;
     }
-    return sem->semaphore.take(timeout == AA_NO_WAIT ? Deadline(0) : Clock::get().after(timeout)) ? 0 : 1;
+    if (sem->semaphore.tryTake()) {
+        return 0;
+    }
+    return timeout != AA_NO_WAIT && sem->semaphore.take(Clock::get().after(timeout)) ? 0 : 1;
 }
 
 int32_t AaSemGive(AaSem* sem)

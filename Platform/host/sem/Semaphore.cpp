@@ -1,95 +1,77 @@
 // SPDX-License-Identifier: MIT
 #include "sem/Semaphore.hpp"
 
-#include <bit>
-#include <limits>
-
 namespace dorn::host {
-namespace {
 
-constexpr std::uint64_t oneWaiter = std::uint64_t{1} << 32;
-
-std::uint32_t countOf(std::uint64_t state)
-{
-    return static_cast<std::uint32_t>(state);
-}
-
-} // namespace
-
-/// The futex lies on the half of the state that holds the count. Only its address is used, by the kernel.
-std::atomic<std::uint32_t>& Semaphore::countWord()
-{
-    auto* const halves = reinterpret_cast<std::atomic<std::uint32_t>*>(&m_state);
-    return halves[std::endian::native == std::endian::little ? 0 : 1];
-}
-
-/// Counts a waiter in and out. One whose thread is cancelled may have been woken for a count: another gets it then.
+/// Counts a waiter out whose thread is cancelled. He may have been woken for a call: another one is woken then.
 class Semaphore::Waiting {
 public:
-    explicit Waiting(Semaphore& semaphore) : m_semaphore(semaphore) { m_semaphore.m_state.fetch_add(oneWaiter); }
+    explicit Waiting(Semaphore& semaphore) : m_semaphore(semaphore) {}
     ~Waiting()
     {
-        const std::uint64_t left = m_semaphore.m_state.fetch_sub(oneWaiter) - oneWaiter;
-        if (m_isCancelled && countOf(left) > 0 && left >= oneWaiter) {
-            wakeWaiters(m_semaphore.countWord(), 1, false);
+        if (m_hasEnded) {
+            return;
+        }
+        std::uint64_t state = m_semaphore.m_state.load();
+        std::uint64_t left = 0;
+        do {
+            left = state - oneWaiter;
+            if (callsOf(left) > waitersOf(left)) {
+                left -= oneCall;
+            }
+        } while (!m_semaphore.m_state.compare_exchange_weak(state, left));
+        if (callsOf(left) > 0) {
+            wakeWaiters(m_semaphore.waitWord(), 1, false);
         }
     }
     Waiting(const Waiting&) = delete;
     Waiting& operator=(const Waiting&) = delete;
 
-    bool end(bool hasTaken)
+    /// Goes on from @p state to @p next, in which he does not wait any more. @return false when it has changed.
+    bool end(std::uint64_t state, std::uint64_t next)
     {
-        m_isCancelled = false;
-        return hasTaken;
+        m_hasEnded = m_semaphore.m_state.compare_exchange_strong(state, next);
+        return m_hasEnded;
     }
 
 private:
     Semaphore& m_semaphore;
-    bool m_isCancelled = true;
+    bool m_hasEnded = false;
 };
 
-bool Semaphore::tryTake()
+/// Takes a count, or else joins those who wait.
+bool Semaphore::takeOrJoin()
 {
     std::uint64_t state = m_state.load(std::memory_order_relaxed);
-    while (countOf(state) > 0) {
-        if (m_state.compare_exchange_weak(state, state - 1, std::memory_order_acquire, std::memory_order_relaxed)) {
-            return true;
-        }
+    while (!m_state.compare_exchange_weak(state, countOf(state) > 0 ? state - 1 : state + oneWaiter)) {
     }
-    return false;
+    return countOf(state) > 0;
 }
 
 bool Semaphore::take(Deadline until)
 {
-    if (tryTake()) {
-        return true;
-    }
-    if (until == Deadline(0)) {
-        return false;
-    }
-    Waiting waiting(*this);
-    while (!tryTake()) {
-        if (until != noDeadline && Clock::get().monotonic() >= until) {
-            return waiting.end(false);
-        }
-        Clock::get().waitWhile(countWord(), 0, until, false);
-    }
-    return waiting.end(true);
+    return takeOrJoin() || wait(until);
 }
 
-bool Semaphore::give() noexcept
+bool Semaphore::wait(Deadline until)
 {
-    std::atomic<std::uint32_t>& word = countWord();
-    std::uint64_t state = m_state.load(std::memory_order_relaxed);
-    do {
-        if (countOf(state) == std::numeric_limits<std::uint32_t>::max()) {
-            return false;
+    Waiting waiting(*this);
+    for (;;) {
+        std::uint64_t state = m_state.load();
+        if (countOf(state) > 0) { // then there is a call as well
+            if (waiting.end(state, state - 1 - oneWaiter - oneCall)) {
+                return true;
+            }
+        } else if (callsOf(state) > 0) { // somebody else has been faster
+            m_state.compare_exchange_strong(state, state - oneCall);
+        } else if (until != noDeadline && Clock::get().monotonic() >= until) {
+            if (waiting.end(state, state - oneWaiter)) {
+                return false;
+            }
+        } else {
+            Clock::get().waitWhile(waitWord(), static_cast<std::uint32_t>(state >> 32), until, false);
         }
-    } while (!m_state.compare_exchange_weak(state, state + 1));
-    if (state >= oneWaiter) {
-        wakeWaiters(word, 1, false);
     }
-    return true;
 }
 
 } // namespace dorn::host

@@ -156,6 +156,81 @@ TEST(SemaphoreTest, EveryCountOfManyThreadsIsTakenOnce)
     EXPECT_EQ(AaSemTake(sem.get(), AA_NO_WAIT), 1);
 }
 
+/// Those who wait for ever must get what others give, although still others come between, run out of time, and give
+/// what they have got in bursts.
+TEST(SemaphoreTest, NobodySleepsWhileThereIsACountForHim)
+{
+    constexpr int each = 5000;
+    constexpr int patient = 3;
+    const Sem sem = makeSem(0);
+    std::atomic<bool> isOver{false};
+    std::vector<std::thread> patientOnes;
+    std::vector<std::thread> hastyOnes;
+    for (int number = 0; number < patient; ++number) {
+        patientOnes.emplace_back([&] {
+            for (int index = 0; index < each; ++index) {
+                EXPECT_EQ(AaSemTake(sem.get(), AA_WAIT_FOREVER), 0);
+            }
+        });
+    }
+    for (const int timeout : {AA_NO_WAIT, 1, 20}) {
+        hastyOnes.emplace_back([&, timeout] {
+            while (!isOver) {
+                int taken = 0;
+                while (taken < 3 && AaSemTake(sem.get(), timeout) == 0) {
+                    ++taken;
+                }
+                for (; taken > 0; --taken) {
+                    AaSemGive(sem.get());
+                }
+            }
+        });
+    }
+    for (int given = 0; given < patient * each; ++given) {
+        AaSemGive(sem.get());
+        if (given % 7 == 0) {
+            std::this_thread::yield();
+        }
+    }
+
+    for (std::thread& thread : patientOnes) {
+        thread.join(); // waits for ever otherwise
+    }
+    isOver = true;
+    for (std::thread& thread : hastyOnes) {
+        thread.join();
+    }
+    EXPECT_EQ(AaSemTake(sem.get(), AA_NO_WAIT), 1);
+}
+
+/// A thread that is cancelled while it waits may have been woken for a count.
+TEST(SemaphoreTest, CountOfACancelledWaiterIsForTheOthers)
+{
+    for (int round = 0; round < 4000; ++round) {
+        const Sem sem = makeSem(0);
+        const auto take = [](void* waitedFor) -> void* {
+            return AaSemTake(static_cast<AaSem*>(waitedFor), AA_WAIT_FOREVER) == 0 ? waitedFor : nullptr;
+        };
+        pthread_t cancelled{};
+        pthread_t other{};
+        ASSERT_EQ(pthread_create(&cancelled, nullptr, take, sem.get()), 0);
+        ASSERT_EQ(pthread_create(&other, nullptr, take, sem.get()), 0);
+        for (int count = 0; count < round % 100; ++count) { // mostly they have begun to wait, in this order
+            std::this_thread::yield();
+        }
+        AaSemGive(sem.get());
+        pthread_cancel(cancelled);
+
+        void* result = nullptr;
+        pthread_join(cancelled, &result);
+        if (result != PTHREAD_CANCELED) {
+            AaSemGive(sem.get()); // it was faster and has taken the count
+        }
+        pthread_join(other, &result); // waits for ever otherwise
+        EXPECT_EQ(result, sem.get());
+    }
+}
+
 TEST(SemaphoreTest, ThreadsThatTakeTurnsNeverStop)
 {
     constexpr int rounds = 20000;
