@@ -4,7 +4,7 @@
 ///
 /// The EU that arms a time-out receives, when the time has passed, the message #AA_TIMER_MSG_TIMEOUT, whose payload is
 /// the given identity: one pointer-sized word, which the platform never follows. A time-out that is being delivered
-/// while it is cancelled may still arrive. A time-out for whose message the EU has no room arrives when it has.
+/// while it is cancelled may still arrive. One for an EU whose queue is full arrives when there is room again.
 #ifndef AA_TIMER_H
 #define AA_TIMER_H
 

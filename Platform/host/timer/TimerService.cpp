@@ -7,17 +7,19 @@
 #include "node/PerNode.hpp"
 #include "syscom/Post.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <pthread.h>
 #include <signal.h>
+#include <utility>
 
 namespace dorn::host {
 namespace {
 
-/// When a time-out is offered again that an EU had no room for.
-constexpr std::chrono::milliseconds retryTime{10};
+/// A time-out that cannot be delivered now is tried again after this.
+constexpr std::chrono::milliseconds putOffTime{10};
 
-/// @return false when its EU has no room for it now.
+/// @return false when it is to be tried again: the EU's queue is full, or there is no memory.
 bool deliver(TAaProEuId eu, const void* identity)
 {
     std::unique_ptr<Message, MessageDeleter> message(Message::create(AA_TIMER_MSG_TIMEOUT, sizeof identity, 0, 0));
@@ -58,9 +60,15 @@ TAaTimerId TimerService::arm(TAaProEuId eu, Deadline deadline, const void* ident
         m_thread = std::thread(&TimerService::run, this);
     }
     const TAaTimerId id = lastId.fetch_add(1) + 1;
-    m_deadlines.emplace(id, deadline);
-    const auto entry = m_timeouts.emplace(Key(deadline, id), Timeout{eu, identity}).first;
-    if (entry == m_timeouts.begin()) {
+    const auto entry = m_deadlines.emplace(id, deadline).first;
+    try {
+        m_timeouts.emplace(Key(deadline, id), Timeout{eu, identity});
+    } catch (...) {
+        m_deadlines.erase(entry);
+        throw;
+    }
+    if (deadline < m_next) {
+        m_next = deadline;
         stir();
     }
     return id;
@@ -95,35 +103,33 @@ void TimerService::run()
     }
 }
 
-/// Delivers what is due. @return when the next one is.
+/// Delivers what is due. @return when to look again.
 Deadline TimerService::deliverDue()
 {
     const std::lock_guard lock(m_mutex);
-    while (!m_timeouts.empty()) {
-        const auto first = m_timeouts.begin();
-        if (first->first.first > Clock::get().monotonic()) {
-            return first->first.first;
+    const Deadline now = Clock::get().monotonic();
+    TAaProEuId stuckEu = 0; // its later time-outs are not tried before its earlier ones
+    m_next = noDeadline;
+    for (auto timeout = m_timeouts.begin(); timeout != m_timeouts.end();) {
+        const auto [deadline, id] = timeout->first;
+        if (deadline > now) {
+            m_next = std::min(m_next, deadline);
+            break;
         }
-        if (deliver(first->second.eu, first->second.identity)) {
-            m_deadlines.erase(first->first.second);
-            m_timeouts.erase(first);
-        } else {
-            postpone(first);
+        Timeout& due = timeout->second;
+        if (due.eu != stuckEu && deliver(due.eu, due.identity)) {
+            m_deadlines.erase(id);
+            timeout = m_timeouts.erase(timeout);
+            continue;
         }
+        if (due.eu != stuckEu && !std::exchange(due.isPutOff, true)) {
+            AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "Time-out put off: the queue of its EU is full");
+        }
+        stuckEu = due.eu;
+        m_next = now + putOffTime;
+        ++timeout;
     }
-    return noDeadline;
-}
-
-void TimerService::postpone(Timeouts::iterator timeout)
-{
-    auto entry = m_timeouts.extract(timeout);
-    if (!std::exchange(entry.mapped().isLate, true)) {
-        AaSysLogPrint(EAaSysLogSeverityLevel_Error, "Time-out is late: there is no room for it in the queue of EU 0x%X",
-                      entry.mapped().eu);
-    }
-    entry.key().first = Clock::get().monotonic() + retryTime;
-    m_deadlines[entry.key().second] = entry.key().first;
-    m_timeouts.insert(std::move(entry));
+    return m_next;
 }
 
 } // namespace dorn::host

@@ -17,7 +17,8 @@
 namespace dorn::host {
 
 /// Keeps the armed time-outs by deadline and sleeps until the earliest. Its thread starts with the first time-out and
-/// sleeps without limit while none is armed. Arming and cancelling cost O(log n).
+/// sleeps without limit while none is armed. Arming and cancelling cost O(log n). A time-out whose EU's queue is full
+/// is put off, not lost.
 class TimerService {
 public:
     TimerService() = default;
@@ -33,21 +34,19 @@ private:
     struct Timeout {
         TAaProEuId eu;
         const void* identity;
-        bool isLate = false; ///< its EU had no room for it
+        bool isPutOff = false; ///< that was logged
     };
     /// Deadline and id: time-outs of one deadline arrive in the order in which they were armed.
     using Key = std::pair<Deadline, TAaTimerId>;
 
-    using Timeouts = std::map<Key, Timeout>;
-
     void run();
     Deadline deliverDue();
-    void postpone(Timeouts::iterator timeout);
     void stir();
 
     std::mutex m_mutex;
-    Timeouts m_timeouts;
+    std::map<Key, Timeout> m_timeouts;
     std::unordered_map<TAaTimerId, Deadline> m_deadlines;
+    Deadline m_next = noDeadline; ///< until when the thread sleeps
     std::atomic<std::uint32_t> m_changes{0};
     std::atomic<bool> m_isEnding{false};
     std::thread m_thread;

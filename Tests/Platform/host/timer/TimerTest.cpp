@@ -285,28 +285,95 @@ TEST_F(TimerTest, LateTimeOutOfAnEuThatHasEndedIsDropped)
     EXPECT_TRUE(m_log.texts().empty());
 }
 
-TEST_F(TimerTest, TimeOutWaitsUntilItsEuHasRoomForIt)
+/// Fills the queue of the EU that makes it.
+class FullQueue {
+public:
+    FullQueue() : m_cpid(AaSysComUserRegister(0, AaProEuCurrent()))
+    {
+        for (int count = 0; count < MessageQueue::capacity; ++count) {
+            void* message = AaSysComMsgCreate(1, 0, AaSysComSicadGet(m_cpid, AaSysComGetOwnNid()));
+            EXPECT_EQ(AaSysComMsgSend(&message), 0);
+        }
+    }
+    ~FullQueue() { AaSysComUserDeregister(m_cpid); }
+    FullQueue(const FullQueue&) = delete;
+    FullQueue& operator=(const FullQueue&) = delete;
+
+    static void empty()
+    {
+        for (int count = 0; count < MessageQueue::capacity; ++count) {
+            void* message = AaSysComMsgReceive(AA_NO_WAIT);
+            EXPECT_EQ(AaSysComMsgGetId(message), 1U);
+            AaSysComMsgDestroy(&message);
+        }
+    }
+
+private:
+    TAaSysComCpid m_cpid;
+};
+
+constexpr const char* putOff = "Warning 0x0 Time-out put off: the queue of its EU is full";
+
+TEST_F(TimerTest, FullQueuePutsTimeOutsOffUntilThereIsRoom)
 {
-    const TAaSysComCpid cpid = AaSysComUserRegister(0, AaProEuCurrent());
-    for (int count = 0; count < MessageQueue::capacity; ++count) {
-        void* message = AaSysComMsgCreate(1, 0, AaSysComSicadGet(cpid, AaSysComGetOwnNid()));
-        ASSERT_EQ(AaSysComMsgSend(&message), 0);
-    }
-
+    const FullQueue queue;
     AaTimerArm(0, word(1));
+    AaTimerArm(0, word(2));
+    ASSERT_TRUE(m_log.waitFor(putOff));
 
-    char line[100];
-    std::snprintf(line, sizeof line, "Error 0x0 Time-out is late: there is no room for it in the queue of EU 0x%X",
-                  AaProEuCurrent());
-    EXPECT_TRUE(m_log.waitFor(line));
-    AaSysComUserDeregister(cpid);
-    for (int count = 0; count < MessageQueue::capacity; ++count) {
-        void* message = AaSysComMsgReceive(AA_NO_WAIT);
-        ASSERT_EQ(AaSysComMsgGetId(message), 1U);
-        AaSysComMsgDestroy(&message);
+    FullQueue::empty();
+
+    EXPECT_EQ(takeTimeout(), 1U);
+    EXPECT_EQ(takeTimeout(), 2U);
+    EXPECT_EQ(m_log.count(putOff), m_log.texts().size());
+}
+
+TEST_F(TimerTest, TimeOutThatIsPutOffIsSaidOnce)
+{
+    ManualClock clock;
+    const FullQueue queue;
+    AaTimerArm(0, word(1));
+    for (int count = 0; count < 5; ++count) {
+        ASSERT_TRUE(clock.waitForSleepers());
+        clock.advance(std::chrono::milliseconds(10));
     }
-    EXPECT_EQ(takeTimeout(generousTimeout), 1U);
-    EXPECT_EQ(m_log.texts().size(), 1U);
+
+    FullQueue::empty();
+    ASSERT_TRUE(clock.waitForSleepers());
+    clock.advance(std::chrono::milliseconds(10));
+
+    EXPECT_EQ(takeTimeout(), 1U);
+    EXPECT_EQ(m_log.texts(), std::vector<std::string>{putOff});
+}
+
+TEST_F(TimerTest, TimeOutThatIsPutOffCanBeCancelled)
+{
+    const FullQueue queue;
+    const TAaTimerId timer = AaTimerArm(0, word(1));
+    ASSERT_TRUE(m_log.waitFor(putOff));
+
+    EXPECT_EQ(AaTimerCancel(timer), 0);
+
+    FullQueue::empty();
+    AaTimerArm(20'000, word(2));
+    EXPECT_EQ(takeTimeout(), 2U);
+}
+
+TEST_F(TimerTest, FullQueueHoldsUpNoOtherEu)
+{
+    const FullQueue queue;
+    AaTimerArm(0, word(1));
+    ASSERT_TRUE(m_log.waitFor(putOff));
+    std::uintptr_t taken = 0;
+    TestEu eu([&] {
+        AaTimerArm(1000, word(5));
+        taken = takeTimeout(generousTimeout);
+    });
+    eu.wait();
+
+    EXPECT_EQ(taken, 5U);
+    FullQueue::empty();
+    EXPECT_EQ(takeTimeout(), 1U);
 }
 
 TEST_F(TimerTest, ThereIsNoThreadBeforeTheFirstTimeOut)
