@@ -53,7 +53,8 @@ int32_t AaConfigTagGetDefault(const char* name, void** value, uint32_t* length, 
 int32_t AaConfigTagGetU32(const char* name, uint32_t* value);
 
 /// Called with a tag's name, its new value and the value's length in bytes, on a platform thread; one call at a time in
-/// a process. Name and value are valid during the call only; the value is aligned for any type.
+/// a process. Name and value are valid during the call only; the value is aligned for any type, and one that is shorter
+/// than 4 bytes is followed by zero bytes up to there.
 typedef void (*TAaConfigTagObserver)(const char* name, const void* value, uint32_t length);
 
 /// Has @p observer called for every set of the tag from now on, in the order of the sets, none left out, whichever

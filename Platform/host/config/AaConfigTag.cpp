@@ -7,6 +7,8 @@
 #include "config/TagFile.hpp"
 #include "config/TagStore.hpp"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
@@ -181,10 +183,13 @@ int32_t AaConfigTagRegister(const char* name, TAaConfigTagObserver observer)
     }
     return withStore(name, "observed", [&](TagStore& store) -> int32_t {
         const auto call = [observer](const std::string& tag, TagView value) {
-            // An observer may look at the value's address before it looks at its length.
-            static constexpr std::max_align_t nothing{};
-            const void* const data = value.empty() ? static_cast<const void*>(&nothing) : value.data();
-            observer(tag.c_str(), data, static_cast<uint32_t>(value.size()));
+            // An observer may look at the value, as the number that it mostly is, before it looks at its length.
+            alignas(std::max_align_t) std::array<std::byte, sizeof(uint32_t)> padded{};
+            const bool isShort = value.size() < padded.size();
+            if (isShort) {
+                std::copy(value.begin(), value.end(), padded.begin());
+            }
+            observer(tag.c_str(), isShort ? padded.data() : value.data(), static_cast<uint32_t>(value.size()));
         };
         store.observers().add(name, call, observer);
         return EAaConfigTagStatus_Ok;

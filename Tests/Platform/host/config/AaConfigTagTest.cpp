@@ -302,6 +302,19 @@ TEST_F(AaConfigTagTest, ObserversValueIsAlignedForAnyTypeAndNeverNull)
     EXPECT_EQ(isGood, true);
 }
 
+TEST_F(AaConfigTagTest, ObserversShortValueIsFollowedByZeros)
+{
+    ASSERT_EQ(AaConfigTagRegister("sys.x", [](const char* name, const void* value,
+                                              uint32_t /*length*/) { recorder.add(name, value, 4); }),
+              0);
+    AaConfigTagSet("sys.x", "\xFF\xFE", 2);
+    AaConfigTagSet("sys.x", nullptr, 0);
+    AaConfigTagSet("sys.x", "\xFF\xFE\xFD", 3);
+    EXPECT_THAT(recorder.waitFor(3),
+                ElementsAre(std::string("sys.x=\xFF\xFE\0\0", 10), std::string("sys.x=\0\0\0\0", 10),
+                            std::string("sys.x=\xFF\xFE\xFD\0", 10)));
+}
+
 TEST_F(AaConfigTagTest, StoreThatCannotBeOpenedIsToldOnStandardError)
 {
     dorn::testkit::FullDisk disk;
