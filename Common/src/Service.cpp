@@ -32,6 +32,9 @@ Service::~Service()
     while (!m_delegates.empty()) {
         delete m_delegates.extract(m_delegates.begin()).mapped();
     }
+    if (m_impl == this) {
+        leaveAllTags();
+    }
     if (m_wfctMapSem) {
         AaSemReMutexDestroy(&m_wfctMapSem);
     }

@@ -12,7 +12,8 @@
 /// 4. The main EU calls Run() again and again: each call waits for one message and gives it to its delegate.
 /// 5. Terminate(), a request to end the process (SIGTERM, Ctrl-C) or an exception ends the main EU and Startup().
 ///
-/// Init(), Run() and every delegate run on the main EU. The service's state is published in an R&D parameter: 1
+/// Init(), Run() and every delegate run on the main EU, HandleConfigTagChange() on a thread of the platform beside it.
+/// The service's state is published in an R&D parameter: 1
 /// starting, 2 waiting for a message, 3 handling one, 4 ended, 5 failed; 7 and above are the service's own.
 #pragma once
 
@@ -27,6 +28,7 @@
 #include "rad/ERadHwapi.h"
 #include "rad/ERadHwapiState.h"
 
+#include <list>
 #include <map>
 #include <memory>
 #include <string>
@@ -54,7 +56,9 @@ public:
     Service(const Service&) = delete;
     Service& operator=(const Service&) = delete;
 
-    /// Publishes state 4 and deletes all delegates. An exception out of a delegate's destructor ends the process.
+    /// Publishes state 4, deletes all delegates and leaves all tags. An exception out of a delegate's destructor ends
+    /// the process. A service whose HandleConfigTagChange() uses members of its own leaves its tags in its own
+    /// destructor, with UnSetObservedTag(). Nobody may wait in WaitForConfigTag() any more.
     virtual ~Service();
 
     /// Publishes a service state. Values up to 5 are the framework's and are passed over when they have been switched
@@ -83,7 +87,12 @@ public:
     /// @return true to have the state sent to the manager.
     virtual bool HandleRedundancyStateCommand(ERedundancyCommand command, ERedundancyState* state);
 
-    /// Called when an observed configuration tag was set, on a thread of the platform.
+    /// Called when an observed configuration tag was set, on a thread of the platform, one call at a time; and by
+    /// SetObservedTag() on its caller's thread. Does nothing unless overridden.
+    ///
+    /// It runs beside the message loop, so what both use needs a lock or an atomic. It may set, observe and leave tags.
+    /// It must not wait for a tag, nor for the main EU, and no exception may leave it: that ends the process.
+    /// @param value the first 4 bytes of the tag's value as a number, whatever the value's length is
     virtual void HandleConfigTagChange(std::string tag, unsigned int value);
 
     /// Returns the service that was constructed last; null before the first and after its end.
@@ -167,6 +176,35 @@ public:
     /// @return false also when the tag does not exist, cannot be read or has another size.
     bool isActiveLcp() const;
 
+    /// Has HandleConfigTagChange() called for every set of @p tag from now on, whichever process makes it. Does nothing
+    /// while the tag is observed already. Call it from the main EU.
+    ///
+    /// A tag that has a value of 4 bytes is reported with it at once, before this returns. When the tag is set at that
+    /// moment, the report of the older value may come last, or both may tell the new one.
+    /// A tag that the platform cannot observe is logged and stays unobserved.
+    void SetObservedTag(std::string tag);
+
+    /// Ends what SetObservedTag() began; does nothing for a tag that is not observed. When it returns,
+    /// HandleConfigTagChange() is not running for this tag and will not be called again, unless it is called from
+    /// there. Call it from the main EU.
+    void UnSetObservedTag(std::string tag);
+
+    /// Blocks the calling thread, any but the platform's, until @p tag is set to @p value, a number of 4 bytes. On the
+    /// main EU no message is handled meanwhile.
+    ///
+    /// The value that the tag has is not looked at: setting it counts from now on, also to what it is already. Where
+    /// the tag has been waited for before, a set counts when the platform tells of it, so one that was made just before
+    /// may count as well. A thread that is cancelled leaves nothing behind.
+    /// @throws RuntimeException when the platform has no semaphore or cannot observe the tag.
+    void WaitForConfigTag(std::string tag, unsigned int value);
+
+    /// What the platform calls for observed tags. @p value is read as 4 bytes whatever @p length is; null is passed
+    /// over.
+    static void ConfigTagObserver(const char* name, const void* value, unsigned int length);
+
+    /// What the platform calls for tags that are or were waited for. Releases nobody unless @p length is 4.
+    static void WaitForConfigTagObserver(const char* name, const void* value, unsigned int length);
+
     /// Returns the service's own address.
     TAaSysComSicad GetSicad();
     std::string GetName() { return m_name; }
@@ -195,15 +233,25 @@ protected:
     unsigned int m_terminate;
 
     static Service* m_impl;
-    static AaSemReMutex* m_wfctMapSem; ///< guards the threads that wait for configuration tags
+    // Inline, so that they outlive a service that is a global object.
+    static inline std::list<std::string> m_observedTags; ///< in the order in which they were added
+    static AaSemReMutex* m_wfctMapSem;                   ///< guards m_waitForConfigTagSem
+    /// By tag and awaited value the semaphores of the threads that wait.
+    static inline std::map<std::string, std::map<unsigned int, std::list<AaSem*>>> m_waitForConfigTagSem;
 
 private:
+    class TagTableLock;
+    class TagWait;
+
+    static void leaveAllTags();
     bool addOrDrop(std::unique_ptr<MsgDelegateBase> delegate);
     bool isHelpWanted();
     unsigned int runMainEu();
     void dispatch(void* message);
     bool sendRegistration(ERedundancyMode mode);
     void sendRedundancyState(TAaSysComSicad receiver, ERedundancyCommand command, ERedundancyState state);
+
+    static inline std::list<std::string> m_awaitedTags; ///< that WaitForConfigTagObserver() is registered for
 };
 
 /// The service could not be started.

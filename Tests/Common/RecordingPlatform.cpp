@@ -7,6 +7,7 @@
 #include "AaSem.h"
 #include "AaSysLog.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <cstdio>
@@ -272,6 +273,38 @@ std::int32_t AaConfigTagSetU16(const char* name, std::uint16_t value)
     return note(formatted("AaConfigTagSetU16(\"%s\", 0x%X)", name, static_cast<unsigned>(value)));
 }
 
+std::int32_t AaConfigTagGetU32(const char* name, std::uint32_t* value)
+{
+    const std::int32_t result = note(formatted("AaConfigTagGetU32(\"%s\")", name));
+    const auto& tags = RecordingPlatform::get().tags;
+    const auto found = tags.find(name);
+    if (result != 0 || found == tags.end()) {
+        return result != 0 ? result : EAaConfigTagStatus_NotFound;
+    }
+    if (found->second.size() != sizeof *value) {
+        return EAaConfigTagStatus_WrongSize;
+    }
+    std::memcpy(value, found->second.data(), sizeof *value);
+    return 0;
+}
+
+std::int32_t AaConfigTagRegister(const char* name, TAaConfigTagObserver observer)
+{
+    const std::int32_t result = note(formatted("AaConfigTagRegister(\"%s\")", name));
+    auto& observers = RecordingPlatform::get().observers;
+    const std::pair<std::string, TAaConfigTagObserver> entry(name, observer);
+    if (result == 0 && std::find(observers.begin(), observers.end(), entry) == observers.end()) {
+        observers.push_back(entry);
+    }
+    return result;
+}
+
+std::int32_t AaConfigTagUnregister(const char* name, TAaConfigTagObserver observer)
+{
+    std::erase(RecordingPlatform::get().observers, std::pair(std::string(name), observer));
+    return note(formatted("AaConfigTagUnregister(\"%s\")", name));
+}
+
 std::int32_t AaConfigTagReadFile(const char* path)
 {
     return note(formatted("AaConfigTagReadFile(\"%s\")", path));
@@ -428,13 +461,26 @@ AaSemReMutex* AaSemReMutexCreate()
 {
     note("AaSemReMutexCreate()");
     static std::deque<int> mutexes; // kept, as a service that is not the last one leaves its own behind
-    return reinterpret_cast<AaSemReMutex*>(&mutexes.emplace_back());
+    return RecordingPlatform::get().canCreateMutexes ? reinterpret_cast<AaSemReMutex*>(&mutexes.emplace_back())
+                                                     : nullptr;
 }
 
 void AaSemReMutexDestroy(AaSemReMutex** mutex)
 {
     note("AaSemReMutexDestroy()");
     *mutex = nullptr;
+}
+
+std::int32_t AaSemReMutexTake(AaSemReMutex* mutex)
+{
+    const std::int32_t result = note("AaSemReMutexTake()");
+    return mutex ? result : 1;
+}
+
+std::int32_t AaSemReMutexGive(AaSemReMutex* mutex)
+{
+    const std::int32_t result = note("AaSemReMutexGive()");
+    return mutex ? result : 1;
 }
 
 // ------------------------------------------------------------------------------------------------- the seam: messages

@@ -6,6 +6,7 @@
 /// lives, it answers; one lives at a time.
 #pragma once
 
+#include "AaConfigTag.h"
 #include "AaSem.h"
 #include "AaStartup.h"
 #include "AaSysCom.h"
@@ -19,6 +20,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace dorn::test {
@@ -49,6 +51,8 @@ public:
     std::map<std::uint32_t, std::uint32_t> parameters;       ///< R&D parameters by identifier
     std::map<std::string, std::string> tags;                 ///< values of configuration tags by name
     bool canCreateMessages = true;
+    bool canCreateMutexes = true;
+    std::vector<std::pair<std::string, TAaConfigTagObserver>> observers; ///< in the order of their registration
 
     /// What happens when a message is waited for and none is there: a test calls wakeUp() or queueMessage() here.
     std::function<void()> whenIdle;

@@ -55,8 +55,7 @@ void AaSemDestroy(AaSem** sem)
 
 std::int32_t AaSemTake(AaSem* sem, std::int32_t timeout)
 {
-    note(formatted("AaSemTake(%u, %d)", numberOf(sem), timeout));
-    if (!sem) {
+    if (note(formatted("AaSemTake(%u, %d)", numberOf(sem), timeout)) != 0 || !sem) {
         return 1;
     }
     std::unique_lock lock(sem->mutex);
@@ -73,8 +72,7 @@ std::int32_t AaSemTake(AaSem* sem, std::int32_t timeout)
 
 std::int32_t AaSemGive(AaSem* sem)
 {
-    note(formatted("AaSemGive(%u)", numberOf(sem)));
-    if (!sem) {
+    if (note(formatted("AaSemGive(%u)", numberOf(sem))) != 0 || !sem) {
         return 1;
     }
     const std::lock_guard lock(sem->mutex);
