@@ -295,6 +295,20 @@ TEST_F(ServiceTagsTest, ChangeAfterTheEndOfTheServiceIsPassedOver)
     EXPECT_THAT(m_platform.calls("change"), IsEmpty());
 }
 
+TEST_F(ServiceTagsTest, ChangeWhileThereIsNoServiceIsPassedOver)
+{
+    AaSemReMutex* earliersMutex = ScriptedService::m_wfctMapSem;
+    std::make_unique<TagService>().reset();
+    ASSERT_EQ(Service::Get(), nullptr);
+    m_service.SetObservedTag("x");
+
+    change("x", 1);
+
+    EXPECT_THAT(m_platform.calls("change"), IsEmpty());
+    m_service.UnSetObservedTag("x");
+    AaSemReMutexDestroy(&earliersMutex);
+}
+
 TEST_F(ServiceTagsTest, NextServiceBeginsWithoutTags)
 {
     m_service.SetObservedTag("x");

@@ -162,6 +162,20 @@ TEST_F(ReqHandlerWalkTest, RequestThatHasAnotherTakeItsPlaceEndsTheSearch)
     EXPECT_EQ(m_reqs.open().size(), 2U);
 }
 
+TEST_F(ReqHandlerWalkTest, RequestThatHasAnotherTakeItsPlaceBeforeItCompletesEndsTheSearchToo)
+{
+    add('a', [&](ScriptedReq& req) {
+        add('x');
+        req.complete();
+    });
+    add('b');
+
+    reply();
+
+    EXPECT_EQ(m_asked, "a");
+    EXPECT_EQ(m_reqs.open().size(), 2U);
+}
+
 TEST_F(ReqHandlerWalkTest, RequestThatExchangesAnotherIsFollowedByTheNext)
 {
     ScriptedReq& a = add('a');
