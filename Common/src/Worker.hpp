@@ -7,8 +7,9 @@
 /// 3. Any thread assigns tasks. They wait in a queue without limit, also before Setup() and while suspended.
 /// 4. The EU takes one task at a time, calls its Perform() and then deletes it if it was given away.
 ///
-/// Threads: everything but Setup() may be called from any thread at any time. Perform() runs on the worker's EU; it may
-/// assign tasks and suspend or resume its own worker, but SuspendAndWaitWorkToComplete() would wait for itself there.
+/// Threads: any thread may assign tasks at any time; after Setup(), any thread may suspend and resume. Perform() runs
+/// on the worker's EU; it may assign tasks and suspend or resume its own worker, but SuspendAndWaitWorkToComplete()
+/// would wait for itself there.
 ///
 /// A worker must not be destroyed once it has been set up, because its EU goes on using it.
 #pragma once
@@ -59,7 +60,7 @@ public:
     void startWorkerThread() override;
 
     /// Has the worker take no further task; the one in hand goes on. When two threads suspend at once, the second one
-    /// waits until the worker is resumed and suspends it again.
+    /// waits until the worker is resumed and suspends it again; neither of them had better be a task of this worker.
     void SuspendWorking() override;
     /// Same as SuspendWorking(), and returns when the task in hand has ended, at once when there is none. Not to be
     /// called by a task of this worker.
