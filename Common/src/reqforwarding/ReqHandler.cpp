@@ -19,30 +19,53 @@ class Walk;
 constinit thread_local Walk* innermostWalk = nullptr;
 
 /// A walk of this thread through a handler's requests. It learns when the request that it stands at has completed: the
-/// number of requests does not tell when that request has had another one take its place.
+/// number of requests does not tell when that request has had another one take its place. And it knows the place of
+/// that request, which is the one that mostly completes.
 class Walk {
 public:
+    using Place = std::list<Req*>::iterator;
+
     explicit Walk(const ReqHandler& handler) : m_handler(handler), m_outer(std::exchange(innermostWalk, this)) {}
     ~Walk() { innermostWalk = m_outer; }
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
 
-    void standAt(const Req* req) { m_req = req; }
+    void standAt(Place place)
+    {
+        m_place = place;
+        m_req = *place;
+    }
     bool hasLostItsReq() const { return !m_req; }
+    Place place() const { return m_place; }
 
+    /// The walk that stands at @p req; null when there is none.
+    static const Walk* at(const ReqHandler& handler, const Req* req)
+    {
+        const Walk* walk = innermostWalk;
+        while (walk && !walk->standsAt(handler, req)) {
+            walk = walk->m_outer;
+        }
+        return walk;
+    }
     static void noteCompleted(const ReqHandler& handler, const Req* req)
     {
         for (Walk* walk = innermostWalk; walk; walk = walk->m_outer) {
-            if (&walk->m_handler == &handler && walk->m_req == req) {
+            if (walk->standsAt(handler, req)) {
                 walk->m_req = nullptr;
             }
         }
     }
 
 private:
+    bool standsAt(const ReqHandler& handler, const Req* req) const
+    {
+        return req && m_req == req && &m_handler == &handler;
+    }
+
     const ReqHandler& m_handler;
-    const Req* m_req = nullptr;
     Walk* const m_outer;
+    Place m_place;
+    const Req* m_req = nullptr;
 };
 
 int sizeOf(const std::list<Req*>& reqs)
@@ -94,7 +117,9 @@ void ReqHandler::ReqCompleted(Req* req)
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, m_printId, "ReqHandler::ReqCompleted reqPointer '%p'",
                    static_cast<void*>(req));
-    if (const auto found = std::find(m_reqs.begin(), m_reqs.end(), req); found != m_reqs.end()) {
+    const Walk* const walk = Walk::at(*this, req);
+    const auto found = walk ? walk->place() : std::find(m_reqs.begin(), m_reqs.end(), req);
+    if (found != m_reqs.end()) {
         AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, m_printId, "ReqHandler::ReqCompleted delete req '%p'",
                        static_cast<void*>(req));
         m_reqs.erase(found);
@@ -115,7 +140,7 @@ void ReqHandler::HandleForwardedReqResp(void* msgHandle)
         Req* const req = *place;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, m_printId, "ReqHandler::HandleForwardedReqResp req '%p'",
                        static_cast<void*>(req));
-        walk.standAt(req);
+        walk.standAt(place);
         req->HandleForwardedReqResp(msgHandle);
         if (m_reqs.size() != size || walk.hasLostItsReq()) {
             break;
@@ -134,10 +159,13 @@ void ReqHandler::HandleForwardedReqTimeout(void* msgHandle)
                                    __FILE__, __LINE__);
     }
     std::memcpy(&identity, payload, sizeof identity);
-    for (Req* const req : m_reqs) {
+    for (auto place = m_reqs.begin(); place != m_reqs.end(); ++place) {
+        Req* const req = *place;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, m_printId,
                        "ReqHandler::HandleForwardedReqTimeout req'%p' (*it)'%p'", identity, static_cast<void*>(req));
         if (req == identity) {
+            Walk walk(*this);
+            walk.standAt(place);
             req->HandleForwardedReqTimeout();
             return;
         }

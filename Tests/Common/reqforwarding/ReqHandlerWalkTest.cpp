@@ -176,6 +176,37 @@ TEST_F(ReqHandlerWalkTest, RequestThatHasAnotherTakeItsPlaceBeforeItCompletesEnd
     EXPECT_EQ(m_reqs.open().size(), 2U);
 }
 
+TEST_F(ReqHandlerWalkTest, CompletionOfNothingAfterTheRequestHasCompletedDoesNothing)
+{
+    ScriptedReq& a = add('a');
+    ScriptedReq& b = add('b');
+    a.onResp = [&](void*) {
+        a.complete();
+        m_reqs.ReqCompleted(nullptr);
+        m_reqs.ReqCompleted(&a);
+    };
+
+    reply();
+
+    EXPECT_THAT(m_reqs.open(), ElementsAre(&b));
+}
+
+TEST_F(ReqHandlerWalkTest, RequestIsCompletedByItsOwnHandlerOnly)
+{
+    ScriptedReqs others;
+    ScriptedReq& a = add('a');
+    ScriptedReq& other = others.add();
+    a.onResp = [&](void*) {
+        others.ReqCompleted(&a); // not its handler
+        m_reqs.ReqCompleted(&other);
+    };
+
+    reply();
+
+    EXPECT_THAT(m_reqs.open(), ElementsAre(&a));
+    EXPECT_THAT(others.open(), ElementsAre(&other));
+}
+
 TEST_F(ReqHandlerWalkTest, RequestThatExchangesAnotherIsFollowedByTheNext)
 {
     ScriptedReq& a = add('a');
