@@ -26,7 +26,8 @@ int32_t AaStartupEeStartup(void);
 typedef void (*TAaStartupShutdownHandler)(void);
 
 /// Sets the function to be called when the process has been asked to end; null restores the system's own behaviour.
-/// Requests that follow within a second count as the same one. A later one, while the process is still ending, takes the
+/// Requests that follow within a second count as the same one, also when null has been set meanwhile: a process that
+/// has ended well on the first does not die of the second. A later one, while the process is still ending, takes the
 /// system's own behaviour, so that a hung process can be ended.
 void AaStartupSetShutdownHandler(TAaStartupShutdownHandler handler);
 

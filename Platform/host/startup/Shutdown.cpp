@@ -30,17 +30,22 @@ void restoreDefaults()
     }
 }
 
+bool isOneWithTheFirst()
+{
+    const std::int64_t first = firstRequest.load();
+    const std::int64_t since = dorn::host::Clock::get().monotonic().count() - first;
+    return first != never && since >= 0 && since < oneRequest;
+}
+
 void onEndingSignal(int signal)
 {
     const int saved = errno;
-    const std::int64_t now = dorn::host::Clock::get().monotonic().count();
-    std::int64_t first = never;
-    if (firstRequest.compare_exchange_strong(first, now)) {
-        if (const TAaStartupShutdownHandler handler = shutdownHandler.load()) {
-            handler();
-        }
-    } else if (now - first >= oneRequest) {
-        restoreDefaults(); // the process hangs
+    const TAaStartupShutdownHandler handler = shutdownHandler.load();
+    std::int64_t none = never;
+    if (handler && firstRequest.compare_exchange_strong(none, dorn::host::Clock::get().monotonic().count())) {
+        handler();
+    } else if (!isOneWithTheFirst()) {
+        restoreDefaults(); // the process hangs, or has no handler any more
         raise(signal);
     }
     errno = saved;
@@ -51,11 +56,15 @@ void onEndingSignal(int signal)
 void AaStartupSetShutdownHandler(TAaStartupShutdownHandler handler)
 {
     shutdownHandler.store(handler);
-    firstRequest.store(never);
     if (!handler) {
-        restoreDefaults();
+        // What is left of a request that has just been served must not end the process that it has ended already: for
+        // the rest of the second the signals are kept, and taken by no handler.
+        if (!isOneWithTheFirst()) {
+            restoreDefaults();
+        }
         return;
     }
+    firstRequest.store(never);
     struct sigaction action {};
     action.sa_handler = onEndingSignal;
     action.sa_flags = SA_RESTART;

@@ -9,6 +9,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <functional>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -93,6 +94,19 @@ class ShutdownTest : public ::testing::TestWithParam<int> {
 protected:
     ShutdownTest() { shutdowns = 0; }
     ~ShutdownTest() override { AaStartupSetShutdownHandler(nullptr); }
+
+    /// How a child ends that does @p deed, as waitpid() tells it.
+    static int statusOf(const std::function<void()>& deed)
+    {
+        const pid_t child = fork();
+        if (child == 0) {
+            deed();
+            _exit(0);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return status;
+    }
 };
 
 TEST_P(ShutdownTest, RequestToEndCallsTheHandlerOnce)
@@ -114,34 +128,66 @@ TEST_P(ShutdownTest, RequestsWithinASecondAreOne)
 
 TEST_P(ShutdownTest, RequestAfterASecondEndsTheProcess)
 {
-    const pid_t child = fork();
-    if (child == 0) {
+    const int status = statusOf([] {
         ManualClock clock;
         AaStartupSetShutdownHandler(countShutdown);
         raise(GetParam());
         clock.advance(std::chrono::seconds(1));
         raise(GetParam());
-        _exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
+    });
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(WTERMSIG(status), GetParam());
 }
 
 TEST_P(ShutdownTest, WithoutHandlerTheSystemsBehaviourIsRestored)
 {
-    const pid_t child = fork();
-    if (child == 0) {
+    const int status = statusOf([] {
         AaStartupSetShutdownHandler(countShutdown);
         AaStartupSetShutdownHandler(nullptr);
         raise(GetParam());
-        _exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
+    });
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(WTERMSIG(status), GetParam());
+}
+
+TEST_P(ShutdownTest, RequestsWithinASecondAreOneAlthoughTheFirstHasBeenServed)
+{
+    const int status = statusOf([] {
+        ManualClock clock;
+        AaStartupSetShutdownHandler(countShutdown);
+        raise(GetParam());
+        AaStartupSetShutdownHandler(nullptr);
+        clock.advance(std::chrono::milliseconds(999));
+        raise(GetParam());
+        _exit(shutdowns);
+    });
+    ASSERT_TRUE(WIFEXITED(status)) << WTERMSIG(status);
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+}
+
+TEST_P(ShutdownTest, SecondAfterARequestThatHasBeenServedTheSystemsBehaviourIsRestored)
+{
+    const int status = statusOf([] {
+        ManualClock clock;
+        AaStartupSetShutdownHandler(countShutdown);
+        raise(GetParam());
+        AaStartupSetShutdownHandler(nullptr);
+        clock.advance(std::chrono::seconds(1));
+        raise(GetParam());
+    });
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), GetParam());
+}
+
+TEST_P(ShutdownTest, HandlerThatIsSetAgainIsCalledAgain)
+{
+    ManualClock clock;
+    AaStartupSetShutdownHandler(countShutdown);
+    raise(GetParam());
+    AaStartupSetShutdownHandler(nullptr);
+    AaStartupSetShutdownHandler(countShutdown);
+    raise(GetParam());
+    EXPECT_EQ(shutdowns, 2);
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, ShutdownTest, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
