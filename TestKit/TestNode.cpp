@@ -6,6 +6,7 @@
 #include "node/RunDirectory.hpp"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -67,11 +68,15 @@ TestNode::TestNode(const TestNodeOptions& options) : m_directory(makeTemporaryDi
     setVariable("DORN_NID", options.nodeId ? std::optional(std::to_string(*options.nodeId)) : std::nullopt);
     setVariable("DORN_LOG", options.log);
     setVariable("DORN_LOG_LEVEL", options.logLevel);
+    listenToSignals();
 }
 
 TestNode::~TestNode()
 {
     host::closeNode();
+    for (const int signal : m_ignoredSignals) {
+        std::signal(signal, SIG_IGN);
+    }
     restoreVariables();
     std::error_code error;
     std::filesystem::remove_all(m_directory, error);
@@ -90,6 +95,18 @@ void TestNode::restoreVariables()
 {
     for (const auto& [name, value] : m_previous) {
         writeVariable(name, value);
+    }
+}
+
+void TestNode::listenToSignals()
+{
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        struct sigaction action {};
+        sigaction(signal, nullptr, &action);
+        if ((action.sa_flags & SA_SIGINFO) == 0 && action.sa_handler == SIG_IGN) { // NOLINT: the system's macro
+            std::signal(signal, SIG_DFL);
+            m_ignoredSignals.push_back(signal);
+        }
     }
 }
 

@@ -19,8 +19,9 @@ struct TestNodeOptions {
 };
 
 /// Makes a private run directory and board root and points the environment of this process, and so of every child that
-/// it starts, at them. At its end everything that the process has opened on the node is closed, the environment is as
-/// it was before, and the directories are gone.
+/// it starts, at them. Signals that ask a process to end do so, even if the test program was started with them ignored
+/// (`nohup`, a shell's background). At its end everything that the process has opened on the node is closed,
+/// environment and signals are as they were before, and the directories are gone.
 ///
 /// 1. Make it first in a test, in the thread that runs the test and with no EU running.
 /// 2. Put files on the board with writeBoardFile(), start services, send messages.
@@ -54,9 +55,11 @@ public:
 private:
     void setVariable(const char* name, const std::optional<std::string>& value);
     void restoreVariables();
+    void listenToSignals();
 
     std::string m_directory;
     std::vector<std::pair<std::string, std::optional<std::string>>> m_previous; ///< environment variables as they were
+    std::vector<int> m_ignoredSignals;                                          ///< that are heard meanwhile
 };
 
 } // namespace dorn::testkit

@@ -29,7 +29,7 @@ std::vector<std::string> Board::running() const
 std::map<std::string, int> Board::end()
 {
     for (const auto& [name, process] : m_services) {
-        process->signal(SIGINT);
+        process->signal(SIGTERM);
     }
     std::map<std::string, int> statuses;
     for (const auto& [name, process] : m_services) {

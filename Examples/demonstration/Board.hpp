@@ -23,7 +23,7 @@ public:
     /// The services that run.
     std::vector<std::string> running() const;
 
-    /// Asks all that run to end, as Ctrl-C does, and waits for them.
+    /// Asks all that run to end, as SIGTERM does, and waits for them.
     /// @return their exit statuses, negative for a signal. A service that ended well has 1.
     std::map<std::string, int> end();
 

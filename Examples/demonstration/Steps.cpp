@@ -246,7 +246,7 @@ bool Demonstration::run()
     step("what LedS does not know is logged and refused; it goes on", [this] { sendNonsense(); });
     step("ClimateS is killed, listed as dead, started again and finds its cpid free", [this] { killAndRestart(); });
     step("a second LedS is refused while the first lives", [this] { refuseSecond(); });
-    step("Ctrl-C ends both services in state 4", [this] { endAll(); });
+    step("both services are asked to end, and end in state 4", [this] { endAll(); });
     std::printf("%s\n", m_isAllWell ? "Every step was seen." : "Not every step was seen.");
     return m_isAllWell;
 }

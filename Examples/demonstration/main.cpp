@@ -23,14 +23,22 @@ void onSignal(int)
     isToEnd.store(true);
 }
 
+/// A signal that is ignored stays so: shells have it that way for what they start in the background.
+void listenTo(int signal)
+{
+    if (std::signal(signal, onSignal) == SIG_IGN) {
+        std::signal(signal, SIG_IGN);
+    }
+}
+
 constexpr const char* hint = "From a second terminal: ./dorn service list    ./dorn rad set HWA/ClimateS 1\n"
                              "  ./dorn tag set board.climate.ambient --u32 60    ./dorn msg watch    ./dorn log -f\n";
 
 /// Starts the board where the environment says and shows it until it is told to end.
 int showLive()
 {
-    std::signal(SIGINT, onSignal);
-    std::signal(SIGTERM, onSignal);
+    listenTo(SIGINT);
+    listenTo(SIGTERM);
     setenv("DORN_ROOT", Board::files().c_str(), 0);
     setenv("DORN_LOG", "file", 0);
     Board board;

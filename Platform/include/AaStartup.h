@@ -19,16 +19,17 @@ extern "C" {
 /// @return 0; another value when the platform is not usable (the reason has been printed to standard error).
 int32_t AaStartupEeStartup(void);
 
-/// Called when the process has been asked to end (on a Linux host: SIGTERM, SIGINT or SIGHUP).
+/// Called when the process has been asked to end (on a Linux host: SIGTERM, SIGINT or SIGHUP, each unless the process
+/// was started with it ignored, as `nohup` does with SIGHUP).
 ///
 /// It may run on any thread and in a signal handler: it may set atomic flags, AaSemGive() and AaSysComEuWakeUp(), no
 /// more.
 typedef void (*TAaStartupShutdownHandler)(void);
 
-/// Sets the function to be called when the process has been asked to end; null restores the system's own behaviour.
+/// Sets the function to be called when the process has been asked to end; null restores what was there before.
 /// Requests that follow within a second count as the same one, also when null has been set meanwhile: a process that
 /// has ended well on the first does not die of the second. A later one, while the process is still ending, takes the
-/// system's own behaviour, so that a hung process can be ended.
+/// behaviour of before, so that a hung process can be ended.
 void AaStartupSetShutdownHandler(TAaStartupShutdownHandler handler);
 
 #ifdef __cplusplus

@@ -6,6 +6,7 @@
 #include "node/PerNode.hpp"
 #include "node/RunDirectory.hpp"
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -102,6 +103,17 @@ TEST(TestNodeTest, EndRestoresTheEnvironment)
     EXPECT_EQ(variable("DORN_RUN_DIR"), "/somewhere");
     EXPECT_EQ(variable("DORN_NID"), "77");
     EXPECT_EQ(variable("DORN_ROOT"), "(not set)");
+}
+
+TEST(TestNodeTest, SignalsThatWereIgnoredAreHeardWhileTheNodeLives)
+{
+    const auto before = std::signal(SIGHUP, SIG_IGN);
+    {
+        const TestNode node;
+        EXPECT_EQ(std::signal(SIGHUP, SIG_DFL), SIG_DFL);
+    }
+
+    EXPECT_EQ(std::signal(SIGHUP, before), SIG_IGN);
 }
 
 TEST(TestNodeTest, EndRemovesTheDirectories)

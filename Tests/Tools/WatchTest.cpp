@@ -3,6 +3,7 @@
 
 #include "ManualClock.hpp"
 #include "TestConsole.hpp"
+#include "TestNode.hpp"
 
 #include <csignal>
 #include <gmock/gmock.h>
@@ -91,7 +92,9 @@ TEST_F(WatchTest, LimitsThatMakeNoSenseAreNamed)
                     "--timeout: 'soon' is not a number of seconds (0 to 1000000, decimals allowed)"));
 }
 
-class StopRequestTest : public ::testing::TestWithParam<int> {};
+class StopRequestTest : public ::testing::TestWithParam<int> {
+    testkit::TestNode m_node; // in which no signal is ignored
+};
 
 TEST_P(StopRequestTest, SignalAsksForTheEndAndWakes)
 {

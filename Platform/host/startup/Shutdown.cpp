@@ -21,12 +21,46 @@ constexpr std::int64_t never = -1;
 std::atomic<TAaStartupShutdownHandler> shutdownHandler{nullptr};
 std::atomic<std::int64_t> firstRequest{never};
 
-void restoreDefaults()
+/// What the signals did before they were ours; an entry is written before its signal becomes ours.
+std::array<struct sigaction, endingSignals.size()> earlierActions{};
+
+void onEndingSignal(int signal);
+
+struct sigaction actionOf(int signal)
 {
     struct sigaction action {};
-    action.sa_handler = SIG_DFL; // NOLINT: the system's macro
-    for (const int signal : endingSignals) {
-        sigaction(signal, &action, nullptr);
+    sigaction(signal, nullptr, &action);
+    return action;
+}
+
+bool doesCall(const struct sigaction& action, void (*handler)(int))
+{
+    return (action.sa_flags & SA_SIGINFO) == 0 && action.sa_handler == handler;
+}
+
+void giveSignalsBack()
+{
+    for (std::size_t index = 0; index < endingSignals.size(); ++index) {
+        if (doesCall(actionOf(endingSignals[index]), onEndingSignal)) {
+            sigaction(endingSignals[index], &earlierActions[index], nullptr);
+        }
+    }
+}
+
+/// A signal that is ignored stays so: nohup and shells that start a process in the background have it that way.
+void takeSignals()
+{
+    struct sigaction action {};
+    action.sa_handler = onEndingSignal;
+    action.sa_flags = SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    for (std::size_t index = 0; index < endingSignals.size(); ++index) {
+        const struct sigaction earlier = actionOf(endingSignals[index]);
+        if (doesCall(earlier, SIG_IGN) || doesCall(earlier, onEndingSignal)) { // NOLINT: the system's macro
+            continue;
+        }
+        earlierActions[index] = earlier;
+        sigaction(endingSignals[index], &action, nullptr);
     }
 }
 
@@ -45,7 +79,7 @@ void onEndingSignal(int signal)
     if (handler && firstRequest.compare_exchange_strong(none, dorn::host::Clock::get().monotonic().count())) {
         handler();
     } else if (!isOneWithTheFirst()) {
-        restoreDefaults(); // the process hangs, or has no handler any more
+        giveSignalsBack(); // the process hangs, or has no handler any more
         raise(signal);
     }
     errno = saved;
@@ -60,16 +94,10 @@ void AaStartupSetShutdownHandler(TAaStartupShutdownHandler handler)
         // What is left of a request that has just been served must not end the process that it has ended already: for
         // the rest of the second the signals are kept, and taken by no handler.
         if (!isOneWithTheFirst()) {
-            restoreDefaults();
+            giveSignalsBack();
         }
         return;
     }
     firstRequest.store(never);
-    struct sigaction action {};
-    action.sa_handler = onEndingSignal;
-    action.sa_flags = SA_RESTART;
-    sigemptyset(&action.sa_mask);
-    for (const int signal : endingSignals) {
-        sigaction(signal, &action, nullptr);
-    }
+    takeSignals();
 }

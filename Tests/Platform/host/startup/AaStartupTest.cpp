@@ -90,10 +90,15 @@ TEST_F(AaStartupTest, RunDirectoryOpenToOthersIsRefusedWithTheReason)
         << text;
 }
 
+/// Begins with the system's own behaviour, however this program was started.
 class ShutdownTest : public ::testing::TestWithParam<int> {
 protected:
-    ShutdownTest() { shutdowns = 0; }
-    ~ShutdownTest() override { AaStartupSetShutdownHandler(nullptr); }
+    ShutdownTest() : m_before(std::signal(GetParam(), SIG_DFL)) { shutdowns = 0; }
+    ~ShutdownTest() override
+    {
+        AaStartupSetShutdownHandler(nullptr);
+        std::signal(GetParam(), m_before);
+    }
 
     /// How a child ends that does @p deed, as waitpid() tells it.
     static int statusOf(const std::function<void()>& deed)
@@ -107,6 +112,9 @@ protected:
         waitpid(child, &status, 0);
         return status;
     }
+
+private:
+    void (*const m_before)(int);
 };
 
 TEST_P(ShutdownTest, RequestToEndCallsTheHandlerOnce)
@@ -188,6 +196,41 @@ TEST_P(ShutdownTest, HandlerThatIsSetAgainIsCalledAgain)
     AaStartupSetShutdownHandler(countShutdown);
     raise(GetParam());
     EXPECT_EQ(shutdowns, 2);
+}
+
+TEST_P(ShutdownTest, SignalThatIsIgnoredStaysIgnored)
+{
+    std::signal(GetParam(), SIG_IGN);
+    AaStartupSetShutdownHandler(countShutdown);
+    raise(GetParam());
+    EXPECT_EQ(shutdowns, 0);
+    AaStartupSetShutdownHandler(nullptr);
+    EXPECT_EQ(std::signal(GetParam(), SIG_DFL), SIG_IGN);
+}
+
+TEST_P(ShutdownTest, HandlerThatTheProgramHadComesBack)
+{
+    const auto own = [](int) { shutdowns += 100; };
+    std::signal(GetParam(), own);
+    AaStartupSetShutdownHandler(countShutdown);
+    raise(GetParam());
+    EXPECT_EQ(shutdowns, 1);
+    AaStartupSetShutdownHandler(countShutdown);
+    AaStartupSetShutdownHandler(nullptr);
+    raise(GetParam());
+    EXPECT_EQ(shutdowns, 101);
+}
+
+TEST_P(ShutdownTest, RequestAfterASecondCallsTheHandlerThatTheProgramHad)
+{
+    ManualClock clock;
+    const auto own = [](int) { shutdowns += 100; };
+    std::signal(GetParam(), own);
+    AaStartupSetShutdownHandler(countShutdown);
+    raise(GetParam());
+    clock.advance(std::chrono::seconds(1));
+    raise(GetParam());
+    EXPECT_EQ(shutdowns, 101);
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, ShutdownTest, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
