@@ -2,7 +2,8 @@
 /// @file Service.hpp
 /// The process of a hardware service.
 ///
-/// Derive one class from Service, construct one object of it in `main` and return what Startup() returns:
+/// Derive one class from Service, construct one object of it in `main` and return what RunService() returns, which
+/// calls Startup():
 ///
 /// 1. The constructor is given the service's name, cpid and R&D parameters. Options of the service's own are declared
 ///    through GetArgumentParser().
@@ -271,5 +272,11 @@ public:
     {
     }
 };
+
+/// Runs a service as its process's `main` does: `PingS service; return RunService(service, argc, argv);`
+///
+/// A CHwapiException out of Startup() is told on standard error: "DornPingExe: ", what(), ": ", the description.
+/// @return the exit status: what Startup() returns, thus 1 for a normal end; 0 when Startup() threw a CHwapiException.
+int RunService(Service& service, int argc, char** argv);
 
 } // namespace vel::hwapi::common

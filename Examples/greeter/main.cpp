@@ -21,4 +21,4 @@ public:
     }
 };
 
-int main(int argc, char** argv) { return static_cast<int>(GreeterS().Startup(argc, argv)); }
+int main(int argc, char** argv) { GreeterS service; return RunService(service, argc, argv); }

@@ -21,6 +21,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <stdexcept>
+#include <sys/stat.h>
 #include <thread>
 
 namespace vel::hwapi::common {
@@ -416,6 +417,19 @@ TEST_F(ServiceProcessTest, SecondServiceOfACpidEndsAndTheFirstGoesOn)
                       HasSubstr(" Signal main EU died unexpectedly\n")));
     Peer(0x321).send(0x1234, address);
     EXPECT_TRUE(first.waitForOutput("message finished\n"));
+}
+
+TEST_F(ServiceProcessTest, RefusedRunDirectoryEndsTheProcessWithTheReasonAndStatusZero)
+{
+    chmod(m_node.runDirectory().c_str(), 0755);
+    Process service(DORN_SIGNAL_TEST_EXE);
+
+    EXPECT_EQ(service.waitForEnd(), 0);
+
+    EXPECT_EQ(service.standardError(), "dorn: run directory '" + m_node.runDirectory() +
+                                           "': is open to other users; its mode must be 0700\n"
+                                           "DornSignalExe: Initialization failed: Failed to set initialize "
+                                           "executable\n");
 }
 
 TEST_F(ServiceProcessTest, HelpIsPrintedAndTheExitStatusIsOne)

@@ -69,10 +69,10 @@ private:
 int main(int argc, char** argv)
 {
     SignalS service;
-    const unsigned int result = service.Startup(argc, argv);
+    const int result = RunService(service, argc, argv);
     if (service.GetArgumentParser().ReadArgument("help") != "arg on") {
         std::printf("state %u\n", service.GetServiceStateRad());
     }
     service.signalIn("end");
-    return static_cast<int>(result);
+    return result;
 }

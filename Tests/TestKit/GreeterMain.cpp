@@ -5,5 +5,5 @@ int main(int argc, char** argv)
 {
     // The library's 1 is a normal end; a shell's is 0.
     greeter::GreeterS greeter;
-    return greeter.Startup(argc, argv) == 1 ? 0 : 1;
+    return RunService(greeter, argc, argv) == 1 ? 0 : 1;
 }

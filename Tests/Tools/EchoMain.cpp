@@ -39,5 +39,6 @@ private:
 
 int main(int argc, char** argv)
 {
-    return EchoS().Startup(argc, argv) == 1 ? 0 : 1;
+    EchoS service;
+    return RunService(service, argc, argv) == 1 ? 0 : 1;
 }
