@@ -35,6 +35,11 @@ Cell stateCell(const host::EeInfo& service)
     return {text.empty() ? "-" : text, isWrong ? Colour::Red : service.alive ? Colour::Green : Colour::Faint};
 }
 
+std::string cpidText(const host::EeInfo& service)
+{
+    return service.isGranted ? hexNumber(service.cpid, 4) : "-";
+}
+
 Json timeOrNull(std::int64_t wall)
 {
     return wall == 0 ? Json(nullptr) : Json(timeText(host::Nanoseconds(wall)));
@@ -53,7 +58,7 @@ Json serviceJson(const host::EeInfo& service)
     }
     return {{"name", service.name},
             {"pid", service.pid},
-            {"cpid", service.cpid},
+            {"cpid", service.isGranted ? Json(service.cpid) : Json(nullptr)},
             {"alive", service.alive},
             {"state", state ? Json(state->value) : Json(nullptr)},
             {"condition", conditionOf(service)},
@@ -67,10 +72,17 @@ Json serviceJson(const host::EeInfo& service)
 
 std::optional<host::EeInfo::Published> stateOf(const host::EeInfo& service)
 {
-    const auto found = std::find_if(
-        service.published.begin(), service.published.end(),
-        [](const host::EeInfo::Published& entry) { return entry.id >> 16 == RAD_HWAPI_STATE_DOMAIN; });
-    return found == service.published.end() ? std::nullopt : std::optional(*found);
+    const auto found =
+        std::find_if(service.published.begin(), service.published.end(),
+                     [](const host::EeInfo::Published& entry) { return entry.id >> 16 == RAD_HWAPI_STATE_DOMAIN; });
+    if (found == service.published.end()) {
+        return std::nullopt;
+    }
+    host::EeInfo::Published state = *found;
+    if (state.value == endedState && state.before == failedState) {
+        state.value = failedState;
+    }
+    return state;
 }
 
 std::string stateWord(std::uint32_t state)
@@ -95,8 +107,8 @@ std::string servicesTable(std::vector<host::EeInfo> services, const Console& con
     Table table({"SERVICE", "PID", "CPID", "STATE", "STARTED", "STATE MOVED"});
     for (const host::EeInfo& service : services) {
         const auto state = stateOf(service);
-        table.add({printable(service.name), std::to_string(service.pid), hexNumber(service.cpid, 4),
-                   stateCell(service), shortTimeText(host::Nanoseconds(service.since)),
+        table.add({printable(service.name), std::to_string(service.pid), cpidText(service), stateCell(service),
+                   shortTimeText(host::Nanoseconds(service.since)),
                    shortTimeText(host::Nanoseconds(state ? state->when : 0))});
     }
     return table.text(console);

@@ -13,7 +13,8 @@
 
 namespace dorn::tool {
 
-/// The state that a service publishes: its first R&D parameter of the domain "HWAState".
+/// The state that a service publishes: its first R&D parameter of the domain "HWAState". Of one that failed: "failed",
+/// although a service's object, at its end, writes "ended" in any case.
 std::optional<host::EeInfo::Published> stateOf(const host::EeInfo& service);
 
 /// The word for the number of a state: "starting", "waiting", "handling", "ended", "failed"; empty for all others.

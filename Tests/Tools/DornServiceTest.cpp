@@ -58,6 +58,28 @@ TEST_F(DornServiceTest, ServiceThatWasAskedToEndHasEnded)
     EXPECT_EQ(listed(echo), heading + std::string("EchoS PID 0x0300 4 ended TIME TIME\n"));
 }
 
+TEST_F(DornServiceTest, ServiceThatFailedHasFailed)
+{
+    EchoService echo;
+    ASSERT_EQ(dorn({"msg", "send", "EchoS", "--id", "0x3003", "--payload", "0000000000000000"}),
+              (CommandResult{0, "", ""}));
+    ASSERT_EQ(echo.waitForEnd(), 1);
+
+    EXPECT_EQ(listed(echo), heading + std::string("EchoS PID 0x0300 5 failed TIME TIME\n"));
+    EXPECT_EQ(dorn({"rad", "get", "HWAState/BasebandState"}), (CommandResult{0, "4\n", ""}));
+}
+
+TEST_F(DornServiceTest, ServiceThatWasRefusedItsCpidHasNoneAndHasFailed)
+{
+    const EchoService echo;
+    testkit::Process second(DORN_ECHO_SERVICE);
+    ASSERT_EQ(second.waitForEnd(), 1);
+
+    EXPECT_EQ(replaced(listed(echo), std::to_string(second.pid()), "OTHER"),
+              heading + std::string("EchoS PID 0x0300 2 waiting TIME TIME\n"
+                                    "EchoS OTHER - 5 failed TIME TIME\n"));
+}
+
 TEST_F(DornServiceTest, OneServiceCanBeAskedFor)
 {
     const EchoService echo;

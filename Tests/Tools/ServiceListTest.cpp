@@ -63,6 +63,32 @@ TEST(ServiceListTest, ServiceWithoutStateIsAliveOrDead)
     EXPECT_EQ(shownState(service(false, {})), "dead");
 }
 
+TEST(ServiceListTest, ServiceThatFailedStaysFailedWhenItsObjectHasEnded)
+{
+    host::EeInfo info = service(false, {{stateId, 4, newYear + second, 5}});
+    EXPECT_EQ(shownState(info), "5 failed");
+    EXPECT_EQ(jsonLine(servicesJson({info})),
+              R"json([{"name":"ClimateS","pid":4711,"cpid":529,"alive":false,"state":5,"condition":"failed",)json"
+              R"("started":"2025-01-01T00:00:00.000000Z","moved":"2025-01-01T00:00:01.000000Z",)"
+              R"("published":[{"id":2228235,"value":4,"moved":"2025-01-01T00:00:01.000000Z"}],"cpids":[]}])");
+    info.published[0].before = 2;
+    EXPECT_EQ(shownState(info), "4 ended");
+    info.published[0] = {stateId, 1, newYear, 5};
+    EXPECT_EQ(shownState(info), "1 dead (was starting)");
+}
+
+TEST(ServiceListTest, CpidThatWasNotGrantedIsNotShown)
+{
+    TestConsole console;
+    host::EeInfo info = inState(5, false);
+    info.isGranted = false;
+
+    EXPECT_EQ(servicesTable({info}, console),
+              "SERVICE   PID   CPID  STATE     STARTED               STATE MOVED\n"
+              "ClimateS  4711  -     5 failed  2025-01-01T00:00:00Z  2025-01-01T00:00:01Z\n");
+    EXPECT_EQ(servicesJson({info})[0]["cpid"], nullptr);
+}
+
 TEST(ServiceListTest, StateIsTheFirstParameterOfItsDomain)
 {
     const host::EeInfo info =

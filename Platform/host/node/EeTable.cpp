@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t headerSize = 64;
 constexpr std::size_t tableLock = EeTable::capacity; ///< the byte behind the places' own: guards the choice of a place
-constexpr SharedStoreFormat format{0x44524E45, 1, headerSize + EeTable::capacity * sizeof(EeRecord)};
+constexpr SharedStoreFormat format{0x44524E45, 2, headerSize + EeTable::capacity * sizeof(EeRecord)};
 
 std::int64_t wallNow()
 {
@@ -36,9 +36,11 @@ std::string textOf(const std::array<char, Size>& from)
 
 void clear(EeRecord& record)
 {
+    record.isGranted.store(0);
     for (EeRecord::Published& entry : record.published) {
         entry.id.store(0);
         entry.value.store(0);
+        entry.before.store(0);
         entry.when.store(0);
     }
     for (EeRecord::Cpid& entry : record.cpids) {
@@ -54,10 +56,11 @@ EeInfo copyOf(const EeRecord& record, bool alive)
                 static_cast<std::uint16_t>(record.cpid.load()),
                 record.since.load(),
                 {},
-                {}};
+                {},
+                record.isGranted.load() != 0};
     for (const EeRecord::Published& entry : record.published) {
         if (entry.id.load() != 0) {
-            info.published.push_back({entry.id.load(), entry.value.load(), entry.when.load()});
+            info.published.push_back({entry.id.load(), entry.value.load(), entry.when.load(), entry.before.load()});
         }
     }
     for (const EeRecord::Cpid& entry : record.cpids) {
@@ -145,7 +148,11 @@ void EeTable::notePublished(std::uint32_t id, std::uint32_t value)
     for (EeRecord::Published& entry : own->published) {
         std::uint32_t there = entry.id.load(std::memory_order_relaxed);
         if (there == id || (there == 0 && entry.id.compare_exchange_strong(there, id)) || there == id) {
-            entry.value.store(value, std::memory_order_relaxed);
+            const std::uint32_t before = entry.value.load(std::memory_order_relaxed);
+            if (before != value) {
+                entry.before.store(before, std::memory_order_relaxed);
+                entry.value.store(value, std::memory_order_relaxed);
+            }
             entry.when.store(wallNow(), std::memory_order_relaxed);
             return;
         }
@@ -157,6 +164,9 @@ void EeTable::noteCpid(std::uint16_t cpid, const std::string& euName)
     EeRecord* const own = m_own.load(std::memory_order_acquire);
     if (!own) {
         return;
+    }
+    if (cpid == own->cpid.load()) {
+        own->isGranted.store(1);
     }
     for (EeRecord::Cpid& entry : own->cpids) {
         if (entry.cpid.load() == 0) {

@@ -20,7 +20,8 @@ struct EeRecord {
     struct Published {
         std::atomic<std::uint32_t> id;
         std::atomic<std::uint32_t> value;
-        std::atomic<std::int64_t> when; ///< wall clock, ns
+        std::atomic<std::uint32_t> before; ///< the last other value that the process wrote
+        std::atomic<std::int64_t> when;    ///< wall clock, ns
     };
     /// A cpid that an EU of the process holds.
     struct Cpid {
@@ -29,8 +30,9 @@ struct EeRecord {
     };
 
     std::atomic<std::int32_t> pid;
-    std::atomic<std::uint32_t> cpid; ///< the one the process named itself by
-    std::atomic<std::int64_t> since; ///< wall clock, ns
+    std::atomic<std::uint32_t> cpid;      ///< the one the process named itself by
+    std::atomic<std::uint32_t> isGranted; ///< 1 once an EU of the process has got it
+    std::atomic<std::int64_t> since;      ///< wall clock, ns
     std::array<char, 40> name;
     std::array<Published, 6> published;
     std::array<Cpid, 8> cpids;
@@ -43,6 +45,7 @@ struct EeInfo {
         std::uint32_t id;
         std::uint32_t value;
         std::int64_t when;
+        std::uint32_t before = 0; ///< the last other value that the process wrote; 0 also when there was none
     };
     struct Cpid {
         std::uint16_t cpid;
@@ -51,10 +54,11 @@ struct EeInfo {
     std::string name;
     std::int32_t pid;
     bool alive;
-    std::uint16_t cpid;
+    std::uint16_t cpid; ///< the one the process named itself by, whether or not it got it
     std::int64_t since;
     std::vector<Published> published;
     std::vector<Cpid> cpids;
+    bool isGranted = true; ///< whether the process has, or had, got the cpid that it named itself by
 };
 
 /// The shared table. A record stays after its process has ended, until its place is needed: first by a process of the

@@ -71,7 +71,7 @@ private:
 class EeTableTest : public ::testing::Test {
 protected:
     static constexpr std::size_t headerSize = 64;
-    static constexpr SharedStoreFormat storeFormat{0x44524E45, 1, headerSize + EeTable::capacity * sizeof(EeRecord)};
+    static constexpr SharedStoreFormat storeFormat{0x44524E45, 2, headerSize + EeTable::capacity * sizeof(EeRecord)};
 
     /// As after many processes that have all ended; the one in place 700 was the first.
     void fillTable() const
@@ -157,6 +157,37 @@ TEST_F(EeTableTest, NotesWhatWasPublishedAndWhen)
     EXPECT_EQ(info.published[0].value, 2U);
     EXPECT_EQ(info.published[0].when, Nanoseconds(std::chrono::seconds(1005)).count());
     EXPECT_EQ(info.published[1].id, 0x20054U);
+}
+
+TEST_F(EeTableTest, KeepsTheLastOtherValueThatWasPublished)
+{
+    EeTable table(m_directory);
+    table.enter("FanS", 0x0301);
+    table.notePublished(0x220001, 2);
+    EXPECT_EQ(table.list().front().published.front().before, 0U);
+    table.notePublished(0x220001, 5);
+    EXPECT_EQ(table.list().front().published.front().before, 2U);
+    table.notePublished(0x220001, 4);
+    table.notePublished(0x220001, 4);
+    EXPECT_EQ(table.list().front().published.front().value, 4U);
+    EXPECT_EQ(table.list().front().published.front().before, 5U);
+    table.enter("FanS", 0x0301);
+    table.notePublished(0x220001, 1);
+    EXPECT_EQ(table.list().front().published.front().before, 0U);
+}
+
+TEST_F(EeTableTest, TellsWhetherTheWantedCpidWasGranted)
+{
+    EeTable table(m_directory);
+    table.enter("FanS", 0x0301);
+    table.noteCpid(0x0302, "FanSHelper");
+    EXPECT_FALSE(table.list().front().isGranted);
+    table.noteCpid(0x0301, "FanSMain");
+    EXPECT_TRUE(table.list().front().isGranted);
+    table.forgetCpid(0x0301);
+    EXPECT_TRUE(table.list().front().isGranted);
+    table.enter("FanS", 0x0301);
+    EXPECT_FALSE(table.list().front().isGranted);
 }
 
 TEST_F(EeTableTest, PublishedParametersBeyondItsRoomAreLeftOut)
