@@ -14,7 +14,7 @@ extern "C" {
 /// @param opaque the registered context. @return 0; another value when the step failed (logged by the callback).
 typedef int32_t (*TAaTrblFileCallback)(const char* fileName, void* opaque);
 
-/// Registers a file for collection.
+/// Registers a file for collection, in place of one of the same name and path that has been registered before.
 /// @param name short name of the file in the collection
 /// @param path the target's path
 /// @param priority files of a lower number are collected first

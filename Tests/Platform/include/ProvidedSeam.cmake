@@ -1,4 +1,4 @@
-# Looks whether a provider defines everything that the platform's headers declare, but for the list PENDING.
+# Looks whether a provider defines everything that the platform's headers declare.
 include("${CMAKE_CURRENT_LIST_DIR}/SeamSymbols.cmake")
 
 file(GLOB headers "${SOURCE}/Platform/include/*.h")
@@ -10,10 +10,8 @@ if(count LESS 60)
 endif()
 
 foreach(symbol IN LISTS declared)
-    if(NOT symbol IN_LIST defined AND NOT symbol IN_LIST PENDING)
+    if(NOT symbol IN_LIST defined)
         message(SEND_ERROR "declared and not defined: ${symbol}")
-    elseif(symbol IN_LIST defined AND symbol IN_LIST PENDING)
-        message(SEND_ERROR "no longer pending: ${symbol}")
     endif()
 endforeach()
 message(STATUS "The platform's headers declare ${count} symbols.")
