@@ -157,6 +157,13 @@ void EeTable::notePublished(std::uint32_t id, std::uint32_t value)
             return;
         }
     }
+    if (!m_isPublishedFullSaid.exchange(true)) {
+        AaSysLogPrint(
+            EAaSysLogSeverityLevel_Warning,
+            "R&D parameter 0x%X and others of EE %s are not in the node's list: it has no more than %zu places "
+            "for them",
+            id, own->name.data(), own->published.size());
+    }
 }
 
 void EeTable::noteCpid(std::uint16_t cpid, const std::string& euName)
@@ -174,6 +181,12 @@ void EeTable::noteCpid(std::uint16_t cpid, const std::string& euName)
             entry.cpid.store(cpid);
             return;
         }
+    }
+    if (!m_isCpidsFullSaid.exchange(true)) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Warning,
+                      "cpid 0x%04X and others of EE %s are not in the node's list: it has no more than %zu places for "
+                      "them",
+                      cpid, own->name.data(), own->cpids.size());
     }
 }
 

@@ -34,8 +34,8 @@ struct EeRecord {
     std::atomic<std::uint32_t> isGranted; ///< 1 once an EU of the process has got it
     std::atomic<std::int64_t> since;      ///< wall clock, ns
     std::array<char, 40> name;
-    std::array<Published, 6> published;
-    std::array<Cpid, 8> cpids;
+    std::array<Published, 16> published;
+    std::array<Cpid, 32> cpids;
 };
 static_assert(std::atomic<std::int64_t>::is_always_lock_free, "shared between processes");
 
@@ -62,10 +62,11 @@ struct EeInfo {
 };
 
 /// The shared table. A record stays after its process has ended, until its place is needed: first by a process of the
-/// same name, then by any.
+/// same name, then by any. Of what a process publishes and of the cpids that it holds there is a limited number in the
+/// list; the first one beyond is logged.
 class EeTable {
 public:
-    static constexpr std::size_t capacity = 1024;
+    static constexpr std::size_t capacity = 1024; ///< the store's room is reserved at once: 1.2 MB
 
     /// Opens the table of this process's node. @throws EnvironmentError. Use it through `PerNode<EeTable>`.
     EeTable();
@@ -93,6 +94,8 @@ private:
     SharedStore m_store;
     std::atomic<EeRecord*> m_own{nullptr};
     std::size_t m_ownPlace = capacity;
+    std::atomic<bool> m_isPublishedFullSaid{false};
+    std::atomic<bool> m_isCpidsFullSaid{false};
 };
 
 } // namespace dorn::host

@@ -190,14 +190,42 @@ TEST_F(EeTableTest, TellsWhetherTheWantedCpidWasGranted)
     EXPECT_FALSE(table.list().front().isGranted);
 }
 
-TEST_F(EeTableTest, PublishedParametersBeyondItsRoomAreLeftOut)
+TEST_F(EeTableTest, PublishedParametersBeyondItsRoomAreLeftOutAndLoggedOnce)
 {
+    const LogCapture log;
     EeTable table(m_directory);
     table.enter("FanS", 0x0301);
-    for (std::uint32_t id = 1; id <= 10; ++id) {
+    for (std::uint32_t id = 1; id <= 16; ++id) {
         table.notePublished(id, id);
     }
-    EXPECT_EQ(table.list().front().published.size(), 6U);
+    EXPECT_EQ(log.texts(), std::vector<std::string>{});
+    table.notePublished(0x220011, 1);
+    table.notePublished(0x220012, 1);
+    table.notePublished(16, 99);
+    const auto published = table.list().front().published;
+    ASSERT_EQ(published.size(), 16U);
+    EXPECT_EQ(published.back().value, 99U);
+    EXPECT_EQ(log.texts(),
+              std::vector<std::string>{"Warning 0x0 R&D parameter 0x220011 and others of EE FanS are not in the node's "
+                                       "list: it has no more than 16 places for them"});
+}
+
+TEST_F(EeTableTest, CpidsBeyondItsRoomAreLeftOutAndLoggedOnce)
+{
+    const LogCapture log;
+    EeTable table(m_directory);
+    table.enter("FanS", 0x0301);
+    for (std::uint16_t cpid = 0x0301; cpid <= 0x0320; ++cpid) {
+        table.noteCpid(cpid, "FanS");
+    }
+    EXPECT_EQ(log.texts(), std::vector<std::string>{});
+    table.noteCpid(0x0321, "FanSMore");
+    table.noteCpid(0x0322, "FanSMore");
+    EXPECT_EQ(table.list().front().cpids.size(), 32U);
+    EXPECT_TRUE(table.holderOf(0x0320));
+    EXPECT_FALSE(table.holderOf(0x0321));
+    EXPECT_EQ(log.texts(), std::vector<std::string>{"Warning 0x0 cpid 0x0321 and others of EE FanS are not in the "
+                                                    "node's list: it has no more than 32 places for them"});
 }
 
 TEST_F(EeTableTest, FindsTheLiveHolderOfACpid)
