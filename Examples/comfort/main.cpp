@@ -4,5 +4,5 @@
 int main(int argc, char** argv)
 {
     dorn::examples::ComfortS service;
-    return static_cast<int>(service.Startup(argc, argv));
+    return vel::hwapi::common::RunService(service, argc, argv);
 }

@@ -20,6 +20,7 @@ public:
     testkit::Process& start(const std::string& name, const std::vector<std::string>& arguments = {});
     /// A service that was started.
     testkit::Process& service(const std::string& name) { return *m_services.at(name); }
+    const testkit::Process& service(const std::string& name) const { return *m_services.at(name); }
     /// The services that run.
     std::vector<std::string> running() const;
 

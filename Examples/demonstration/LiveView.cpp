@@ -84,11 +84,13 @@ void LiveView::update()
 
 std::string LiveView::servicesText() const
 {
-    std::string text = format("%-12s %8s  %-6s  %-10s\n", "SERVICE", "PID", "CPID", "STATE");
+    std::string text = format("%-17s %8s  %-6s  %-10s\n", "SERVICE", "PID", "CPID", "STATE");
     for (const host::EeInfo& info : host::PerNode<host::EeTable>::get().list()) {
         const std::uint32_t state = publishedState(info);
-        const std::string word = info.alive ? stateWord(state) : std::string("dead (was ") + stateWord(state) + ")";
-        text += format("%-12s %8d  0x%04X  %u %s\n", info.name.c_str(), info.pid, info.cpid, state, word.c_str());
+        const bool hasEnded = state == 4 || state == 5;
+        const std::string word =
+            info.alive || hasEnded ? stateWord(state) : std::string("dead (was ") + stateWord(state) + ")";
+        text += format("%-17s %8d  0x%04X  %u %s\n", info.name.c_str(), info.pid, info.cpid, state, word.c_str());
     }
     return text;
 }

@@ -4,9 +4,12 @@
 #include "AaConfigTag.h"
 #include "Board.hpp"
 #include "ClimateMessages.hpp"
+#include "ComfortMessages.hpp"
+#include "DoorbellMessages.hpp"
 #include "LedMessages.hpp"
 #include "Peer.hpp"
 #include "RadWait.hpp"
+#include "RedundancyMessages.hpp"
 #include "TestNode.hpp"
 #include "config/RadStore.hpp"
 #include "log/LogReader.hpp"
@@ -67,12 +70,19 @@ private:
     std::optional<host::EeInfo> find(const std::string& name) const;
     void setSwitch(TAaConfigRadId id, std::uint32_t value);
 
+    void start(const std::string& name, const std::vector<std::string>& arguments = {});
+    bool isWaiting(const std::string& name) const;
     void startServices();
     void switchPrintsOn();
     void askClimate();
     void warmUp();
     void watchMessages();
     void sendNonsense();
+    void ringTheBell();
+    void askForComfort();
+    void letForwardingTimeOut();
+    void raiseAlarm();
+    void switchOver();
     void killAndRestart();
     void refuseSecond();
     void endAll();
@@ -136,14 +146,29 @@ void Demonstration::setSwitch(TAaConfigRadId id, std::uint32_t value)
     require(host::PerNode<host::RadStore>::get().set(id, value), "the R&D parameter is not known");
 }
 
+void Demonstration::start(const std::string& name, const std::vector<std::string>& arguments)
+{
+    m_board.start(name, arguments);
+    require(testkit::waitForRadChange([&] { return isWaiting(name); }, stepBound), name + " does not get to state 2");
+}
+
+bool Demonstration::isWaiting(const std::string& name) const
+{
+    const auto info = find(name);
+    return info && info->alive && info->pid == m_board.service(name).pid() && !info->published.empty() &&
+           info->published.front().value == waiting;
+}
+
 void Demonstration::startServices()
 {
-    m_board.start("LedS");
-    require(testkit::waitForRad(ERadHwapiState_LedState, waiting, stepBound), "LedS does not get to state 2");
-    m_board.start("ClimateS");
-    require(testkit::waitForRad(ERadHwapiState_ClimateState, waiting, stepBound), "ClimateS does not get to state 2");
+    start("FaultManager");
+    start("RedundancyManager");
+    start("LedS");
+    start("ClimateS", {"--redundancy"}); // the redundancy manager is there already
+    start("ComfortS");
+    start("DoorbellS");
     const auto led = find("LedS");
-    require(led && led->alive && led->pid == m_board.service("LedS").pid(), "LedS is not listed as alive");
+    require(led && led->alive, "LedS is not listed as alive");
 }
 
 void Demonstration::switchPrintsOn()
@@ -200,22 +225,73 @@ void Demonstration::sendNonsense()
     require(peer.expect<LedSetRespMsg>(stepBound)->status == 1, "LedS takes an LED that it does not have");
 }
 
+/// Asks the comfort service, which has to ask the climate service.
+std::uint32_t comfort()
+{
+    testkit::Peer peer;
+    peer.send<ComfortReqMsg>(comfortServiceCpid, {.transactionId = 8});
+    return peer.expect<ComfortRespMsg>(stepBound)->comfort;
+}
+
+void Demonstration::ringTheBell()
+{
+    std::ofstream(m_node.boardPath(doorContactPath)) << "rr";
+    testkit::Peer peer;
+    std::uint32_t visits = 0;
+    const auto until = host::Clock::get().monotonic() + stepBound;
+    while (visits < 2 && host::Clock::get().monotonic() < until) {
+        peer.send<VisitsReqMsg>(doorbellServiceCpid, {.transactionId = 9});
+        visits = peer.expect<VisitsRespMsg>(stepBound)->visits;
+    }
+    require(visits == 2, "the visits are not written to the book");
+    require(contentOf(m_node.boardPath(visitorsBookPath)) == "somebody rang\nsomebody rang\n", "the book is wrong");
+}
+
+void Demonstration::askForComfort()
+{
+    for (const auto& [limit, expected] : {std::pair(100U, EComfort_Comfortable), std::pair(10U, EComfort_TooWarm)}) {
+        require(AaConfigTagSetU32(comfortLimitTag, limit) == 0, "the tag cannot be set");
+        // The service hears of the tag on a thread of its platform.
+        const auto until = host::Clock::get().monotonic() + stepBound;
+        while (comfort() != expected) {
+            require(host::Clock::get().monotonic() < until, "ComfortS does not follow its tag");
+        }
+    }
+}
+
+void Demonstration::letForwardingTimeOut()
+{
+    m_board.service("ClimateS").signal(SIGSTOP);
+    const std::uint32_t answer = comfort();
+    m_board.service("ClimateS").signal(SIGCONT);
+    require(answer == EComfort_Unknown, "a question is answered that nobody has answered");
+}
+
+void Demonstration::raiseAlarm()
+{
+    require(AaConfigTagSetU32(ambientTag, 90) == 0, "the tag cannot be set");
+    awaitLine("count 1, active");
+    require(AaConfigTagSetU32(ambientTag, 25) == 0, "the tag cannot be set");
+}
+
+void Demonstration::switchOver()
+{
+    testkit::Peer peer;
+    for (const EUnitRole role : {EUnitRole_Active, EUnitRole_Standby}) {
+        peer.send<RedundancySwitchReqMsg>(redundancyManagerCpid, {.transactionId = 10, .role = role});
+        const auto answer = peer.expect<RedundancySwitchRespMsg>(stepBound);
+        require(answer->status == ERedundancySwitchStatus_Done && answer->role == role,
+                "the unit does not switch over");
+    }
+}
+
 void Demonstration::killAndRestart()
 {
     m_board.service("ClimateS").signal(SIGKILL);
     require(m_board.service("ClimateS").waitForEnd() == -SIGKILL, "ClimateS does not die");
     const auto dead = find("ClimateS");
     require(dead && !dead->alive, "a dead service is listed as alive");
-    const int firstPid = dead->pid;
-    m_board.start("ClimateS");
-    require(testkit::waitForRadChange(
-                [&] {
-                    const auto again = find("ClimateS");
-                    return again && again->alive && again->pid != firstPid && !again->published.empty() &&
-                           again->published.front().value == waiting;
-                },
-                stepBound),
-            "ClimateS does not come back");
+    start("ClimateS", {"--redundancy"});
     askClimate();
 }
 
@@ -238,15 +314,20 @@ void Demonstration::endAll()
 
 bool Demonstration::run()
 {
-    step("LedS and ClimateS start as processes of their own and wait for messages", [this] { startServices(); });
+    step("six services start as processes of their own and wait for messages", [this] { startServices(); });
     step("an operator switches prints on, and off again, while the services run", [this] { switchPrintsOn(); });
     step("a message to ClimateS is answered", [this] { askClimate(); });
     step("a configuration tag warms the air: ClimateS has LedS show amber", [this] { warmUp(); });
     step("messages of every process are watched as they pass", [this] { watchMessages(); });
     step("what LedS does not know is logged and refused; it goes on", [this] { sendNonsense(); });
+    step("the doorbell rings: a dispatcher sees it, a worker writes the visitors' book", [this] { ringTheBell(); });
+    step("a question is forwarded to ClimateS; its limit follows a configuration tag", [this] { askForComfort(); });
+    step("ClimateS hangs: the forwarded question is given up when its time is out", [this] { letForwardingTimeOut(); });
+    step("heat raises an alarm, which arrives at the fault manager", [this] { raiseAlarm(); });
+    step("the redundancy manager drives ClimateS through a switch-over and back", [this] { switchOver(); });
     step("ClimateS is killed, listed as dead, started again and finds its cpid free", [this] { killAndRestart(); });
     step("a second LedS is refused while the first lives", [this] { refuseSecond(); });
-    step("both services are asked to end, and end in state 4", [this] { endAll(); });
+    step("all services are asked to end, and end in state 4", [this] { endAll(); });
     std::printf("%s\n", m_isAllWell ? "Every step was seen." : "Not every step was seen.");
     return m_isAllWell;
 }

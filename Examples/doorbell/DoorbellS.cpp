@@ -30,7 +30,7 @@ public:
     void Perform() override
     {
         constexpr std::string_view line = "somebody rang\n";
-        AaFile* const book = AaFileOpen(DoorbellS::book, "a");
+        AaFile* const book = AaFileOpen(visitorsBookPath, "a");
         if (!book) {
             throw TaskException("Visit not written", "the book cannot be opened", __FILE__, __LINE__);
         }
@@ -57,7 +57,7 @@ private:
 } // namespace
 
 DoorbellS::DoorbellS(int contact)
-    : Service("DoorbellS", 0x0213, ERadHwapi_dummy2, ERadHwapiState_StartupState),
+    : Service("DoorbellS", doorbellServiceCpid, ERadHwapi_PrintEacService, ERadHwapiState_EacServiceState),
       m_contact(contact),
       m_dispatcher(*EventDispatcher::Get(dispatcherId)),
       m_writer(*Worker::Get(writerId))
@@ -66,6 +66,7 @@ DoorbellS::DoorbellS(int contact)
 
 void DoorbellS::Init()
 {
+    AaFileCreateDir("/ffs/run");
     AddMsgHandler(&DoorbellS::HandleVisits);
     if (!m_writer.IsSetupDone()) {
         m_writer.Setup(GetRadId(), "VisitWriter");

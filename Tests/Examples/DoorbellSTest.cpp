@@ -56,7 +56,7 @@ protected:
 
 TEST_F(DoorbellSTest, VisitsAreWrittenToTheBookAndCounted)
 {
-    m_node.writeBoardFile(DoorbellS::book, "");
+    m_node.writeBoardFile(visitorsBookPath, "");
     {
         DoorbellS doorbell(m_contact[0]);
         ServiceUnderTest service(doorbell);
@@ -68,7 +68,7 @@ TEST_F(DoorbellSTest, VisitsAreWrittenToTheBookAndCounted)
         EXPECT_TRUE(waitForVisits(visitor, service.address(), 2));
     }
 
-    EXPECT_EQ(m_node.readBoardFile(DoorbellS::book), "somebody rang\nsomebody rang\n");
+    EXPECT_EQ(m_node.readBoardFile(visitorsBookPath), "somebody rang\nsomebody rang\n");
 }
 
 TEST_F(DoorbellSTest, BookThatCannotBeOpenedIsLoggedAndTheNextVisitIsTried)
@@ -80,7 +80,7 @@ TEST_F(DoorbellSTest, BookThatCannotBeOpenedIsLoggedAndTheNextVisitIsTried)
 
     ring();
     ASSERT_TRUE(m_log.waitFor("Error 0x200c8 Task - Visit not written: the book cannot be opened"));
-    m_node.writeBoardFile(DoorbellS::book, "");
+    m_node.writeBoardFile(visitorsBookPath, "");
     ring();
 
     EXPECT_TRUE(waitForVisits(visitor, service.address(), 1));
