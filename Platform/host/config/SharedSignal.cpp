@@ -2,6 +2,9 @@
 #include "config/SharedSignal.hpp"
 
 #include <climits>
+#include <linux/futex.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace dorn::host {
 namespace {
@@ -9,13 +12,22 @@ namespace {
 constexpr std::uint32_t waitMark = 1;
 constexpr std::uint32_t oneEvent = 2;
 
+/// Takes the mark away and wakes those who sleep, as one step of the kernel's: who is killed at it has done both or
+/// neither, and nobody falls asleep in between.
+void clearMarkAndWakeAll(std::atomic<std::uint32_t>& word)
+{
+    // The operation could wake the sleepers of a second word as well; here both words are one, and all are awake.
+    constexpr int noneOfTheSecond = 0;
+    syscall(SYS_futex, &word, FUTEX_WAKE_OP, INT_MAX, noneOfTheSecond, &word,
+            FUTEX_OP(FUTEX_OP_ANDN, waitMark, FUTEX_OP_CMP_EQ, 0));
+}
+
 } // namespace
 
 void SharedSignal::notify()
 {
     if ((m_word.fetch_add(oneEvent, std::memory_order_acq_rel) & waitMark) != 0) {
-        m_word.fetch_and(~waitMark, std::memory_order_acq_rel);
-        wakeWaiters(m_word, INT_MAX, true);
+        clearMarkAndWakeAll(m_word);
     }
 }
 

@@ -13,7 +13,8 @@ namespace dorn::host {
 /// Counts events and wakes those who wait for the next one. Zeroed memory is a fresh signal.
 ///
 /// A waiter marks the word before it sleeps, so that notify() makes a system call only when somebody waits. A waiter
-/// that is killed leaves at most that mark; the next notify() takes it away.
+/// that is killed leaves at most that mark; the next notify() takes it away. Who is killed inside notify() leaves the
+/// mark until the waiters are awake, so that the next notify() wakes them.
 class SharedSignal {
 public:
     /// Number of events so far, modulo 2^31. What was written before the last of them is visible to the caller.

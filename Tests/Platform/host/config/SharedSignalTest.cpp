@@ -4,10 +4,51 @@
 #include "ChildProcess.hpp"
 #include "WaitingClock.hpp"
 
+#include <array>
+#include <csignal>
+#include <cstdarg>
+#include <dlfcn.h>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <limits>
+#include <linux/futex.h>
 #include <new>
+#include <string>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 #include <thread>
+#include <unistd.h>
+
+namespace {
+
+/// Has this process killed where it would wake somebody.
+bool isKilledAtWake = false;
+
+bool isWake(long number, long operation)
+{
+    const long command = operation & FUTEX_CMD_MASK;
+    return number == SYS_futex && (command == FUTEX_WAKE || command == FUTEX_WAKE_OP);
+}
+
+} // namespace
+
+// In place of the C library's, which it calls.
+extern "C" long syscall(long number, ...) noexcept // NOLINT
+{
+    static const auto real = reinterpret_cast<long (*)(long, ...)>(dlsym(RTLD_NEXT, "syscall"));
+    std::array<long, 6> words{};
+    va_list arguments;
+    va_start(arguments, number);
+    for (long& word : words) {
+        word = va_arg(arguments, long);
+    }
+    va_end(arguments);
+    if (isKilledAtWake && isWake(number, words[1])) {
+        raise(SIGKILL);
+    }
+    return real(number, words[0], words[1], words[2], words[3], words[4], words[5]);
+}
 
 namespace {
 
@@ -17,6 +58,23 @@ using dorn::host::noDeadline;
 using dorn::host::SharedSignal;
 using dorn::host::test::ChildProcess;
 using dorn::host::test::WaitingClock;
+
+/// Waits until all threads of a process sleep. @return whether they do so within 20 s.
+bool isAsleep(pid_t pid)
+{
+    const Deadline until = Clock::get().after(20'000'000);
+    const std::filesystem::directory_iterator threads("/proc/" + std::to_string(pid) + "/task");
+    for (const auto& thread : threads) {
+        for (std::string state; state != "S";) {
+            if (Clock::get().monotonic() >= until) {
+                return false;
+            }
+            std::ifstream stat(thread.path() / "stat");
+            stat.ignore(std::numeric_limits<std::streamsize>::max(), ')') >> state;
+        }
+    }
+    return true;
+}
 
 /// A signal in memory that is shared with children.
 class SharedSignalTest : public ::testing::Test {
@@ -81,6 +139,45 @@ TEST_F(SharedSignalTest, NotificationWakesAnotherProcess)
     });
     ASSERT_TRUE(child.await());
     m_signal.notify();
+    EXPECT_TRUE(child.hasSucceeded());
+}
+
+TEST_F(SharedSignalTest, WhoIsKilledAtTheWakeLeavesItToTheNextNotification)
+{
+    const std::uint32_t seen = m_signal.count();
+    ChildProcess killed([&](ChildProcess::Parent& parent) {
+        ASSERT_TRUE(parent.await());
+        isKilledAtWake = true;
+        m_signal.notify();
+    });
+    ChildProcess waiter([&](ChildProcess::Parent& parent) {
+        WaitingClock clock;
+        std::uint32_t now = seen;
+        std::thread reader([&] {
+            while (now != seen + 2 && m_signal.waitBeyond(now, noDeadline)) {
+                now = m_signal.count();
+            }
+            parent.tell();
+        });
+        clock.awaitSleepAfter(0);
+        parent.tell();
+        reader.join();
+    });
+    ASSERT_TRUE(waiter.await());
+    ASSERT_TRUE(isAsleep(waiter.pid()));
+    killed.tell();
+    EXPECT_FALSE(killed.hasSucceeded());
+    EXPECT_EQ(m_signal.count(), seen + 1);
+    m_signal.notify();
+    EXPECT_TRUE(waiter.await());
+}
+
+TEST_F(SharedSignalTest, NotificationWithoutWaitersMakesNoSystemCall)
+{
+    ChildProcess child([&](ChildProcess::Parent&) {
+        isKilledAtWake = true;
+        m_signal.notify();
+    });
     EXPECT_TRUE(child.hasSucceeded());
 }
 
