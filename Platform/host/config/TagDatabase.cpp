@@ -191,20 +191,22 @@ int TagDatabase::open(const std::string& path)
     fcntl(descriptor, F_SETFD, FD_CLOEXEC);
     int dead = 0;
     mdb_reader_check(environment, &dead);
-    return openTables();
+    // Only who has to make the tables waits for the node's writer, which may be stopped in the middle of a set.
+    result = openTables(true);
+    return result == MDB_NOTFOUND ? openTables(false) : result;
 }
 
-int TagDatabase::openTables()
+int TagDatabase::openTables(bool areThere)
 {
     MDB_txn* transaction = nullptr;
-    int result = mdb_txn_begin(m_environment.get(), nullptr, 0, &transaction);
+    int result = mdb_txn_begin(m_environment.get(), nullptr, areThere ? MDB_RDONLY : 0, &transaction);
     if (result != MDB_SUCCESS) {
         return result;
     }
     const std::array<std::pair<const char*, unsigned int*>, 3> tables{
         {{"tags", &m_tags}, {"journal", &m_journal}, {"state", &m_state}}};
     for (const auto& [name, table] : tables) {
-        result = mdb_dbi_open(transaction, name, MDB_CREATE, table);
+        result = mdb_dbi_open(transaction, name, areThere ? 0 : MDB_CREATE, table);
         if (result != MDB_SUCCESS) {
             mdb_txn_abort(transaction);
             return result;

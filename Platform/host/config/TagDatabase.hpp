@@ -78,7 +78,7 @@ private:
     };
 
     int open(const std::string& path);
-    int openTables();
+    int openTables(bool areThere);
 
     std::unique_ptr<MDB_env, CloseEnvironment> m_environment;
     unsigned int m_tags = 0;    ///< name to value

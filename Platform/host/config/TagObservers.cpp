@@ -52,6 +52,8 @@ TagObservers::~TagObservers()
 
 TagObservers::Id TagObservers::add(const std::string& name, Function function, TAaConfigTagObserver key)
 {
+    // The node's writer may be stopped in the middle of a set: whoever waits for it keeps nobody else waiting.
+    TagWrite write(m_database);
     const std::lock_guard lock(m_mutex);
     const auto [begin, end] = m_observers.equal_range(name);
     const auto same = std::find_if(begin, end, [key](const auto& entry) { return key && entry.second.key == key; });
@@ -59,13 +61,10 @@ TagObservers::Id TagObservers::add(const std::string& name, Function function, T
         return same->second.id;
     }
     Observer observer{++m_lastId, key, 0, m_ownSequence, std::move(function)};
-    {
-        TagWrite write(m_database);
-        start();
-        if (!isProcessTag(name)) {
-            beginJournal(write);
-            observer.fromJournal = write.sequence();
-        }
+    start();
+    if (!isProcessTag(name)) {
+        beginJournal(write);
+        observer.fromJournal = write.sequence();
     }
     const Id id = observer.id;
     m_observers.emplace(name, std::move(observer));

@@ -78,7 +78,7 @@ private:
     TagDatabase& m_database;
     TagControl& m_control;
 
-    std::mutex m_mutex; ///< guards all below; never taken inside a TagWrite
+    std::mutex m_mutex; ///< guards all below; nobody waits for a TagWrite while he holds it
     std::condition_variable m_callEnded;
     Observers m_observers;
     Id m_lastId = 0;

@@ -45,12 +45,6 @@ TagStore::TagStore()
       m_database(openAlone(m_control, PerNode<RunDirectory>::get())),
       m_observers(m_database, m_control)
 {
-    try {
-        const TagWrite alone(m_database);
-        m_control.forgetDead();
-    } catch (const TagError& error) {
-        throw EnvironmentError(std::string("tag store cannot be used: ") + error.what());
-    }
     // A process that was killed between a set and its wake-up owes it to the observers.
     m_control.notifyAll();
 }
@@ -76,6 +70,10 @@ bool TagStore::set(const std::string& name, TagView value)
     }
     {
         TagWrite write(m_database);
+        if (!m_hasForgottenDead) {
+            m_control.forgetDead();
+            m_hasForgottenDead = true;
+        }
         write.put(name, value);
         if (const std::optional<std::uint64_t> oldest = m_control.oldestCursor(write.sequence())) {
             write.appendToJournal(name, value);

@@ -58,6 +58,7 @@ private:
     int m_process;
     TagControl m_control;
     TagDatabase m_database;
+    bool m_hasForgottenDead = false; ///< read and written inside a TagWrite only
     mutable std::mutex m_ownMutex;
     std::map<std::string, TagBytes> m_own; ///< the tags of this process
     TagObservers m_observers;

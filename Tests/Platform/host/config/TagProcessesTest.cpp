@@ -11,6 +11,7 @@
 #include <csignal>
 #include <fstream>
 #include <gmock/gmock.h>
+#include <limits>
 #include <memory>
 #include <new>
 #include <optional>
@@ -18,6 +19,7 @@
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace dorn::host {
@@ -48,6 +50,16 @@ std::size_t journalSize()
 {
     const TagDatabase database(PerNode<RunDirectory>::get());
     return database.readJournal(0, [](const std::string&) { return true; }).entries.size();
+}
+
+/// Waits until a thread of this process, whose id is going to be in @p thread, sleeps.
+void awaitSleepOf(const std::atomic<pid_t>& thread)
+{
+    for (std::string state; state != "S";) {
+        std::ifstream stat("/proc/self/task/" + std::to_string(thread.load()) + "/stat");
+        stat.ignore(std::numeric_limits<std::streamsize>::max(), ')') >> state;
+        std::this_thread::yield();
+    }
 }
 
 /// Tags of several processes.
@@ -188,6 +200,62 @@ TEST_F(TagProcessesTest, LivingObserverIsServedBesideAKilledOne)
     ASSERT_EQ(calls.size(), 300U);
     EXPECT_EQ(calls.back(), "sys.x=299");
     EXPECT_THAT(m_log.texts(), IsEmpty());
+}
+
+TEST_F(TagProcessesTest, ProcessThatIsStoppedInASetKeepsNobodyFromStartingAndReading)
+{
+    ChildProcess stopped([](ChildProcess::Parent& parent) {
+        set("sys.x", "before");
+        closeNode();
+        TagDatabase database(PerNode<RunDirectory>::get());
+        const TagWrite write(database);
+        parent.tell();
+        parent.await();
+    });
+    ChildProcess other([](ChildProcess::Parent& parent) {
+        ASSERT_TRUE(parent.await());
+        EXPECT_EQ(AaConfigEarlyStartup(), 0);
+        EXPECT_EQ(store().get("sys.x")->size(), 6U);
+        EXPECT_EQ(store().list().size(), 1U);
+        parent.tell();
+    });
+    ASSERT_TRUE(stopped.await());
+    other.tell();
+    EXPECT_TRUE(other.await());
+}
+
+TEST_F(TagProcessesTest, ThreadThatWaitsForAStoppedSetterKeepsNoOtherWaiting)
+{
+    ChildProcess stopped([](ChildProcess::Parent& parent) {
+        ASSERT_TRUE(parent.await());
+        TagDatabase database(PerNode<RunDirectory>::get());
+        const TagWrite write(database);
+        parent.tell();
+        parent.await();
+    });
+    ChildProcess other([](ChildProcess::Parent& parent) {
+        TagRecorder recorder;
+        const TagWatch own(store(), "tessel.service.x", recordingIn(recorder));
+        parent.tell();
+        ASSERT_TRUE(parent.await());
+        std::atomic<pid_t> waiter{0};
+        std::thread registration([&recorder, &waiter] {
+            waiter.store(gettid());
+            const TagWatch watch(store(), "sys.x", recordingIn(recorder));
+        });
+        awaitSleepOf(waiter);
+        set("tessel.service.x", "1");
+        EXPECT_THAT(recorder.waitFor(1), ElementsAre("tessel.service.x=1"));
+        parent.tell();
+        registration.join();
+    });
+    ASSERT_TRUE(other.await());
+    stopped.tell();
+    ASSERT_TRUE(stopped.await());
+    other.tell();
+    EXPECT_TRUE(other.await());
+    stopped.kill();
+    EXPECT_TRUE(other.hasSucceeded());
 }
 
 TEST_F(TagProcessesTest, WakeUpThatAKilledProcessOwesIsMadeUpForByTheNextStart)
