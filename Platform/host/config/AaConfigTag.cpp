@@ -6,11 +6,11 @@
 #include "config/NoCancel.hpp"
 #include "config/TagFile.hpp"
 #include "config/TagStore.hpp"
+#include "port/StandardStreams.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <new>
@@ -106,7 +106,7 @@ int32_t AaConfigEarlyStartup(void)
         openStore();
         return 0;
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "dorn: %s\n", error.what());
+        dorn::host::writeToStandardError(std::string("dorn: ") + error.what() + "\n");
         return 1;
     }
 }

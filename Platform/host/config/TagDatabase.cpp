@@ -2,11 +2,11 @@
 #include "config/TagDatabase.hpp"
 
 #include "port/FilePort.hpp"
+#include "port/StandardStreams.hpp"
 
 #include <algorithm>
 #include <array>
 
-#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <lmdb.h>
@@ -136,8 +136,8 @@ void reserveLockFile(const RunDirectory& directory)
 void setAside(const RunDirectory& directory)
 {
     const std::string path = directory.path() + "/tags/data.mdb";
-    std::fprintf(stderr, "dorn: tag store '%s' is damaged or of another version; set aside as '%s.broken'\n",
-                 path.c_str(), path.c_str());
+    writeToStandardError("dorn: tag store '" + path + "' is damaged or of another version; set aside as '" + path +
+                         ".broken'\n");
     FilePort::get().rename(directory.descriptor(), "tags/data.mdb", directory.descriptor(), "tags/data.mdb.broken");
 }
 

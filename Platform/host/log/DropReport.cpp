@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "log/DropReport.hpp"
 
-#include <cstdio>
+#include "port/StandardStreams.hpp"
 
 namespace dorn::host {
 
@@ -9,15 +9,16 @@ void DropReport::dropped(const std::string& reason)
 {
     if (m_pending++ == 0) {
         m_reason = reason;
-        std::fprintf(stderr, "dorn: log '%s' cannot be written: %s; its lines are dropped until it can\n",
-                     m_path.c_str(), reason.c_str());
+        writeToStandardError("dorn: log '" + m_path + "' cannot be written: " + reason +
+                             "; its lines are dropped until it can\n");
     }
 }
 
 std::uint32_t DropReport::written()
 {
     if (m_pending != 0) {
-        std::fprintf(stderr, "dorn: log '%s' is written again; lines dropped: %u\n", m_path.c_str(), m_pending);
+        writeToStandardError("dorn: log '" + m_path +
+                             "' is written again; lines dropped: " + std::to_string(m_pending) + "\n");
     }
     return std::exchange(m_pending, 0);
 }

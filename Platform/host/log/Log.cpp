@@ -7,8 +7,8 @@
 #include "log/LogOrigin.hpp"
 #include "node/PerNode.hpp"
 #include "node/RunDirectory.hpp"
+#include "port/StandardStreams.hpp"
 
-#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <pthread.h>
@@ -36,7 +36,7 @@ Log::Log()
     LogComplaints complaints;
     m_settings = parseLogSettings(std::getenv("DORN_LOG"), std::getenv("DORN_LOG_LEVEL"), complaints);
     for (const std::string& complaint : complaints) {
-        std::fprintf(stderr, "dorn: %s\n", complaint.c_str());
+        writeToStandardError("dorn: " + complaint + "\n");
     }
     setLogIdentity({});
     openSinks();
@@ -55,7 +55,7 @@ void Log::openSink(Open open)
     try {
         m_textSinks.push_back(open());
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "dorn: %s; the sink is left out\n", error.what());
+        writeToStandardError(std::string("dorn: ") + error.what() + "; the sink is left out\n");
     }
 }
 

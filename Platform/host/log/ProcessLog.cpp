@@ -6,9 +6,9 @@
 #include "log/LogLine.hpp"
 #include "node/PerNode.hpp"
 #include "node/RunDirectory.hpp"
+#include "port/StandardStreams.hpp"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <exception>
 
@@ -55,7 +55,7 @@ bool ProcessLog::open()
         m_drops = std::make_unique<DropReport>(node.path() + "/" + logDirectoryName);
         m_segments = std::make_unique<SegmentWriter>(std::move(directory), m_segmentSize);
     } catch (const EnvironmentError& error) {
-        std::fprintf(stderr, "dorn: %s; the log is not kept there\n", error.what());
+        writeToStandardError(std::string("dorn: ") + error.what() + "; the log is not kept there\n");
         m_isLeftOut = true;
     }
     return !m_isLeftOut;

@@ -3,6 +3,7 @@
 
 #include "log/LogLine.hpp"
 #include "log/LogText.hpp"
+#include "log/StderrSink.hpp"
 #include "node/RunDirectory.hpp"
 
 #include <array>
@@ -10,8 +11,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <spdlog/details/null_mutex.h>
-#include <spdlog/formatter.h>
-#include <spdlog/sinks/ansicolor_sink.h>
 #include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/syslog_sink.h>
 #include <string>
@@ -29,20 +28,6 @@ spdlog::level::level_enum levelOf(EAaSysLogSeverityLevel severity)
     const auto index = static_cast<std::size_t>(severity);
     return levels[index < levels.size() ? index : 0];
 }
-
-/// Hands a line on as it is and tells where its severity stands, which is what gets the colour.
-class WholeLineFormatter final : public spdlog::formatter {
-public:
-    void format(const spdlog::details::log_msg& message, spdlog::memory_buf_t& to) override
-    {
-        constexpr std::size_t severityBegin = logTimeLength + 1;
-        const std::string_view line(message.payload.data(), message.payload.size());
-        to.append(line.data(), line.data() + line.size());
-        message.color_range_start = severityBegin;
-        message.color_range_end = line.find(' ', severityBegin);
-    }
-    std::unique_ptr<spdlog::formatter> clone() const override { return std::make_unique<WholeLineFormatter>(); }
-};
 
 class FileSink final : public spdlog::sinks::base_sink<spdlog::details::null_mutex> {
 public:
@@ -93,10 +78,7 @@ bool wantsColour()
 
 std::unique_ptr<TextSink> openStderrSink()
 {
-    const spdlog::color_mode mode = wantsColour() ? spdlog::color_mode::always : spdlog::color_mode::never;
-    auto sink = std::make_unique<spdlog::sinks::ansicolor_stderr_sink_st>(mode);
-    sink->set_formatter(std::make_unique<WholeLineFormatter>());
-    return std::make_unique<SpdlogSink>(std::move(sink), 0, 0);
+    return std::make_unique<StderrSink>(wantsColour());
 }
 
 std::unique_ptr<TextSink> openFileSink(const std::string& path, const RotationLimits& limits)

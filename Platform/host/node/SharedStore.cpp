@@ -2,9 +2,9 @@
 #include "node/SharedStore.hpp"
 
 #include "port/FilePort.hpp"
+#include "port/StandardStreams.hpp"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <sched.h>
@@ -94,8 +94,8 @@ int openOrCreate(const RunDirectory& directory, const std::string& name, const S
     if (descriptor >= 0) {
         close(descriptor);
         const std::string path = directory.path() + "/" + name;
-        std::fprintf(stderr, "dorn: store '%s' is damaged or of another version; set aside as '%s.broken'\n",
-                     path.c_str(), path.c_str());
+        writeToStandardError("dorn: store '" + path + "' is damaged or of another version; set aside as '" + path +
+                             ".broken'\n");
         files.rename(directory.descriptor(), name.c_str(), directory.descriptor(), (name + ".broken").c_str());
     } else if (descriptor != -ENOENT) {
         fail(directory.path() + "/" + name, "cannot be opened", -descriptor);

@@ -423,6 +423,25 @@ TEST_F(FullDiskLogTest, DiskThatIsFullFromTheStartIsNoDifferent)
                                  "kept"}));
 }
 
+TEST_F(FullDiskLogTest, ReportThatNobodyReadsDoesNotEndTheProcess)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        int ends[2];
+        std::signal(SIGPIPE, SIG_DFL);
+        if (pipe(ends) != 0 || dup2(ends[1], STDERR_FILENO) < 0) {
+            _exit(2);
+        }
+        ::close(ends[0]);
+        const testkit::FullDisk disk;
+        print("lost");
+        _exit(0);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+
 TEST_F(FullDiskLogTest, LineAboutTheGapIsAWarningOfTheProcess)
 {
     {

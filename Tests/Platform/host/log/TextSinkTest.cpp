@@ -6,15 +6,20 @@
 #include "node/RunDirectory.hpp"
 
 #include <array>
+#include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <sys/resource.h>
+#include <sys/socket.h>
 #include <syslog.h>
 #include <termios.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -113,6 +118,82 @@ private:
     int m_original;
 };
 
+/// Standard error is the one end of a pipe or pair of sockets as long as it lives; the test has the other.
+class Reader {
+public:
+    static constexpr int pipeSize = 4096;
+
+    explicit Reader(bool isSocket = false) : m_original(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0))
+    {
+        std::array<int, 2> ends{};
+        if (isSocket ? socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()) != 0 : pipe(ends.data()) != 0) {
+            throw std::runtime_error("no pipe");
+        }
+        fcntl(ends[1], F_SETPIPE_SZ, pipeSize);
+        dup2(ends[1], STDERR_FILENO);
+        ::close(ends[1]);
+        m_end = ends[0];
+        fcntl(m_end, F_SETFL, O_NONBLOCK);
+    }
+    ~Reader()
+    {
+        dup2(m_original, STDERR_FILENO);
+        ::close(m_original);
+        die();
+    }
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+
+    /// What there is to read just now.
+    std::string read() const
+    {
+        std::string text;
+        std::array<char, pipeSize> part{};
+        for (ssize_t size = 0; (size = ::read(m_end, part.data(), part.size())) > 0;) {
+            text.append(part.data(), static_cast<std::size_t>(size));
+        }
+        return text;
+    }
+    void die()
+    {
+        if (m_end >= 0) {
+            ::close(m_end);
+        }
+        m_end = -1;
+    }
+
+private:
+    int m_original;
+    int m_end = -1;
+};
+
+/// Sees how long the process would wait for a descriptor, and has the time pass at once.
+class HastyClock : public Clock {
+public:
+    Nanoseconds monotonic() const override { return std::chrono::hours(1); }
+    Nanoseconds wall() const override { return std::chrono::hours(1); }
+    void waitWhile(std::atomic<std::uint32_t>& /*word*/, std::uint32_t /*expected*/, Deadline /*until*/,
+                   bool /*shared*/) override
+    {
+    }
+    int waitEvents(int /*epoll*/, epoll_event* /*events*/, int /*capacity*/, Deadline /*until*/) override { return 0; }
+    bool waitDescriptor(int /*descriptor*/, short /*events*/, Deadline until) override
+    {
+        waits.push_back(until - monotonic());
+        return false;
+    }
+
+    std::vector<Nanoseconds> waits;
+
+private:
+    ClockScope m_scope{*this};
+};
+
+std::string gapOf(std::size_t lines)
+{
+    return "dorn: standard error could not be written; lines dropped: " + std::to_string(lines) + "\n";
+}
+
 std::string shownOnTerminal(EAaSysLogSeverityLevel severity, const char* line)
 {
     const Terminal terminal;
@@ -175,6 +256,143 @@ TEST(StderrSinkTest, TerminalWithoutColoursGetsNone)
         const Variable terminal("TERM", type);
         EXPECT_EQ(shownOnTerminal(EAaSysLogSeverityLevel_Warning, plainLine), plainLine);
     }
+}
+
+TEST(StderrSinkTest, ReaderThatHasGoneDoesNotEndTheProcess)
+{
+    const auto before = std::signal(SIGPIPE, SIG_DFL);
+    for (const bool isSocket : {false, true}) {
+        Reader reader(isSocket);
+        reader.die();
+        const auto sink = openStderrSink();
+        sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+        sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    }
+    sigset_t pending{};
+    sigpending(&pending);
+    EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
+    std::signal(SIGPIPE, before);
+}
+
+TEST(StderrSinkTest, SignalThatTheProgramHasBlockedStaysBlocked)
+{
+    sigset_t pipeOnly{};
+    sigset_t before{};
+    sigset_t after{};
+    sigemptyset(&pipeOnly);
+    sigaddset(&pipeOnly, SIGPIPE);
+    for (const int how : {SIG_BLOCK, SIG_UNBLOCK}) {
+        pthread_sigmask(how, &pipeOnly, &before);
+        {
+            const Reader reader;
+            openStderrSink()->write(EAaSysLogSeverityLevel_Warning, plainLine);
+        }
+        pthread_sigmask(SIG_SETMASK, &before, &after);
+        EXPECT_EQ(sigismember(&after, SIGPIPE), how == SIG_BLOCK ? 1 : 0);
+    }
+}
+
+TEST(StderrSinkTest, ReaderThatHasStoppedIsWaitedForOnceAndThenMissesLines)
+{
+    constexpr std::size_t lines = 200;
+    HastyClock clock;
+    const Reader reader;
+    const auto sink = openStderrSink();
+    for (std::size_t count = 0; count < lines; ++count) {
+        sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    }
+    EXPECT_EQ(clock.waits, std::vector<Nanoseconds>{std::chrono::milliseconds(100)});
+    const std::string line = plainLine;
+    const std::string text = reader.read();
+    ASSERT_EQ(text.size(), Reader::pipeSize / line.size() * line.size());
+
+    sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    EXPECT_EQ(reader.read(), gapOf(lines - text.size() / line.size()) + line + line);
+}
+
+TEST(StderrSinkTest, LineThatIsCutByAStopIsEndedBeforeTheNext)
+{
+    const HastyClock clock;
+    const Reader reader;
+    const auto sink = openStderrSink();
+    sink->write(EAaSysLogSeverityLevel_Warning, std::string(2 * Reader::pipeSize, 'x') + "\n");
+    EXPECT_EQ(reader.read(), std::string(Reader::pipeSize, 'x'));
+    sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    EXPECT_EQ(reader.read(), "\n" + gapOf(1) + plainLine);
+}
+
+TEST(StderrSinkTest, SlowReaderMissesNothing)
+{
+    constexpr int lines = 2000;
+    const Reader reader;
+    std::string text;
+    std::thread logging([] {
+        const auto sink = openStderrSink();
+        for (int count = 0; count < lines; ++count) {
+            sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+        }
+    });
+    const std::size_t whole = lines * std::string_view(plainLine).size();
+    const Deadline until = Clock::get().after(20'000'000);
+    while (text.size() < whole && Clock::get().monotonic() < until) {
+        text += reader.read();
+    }
+    logging.join();
+    EXPECT_EQ(text.size(), whole);
+}
+
+TEST(StderrSinkTest, StoppedTerminalDoesNotHoldTheProcess)
+{
+    const Variable noColour("NO_COLOR", "1");
+    HastyClock clock;
+    const Terminal terminal;
+    const auto sink = openStderrSink();
+    tcflow(STDERR_FILENO, TCOOFF);
+    sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    EXPECT_EQ(clock.waits.size(), 1U);
+    tcflow(STDERR_FILENO, TCOON);
+    sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    EXPECT_EQ(terminal.readLine(), gapOf(2));
+    EXPECT_EQ(terminal.readLine(), plainLine);
+}
+
+TEST(StderrSinkTest, FlagsOfTheSharedDescriptorStay)
+{
+    const Reader reader;
+    const int before = fcntl(STDERR_FILENO, F_GETFL);
+    openStderrSink()->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    EXPECT_EQ(fcntl(STDERR_FILENO, F_GETFL), before);
+    EXPECT_EQ(reader.read(), plainLine);
+}
+
+TEST(StderrSinkTest, WithoutDescriptorsLinesAreWrittenWhileThereIsRoom)
+{
+    HastyClock clock;
+    const Reader reader;
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    rlimit none = before;
+    none.rlim_cur = STDERR_FILENO + 1;
+    setrlimit(RLIMIT_NOFILE, &none);
+    const auto sink = openStderrSink();
+    sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    sink->write(EAaSysLogSeverityLevel_Warning, plainLine); // the look ahead knows no smaller room than a pipe's page
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(clock.waits.size(), 1U);
+    EXPECT_EQ(reader.read(), plainLine);
+    sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    EXPECT_EQ(reader.read(), gapOf(1) + plainLine);
+}
+
+TEST(StderrSinkTest, ClosedStandardErrorIsNoHarm)
+{
+    const int original = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
+    ::close(STDERR_FILENO);
+    openStderrSink()->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    dup2(original, STDERR_FILENO);
+    ::close(original);
 }
 
 TEST(FileSinkTest, LineIsWrittenAsItIs)

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#include "log/StderrSink.hpp"
+
+#include "log/LogText.hpp"
+#include "port/StandardStreams.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace dorn::host {
+namespace {
+
+/// What a terminal is told before each severity and behind it.
+constexpr std::array<std::string_view, EAaSysLogSeverityLevel_Vip + 1> colours{
+    "\x1b[36m", "\x1b[36m", "\x1b[32m", "\x1b[33m\x1b[1m", "\x1b[31m\x1b[1m", "\x1b[1m\x1b[41m"};
+constexpr std::string_view colourEnd = "\x1b[m";
+
+std::string coloured(EAaSysLogSeverityLevel severity, std::string_view line)
+{
+    constexpr std::size_t begin = logTimeLength + 1;
+    const std::size_t end = std::min(line.find(' ', begin), line.size());
+    const auto index = static_cast<std::size_t>(severity);
+    std::string text(line.substr(0, begin));
+    text += colours[index < colours.size() ? index : 0];
+    text += line.substr(begin, end - begin);
+    text += colourEnd;
+    return text += line.substr(end);
+}
+
+} // namespace
+
+bool StderrSink::put(std::string_view text)
+{
+    const std::size_t done = writeToStandardError(text, m_isStalled ? Nanoseconds(0) : standardErrorPatience);
+    m_isStalled = done != text.size();
+    if (done != 0) {
+        m_isMidLine = text[done - 1] != '\n';
+    }
+    return !m_isStalled;
+}
+
+void StderrSink::write(EAaSysLogSeverityLevel severity, std::string_view line)
+{
+    if (m_dropped != 0) {
+        const std::string gap =
+            std::string(m_isMidLine ? "\n" : "") +
+            "dorn: standard error could not be written; lines dropped: " + std::to_string(m_dropped) + "\n";
+        if (!put(gap)) {
+            ++m_dropped;
+            return;
+        }
+        m_dropped = 0;
+    }
+    if (!(m_isColoured ? put(coloured(severity, line)) : put(line))) {
+        ++m_dropped;
+    }
+}
+
+} // namespace dorn::host
