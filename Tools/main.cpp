@@ -2,6 +2,7 @@
 #include "Console.hpp"
 #include "Nouns.hpp"
 #include "Program.hpp"
+#include "port/StandardStreams.hpp"
 
 #include <csignal>
 #include <cstdlib>
@@ -10,7 +11,8 @@
 
 int main(int argc, char** argv)
 {
-    std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is seen where the answer is written
+    dorn::host::openMissingStandardStreams();
+    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is seen where the answer is written
     setenv("DORN_LOG", "none", 0); // what goes wrong is said once, in this command's own words
     const bool isColoured =
         dorn::tool::isColourWanted(isatty(STDOUT_FILENO) == 1, std::getenv("NO_COLOR"), std::getenv("TERM"));

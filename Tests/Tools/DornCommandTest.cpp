@@ -5,7 +5,9 @@
 #include "AaSysLog.h"
 #include "TestNode.hpp"
 
+#include <chrono>
 #include <fcntl.h>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <ostream>
 #include <sys/file.h>
@@ -46,6 +48,23 @@ TEST_F(DornCommandTest, AnswerThatCannotBeWrittenIsANo)
 {
     EXPECT_EQ(shell("\"$0\" --version > /dev/full"),
               (CommandResult{1, "", "dorn: the answer cannot be written: No space left on device\n"}));
+}
+
+TEST_F(DornCommandTest, ClosedStandardOutputIsANoAsWell)
+{
+    EXPECT_EQ(shell("\"$0\" --version >&-"),
+              (CommandResult{1, "", "dorn: the answer cannot be written: Bad file descriptor\n"}));
+}
+
+TEST_F(DornCommandTest, NoStoreGetsTheNumberOfAClosedStandardError)
+{
+    AaConfigTagSetU32("n", 1);
+    const testkit::Process watch("/bin/bash", {"-c", "exec \"$0\" tag watch 2>&-", DORN_COMMAND});
+    do {
+        AaConfigTagSetString("sync", "x");
+        ASSERT_TRUE(watch.isRunning());
+    } while (!watch.waitForOutput("sync", std::chrono::milliseconds(10)));
+    EXPECT_EQ(std::filesystem::read_symlink("/proc/" + std::to_string(watch.pid()) + "/fd/2"), "/dev/null");
 }
 
 TEST_F(DornCommandTest, ReaderWhoHasSeenEnoughIsNoFailure)

@@ -102,6 +102,7 @@ int32_t readInto(const char* name, void** value, uint32_t* length, const Otherwi
 
 int32_t AaConfigEarlyStartup(void)
 {
+    dorn::host::openMissingStandardStreams();
     try {
         openStore();
         return 0;

@@ -122,8 +122,9 @@ private:
 void openMissingStandardStreams()
 {
     for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+        const int wrongWay = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
         // The lowest free number is this one: those below are open.
-        if (fcntl(descriptor, F_GETFD) < 0 && errno == EBADF && ::open("/dev/null", O_RDWR) != descriptor) {
+        if (fcntl(descriptor, F_GETFD) < 0 && errno == EBADF && ::open("/dev/null", wrongWay) != descriptor) {
             return;
         }
     }

@@ -11,7 +11,8 @@
 namespace dorn::host {
 
 /// Opens `/dev/null` for each of the descriptors 0, 1 and 2 that is closed, so that no file of the program's gets its
-/// number and then what is meant for standard output or standard error. To be called before anything else is opened.
+/// number and then what is meant for standard output or standard error. Reading and writing there goes on to fail as it
+/// does without the descriptors. To be called before anything else is opened.
 void openMissingStandardStreams();
 
 /// How long a writer waits for a standard error that takes nothing: a pipe whose reader is busy, a stopped terminal.

@@ -8,11 +8,17 @@
 #include "TagRecorder.hpp"
 #include "node/PerNode.hpp"
 
+#include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <optional>
 #include <string>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -72,6 +78,40 @@ TEST_F(AaConfigTagTest, EarlyStartupMakesTheTagsUsable)
 {
     EXPECT_EQ(AaConfigEarlyStartup(), 0);
     EXPECT_EQ(AaConfigEarlyStartup(), 0);
+}
+
+TEST_F(AaConfigTagTest, EarlyStartupKeepsTheStoresFromTheNumbersOfClosedStandardStreams)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            close(descriptor);
+        }
+        bool isRight = AaConfigEarlyStartup() == 0;
+        for (const char* const link : {"/proc/self/fd/0", "/proc/self/fd/1", "/proc/self/fd/2"}) {
+            std::error_code error;
+            isRight = isRight && std::filesystem::read_symlink(link, error) == "/dev/null";
+        }
+        isRight = isRight && write(STDERR_FILENO, "x", 1) == -1 && errno == EBADF;
+        _exit(isRight ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(AaConfigTagTest, EarlyStartupLeavesOpenStandardStreamsAlone)
+{
+    const auto links = [] {
+        std::vector<std::string> names;
+        for (const char* const link : {"/proc/self/fd/0", "/proc/self/fd/1", "/proc/self/fd/2"}) {
+            names.push_back(std::filesystem::read_symlink(link));
+        }
+        return names;
+    };
+    const std::vector<std::string> before = links();
+    EXPECT_EQ(AaConfigEarlyStartup(), 0);
+    EXPECT_EQ(links(), before);
 }
 
 TEST_F(AaConfigTagTest, StringHasNoTerminatorInItsValue)
