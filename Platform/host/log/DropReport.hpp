@@ -12,7 +12,11 @@ namespace dorn::host {
 /// Keeps count of the lines that one sink had to drop. Not for several threads at once.
 class DropReport {
 public:
-    explicit DropReport(std::string path) : m_path(std::move(path)) {}
+    /// @param pending lines that were dropped, and reported, before this one came
+    explicit DropReport(std::string path, std::uint32_t pending = 0, std::string reason = {})
+        : m_path(std::move(path)), m_pending(pending), m_reason(std::move(reason))
+    {
+    }
 
     /// A line could not be written. The reason of the first one counts.
     void dropped(const std::string& reason);

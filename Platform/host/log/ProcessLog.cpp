@@ -45,20 +45,31 @@ void ProcessLog::write(std::string_view line, const LogOrigin& origin)
 
 bool ProcessLog::open()
 {
-    if (m_segments || m_isLeftOut) {
-        return !m_isLeftOut;
+    if (m_segments) {
+        return true;
     }
+    const Nanoseconds now = Clock::get().monotonic();
+    if (m_unopened != 0 && now < m_retryAt) {
+        ++m_unopened;
+        return false;
+    }
+    m_retryAt = now;
     try {
         const RunDirectory& node = PerNode<RunDirectory>::get();
         Descriptor directory = openLogDirectory(node);
         pruneLogs(directory);
-        m_drops = std::make_unique<DropReport>(node.path() + "/" + logDirectoryName);
+        m_drops = std::make_unique<DropReport>(node.path() + "/" + logDirectoryName, m_unopened, m_whyUnopened);
         m_segments = std::make_unique<SegmentWriter>(std::move(directory), m_segmentSize);
+        m_dropped = m_unopened;
+        m_segments->noteDropped(m_dropped);
     } catch (const EnvironmentError& error) {
-        writeToStandardError(std::string("dorn: ") + error.what() + "; the log is not kept there\n");
-        m_isLeftOut = true;
+        m_retryAt += retryPeriod;
+        if (m_unopened++ == 0) {
+            m_whyUnopened = error.what();
+            writeToStandardError("dorn: " + m_whyUnopened + "; the log is not kept there\n");
+        }
     }
-    return !m_isLeftOut;
+    return m_segments != nullptr;
 }
 
 bool ProcessLog::makeRoom(std::size_t size)
@@ -152,6 +163,7 @@ void ProcessLog::rename()
 
 void ProcessLog::forgetParent() noexcept
 {
+    m_unopened = 0;
     if (m_segments) {
         m_segments->forget();
         m_isForked = true;

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <string_view>
 
 namespace dorn::host {
@@ -19,8 +20,8 @@ namespace dorn::host {
 /// Writes lines into memory-mapped segments (LogSegment.hpp): a line costs no system call, and the kernel keeps what
 /// has been written however the process ends. The first line opens the log.
 ///
-/// Where there is no run directory, this is reported once and lines go nowhere. Where there is no room, lines
-/// are dropped, and every retryPeriod the next line tries again; the line after a gap tells how many are missing.
+/// Where there is no run directory or no room, this is reported once and lines are dropped, and every retryPeriod the
+/// next line tries again; the line after a gap tells how many are missing.
 class ProcessLog {
 public:
     static constexpr std::size_t defaultSegmentSize = std::size_t{512} * 1024;
@@ -48,12 +49,13 @@ private:
 
     const std::size_t m_segmentSize;
     std::mutex m_mutex;
-    bool m_isLeftOut = false;
     bool m_isForked = false;
     std::unique_ptr<SegmentWriter> m_segments;
     std::unique_ptr<LogControl> m_control;
     std::unique_ptr<DropReport> m_drops;
-    std::uint32_t m_dropped = 0; ///< since the log was opened
+    std::uint32_t m_unopened = 0; ///< lines dropped before the log could be opened
+    std::string m_whyUnopened;
+    std::uint32_t m_dropped = 0; ///< altogether
     Nanoseconds m_retryAt{};
 };
 

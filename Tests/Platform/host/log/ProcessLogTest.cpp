@@ -423,6 +423,41 @@ TEST_F(FullDiskLogTest, DiskThatIsFullFromTheStartIsNoDifferent)
                                  "kept"}));
 }
 
+TEST_F(FullDiskLogTest, DirectoryThatCannotBeMadeForAWhileIsTriedAgain)
+{
+    {
+        const FailingFilePort port(FileOperation::MakeDirectory, 1, EMFILE);
+        print("lost 1");
+        print("lost 2");
+        EXPECT_EQ(port.calls(FileOperation::MakeDirectory), 1U);
+    }
+    letRetryPeriodPass();
+    print("kept 1");
+    print("kept 2");
+    const std::string reason = "run directory '" + directory() +
+                               "': cannot be made: Too many open files; set DORN_RUN_DIR to a directory of your own";
+    EXPECT_EQ(m_output.take(), "dorn: " + reason + "; the log is not kept there\n" + relief(2));
+    EXPECT_EQ(allTexts(), (Texts{"Lines that could not be written: 2 (" + reason + ")", "kept 1", "kept 2"}));
+    EXPECT_EQ(LogReader().list().at(0).dropped, 2U);
+}
+
+TEST_F(FullDiskLogTest, DirectoryThatCannotBeMadeIsReportedOnce)
+{
+    {
+        const FailingFilePort first(FileOperation::MakeDirectory, 1, EMFILE);
+        print("lost 1");
+    }
+    letRetryPeriodPass();
+    {
+        const FailingFilePort second(FileOperation::MakeDirectory, 1, EMFILE);
+        print("lost 2");
+        EXPECT_TRUE(second.hasFailed());
+    }
+    EXPECT_EQ(m_output.take(), "dorn: run directory '" + directory() +
+                                   "': cannot be made: Too many open files; set DORN_RUN_DIR to a directory of your "
+                                   "own; the log is not kept there\n");
+}
+
 TEST_F(FullDiskLogTest, ReportThatNobodyReadsDoesNotEndTheProcess)
 {
     const pid_t child = fork();
