@@ -94,6 +94,15 @@ RadDomain::RadDomain(const RunDirectory& directory, std::uint16_t number, std::s
 {
 }
 
+bool RadDomain::isCurrent(const RunDirectory& directory) const
+{
+    struct stat own {};
+    struct stat named {};
+    return fstat(m_store.descriptor(), &own) == 0 &&
+           fstatat(directory.descriptor(), fileName(m_number).c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+           own.st_dev == named.st_dev && own.st_ino == named.st_ino;
+}
+
 void RadDomain::complete(const RadDeclaration& declaration)
 {
     Header& head = header();

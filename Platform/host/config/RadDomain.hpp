@@ -44,12 +44,14 @@ public:
     };
     /// Looks at a domain's file without mapping it. @return nothing when there is none that can be used.
     static std::optional<Sight> look(const RunDirectory& directory, std::uint16_t number);
-    /// Removes a domain's file; for one that was never completed.
+    /// Removes a domain's file; for one that nobody uses.
     static void remove(const RunDirectory& directory, std::uint16_t number);
 
     /// Opens the store of a domain with @p size parameters, or creates it, not complete. @throws EnvironmentError
     RadDomain(const RunDirectory& directory, std::uint16_t number, std::size_t size);
 
+    /// Whether this is still the node's store of the domain, and not one that has been removed.
+    bool isCurrent(const RunDirectory& directory) const;
     bool isComplete() const { return header().isComplete.load(std::memory_order_acquire) != 0; }
     /// Writes names, defaults and, as values, the defaults; then the store is complete.
     void complete(const RadDeclaration& declaration);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "config/RadStore.hpp"
 
+#include "AaSysLog.h"
 #include "config/RadView.hpp"
 
 #include <algorithm>
@@ -12,13 +13,19 @@
 
 namespace dorn::host {
 
-/// Content of `rad/control`. Byte <number> is the lock of the domain of that number.
+/// Content of `rad/control`. Byte <number> is the lock of the domain of that number; the processes that have registered
+/// the domain share another one, userLock(<number>).
 struct RadStore::Control {
     SharedStoreHeader store;
     SharedSignal changes;
 };
 
 namespace {
+
+std::size_t userLock(std::uint16_t number)
+{
+    return std::size_t{0x10000} + number;
+}
 
 /// A domain's lock among the processes of the node.
 class DomainLock {
@@ -94,12 +101,21 @@ SharedSignal& RadStore::changes() const
     return control().changes;
 }
 
-RadDomain* RadStore::openExisting(std::uint16_t number)
+/// The domain if it is open, and still the node's.
+RadDomain* RadStore::openAlready(std::uint16_t number) const
 {
     const auto open = m_domains.find(number);
-    if (open != m_domains.end()) {
-        return open->second.get();
+    const bool isThere = open != m_domains.end() && (registered(number) || open->second->isCurrent(m_directory));
+    return isThere ? open->second.get() : nullptr;
+}
+
+/// Called with the domain's lock.
+RadDomain* RadStore::openExisting(std::uint16_t number)
+{
+    if (RadDomain* const open = openAlready(number)) {
+        return open;
     }
+    retire(number);
     const std::optional<RadDomain::Sight> sight = RadDomain::look(m_directory, number);
     if (!sight || !sight->isComplete) {
         return nullptr;
@@ -108,26 +124,73 @@ RadDomain* RadStore::openExisting(std::uint16_t number)
     return m_domains.emplace(number, std::move(domain)).first->second.get();
 }
 
+RadDomain* RadStore::find(std::uint16_t number)
+{
+    if (RadDomain* const open = openAlready(number)) {
+        return open;
+    }
+    const DomainLock domainLock(m_control, number); // it may just be made anew
+    return openExisting(number);
+}
+
+void RadStore::retire(std::uint16_t number)
+{
+    const auto open = m_domains.find(number);
+    if (open != m_domains.end()) {
+        m_retired.push_back(std::move(open->second));
+        m_domains.erase(open);
+    }
+}
+
+RadDomain* RadStore::make(const RadDeclaration& declaration)
+{
+    retire(declaration.number);
+    if (RadDomain::look(m_directory, declaration.number)) {
+        RadDomain::remove(m_directory, declaration.number);
+    }
+    auto made = std::make_unique<RadDomain>(m_directory, declaration.number, declaration.parameters.size());
+    made->complete(declaration);
+    RadDomain* const domain = m_domains.emplace(declaration.number, std::move(made)).first->second.get();
+    changes().notify();
+    return domain;
+}
+
+RadDomain* RadStore::openOrMake(const RadDeclaration& declaration, std::string& difference)
+{
+    RadDomain* const there = openExisting(declaration.number);
+    difference = there ? there->differenceTo(declaration) : std::string();
+    if (there && difference.empty()) {
+        return there;
+    }
+    if (registered(declaration.number)) {
+        return nullptr;
+    }
+    if (const int user = m_control.lockHolder(userLock(declaration.number)); user != 0) {
+        difference = (there ? difference : "its store is damaged or of another version") + "; process " +
+                     std::to_string(user) + " uses the node's: end the services of the other version, then start this";
+        return nullptr;
+    }
+    return make(declaration); // the old one is another version's, damaged, or its maker was killed: nobody uses it
+}
+
 std::string RadStore::registerDomain(const RadDeclaration& declaration)
 {
-    const std::lock_guard lock(m_mutex);
-    const DomainLock domainLock(m_control, declaration.number);
-    RadDomain* domain = openExisting(declaration.number);
-    if (domain) {
-        std::string difference = domain->differenceTo(declaration);
-        if (!difference.empty()) {
+    std::string difference;
+    {
+        const std::lock_guard lock(m_mutex);
+        const DomainLock domainLock(m_control, declaration.number);
+        RadDomain* const domain = openOrMake(declaration, difference);
+        if (!domain) {
             return difference;
         }
-    } else {
-        if (RadDomain::look(m_directory, declaration.number)) {
-            RadDomain::remove(m_directory, declaration.number); // its maker was killed; nobody else maps it
-        }
-        auto made = std::make_unique<RadDomain>(m_directory, declaration.number, declaration.parameters.size());
-        made->complete(declaration);
-        domain = m_domains.emplace(declaration.number, std::move(made)).first->second.get();
-        changes().notify();
+        m_control.tryShare(userLock(declaration.number)); // nobody ever has it alone
+        publish(*domain);
     }
-    publish(*domain);
+    if (!difference.empty()) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Warning,
+                      "R&D domain %u \"%s\" is made anew with its defaults, for nobody uses the node's: %s",
+                      static_cast<unsigned>(declaration.number), declaration.name.c_str(), difference.c_str());
+    }
     return {};
 }
 
@@ -155,7 +218,7 @@ std::vector<RadDomain*> RadStore::domains()
     std::vector<RadDomain*> found;
     for (const auto& entry : std::filesystem::directory_iterator(m_directory.shortPath("rad"), error)) {
         const std::optional<std::uint16_t> number = numberOfFile(entry.path().filename().string());
-        RadDomain* const domain = number ? openExisting(*number) : nullptr;
+        RadDomain* const domain = number ? find(*number) : nullptr;
         if (domain) {
             found.push_back(domain);
         }
@@ -171,7 +234,7 @@ std::vector<RadDomain*> RadStore::domains()
 RadDomain* RadStore::domain(std::uint16_t number)
 {
     const std::lock_guard lock(m_mutex);
-    return openExisting(number);
+    return find(number);
 }
 
 std::vector<RadParameter> RadStore::parametersOf(const RadDomain& domain)

@@ -48,7 +48,8 @@ public:
     RadStore(const RadStore&) = delete;
     RadStore& operator=(const RadStore&) = delete;
 
-    /// Registers a domain for this process, making its store when the node has none.
+    /// Registers a domain for this process, making its store when the node has none, or has another one that no living
+    /// process has registered; that is logged.
     /// @return empty; else how the declaration differs from what the node has, and nothing has changed.
     /// @throws EnvironmentError when the store cannot be opened or made.
     std::string registerDomain(const RadDeclaration& declaration);
@@ -81,13 +82,19 @@ private:
     using Leaf = std::array<std::atomic<RadDomain*>, 256>;
 
     Control& control() const;
+    RadDomain* openAlready(std::uint16_t number) const;
+    RadDomain* find(std::uint16_t number);
     RadDomain* openExisting(std::uint16_t number);
+    void retire(std::uint16_t number);
+    RadDomain* make(const RadDeclaration& declaration);
+    RadDomain* openOrMake(const RadDeclaration& declaration, std::string& difference);
     void publish(RadDomain& domain);
 
     const RunDirectory& m_directory;
     SharedStore m_control;
     std::mutex m_mutex;
     std::map<std::uint16_t, std::unique_ptr<RadDomain>> m_domains; ///< complete ones, never closed before the end
+    std::vector<std::unique_ptr<RadDomain>> m_retired;             ///< those that others have made anew meanwhile
     std::vector<std::unique_ptr<Leaf>> m_leaves;
     std::array<std::atomic<Leaf*>, 256> m_registered{}; ///< by high and low byte of the number
 };

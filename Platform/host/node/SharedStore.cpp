@@ -54,6 +54,38 @@ bool hasFormat(int descriptor, const SharedStoreFormat& format)
            header.magic == format.magic && header.version == format.version && header.size == format.size;
 }
 
+struct flock lockOf(short type, std::size_t begin, std::size_t length)
+{
+    struct flock lock {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = static_cast<off_t>(begin);
+    lock.l_len = static_cast<off_t>(length);
+    return lock;
+}
+
+struct flock byteLock(short type, std::size_t index)
+{
+    return lockOf(type, index, 1);
+}
+
+/// The process that keeps @p wanted from being taken, 0 when there is none.
+int holderAgainst(int descriptor, struct flock wanted)
+{
+    return fcntl(descriptor, F_GETLK, &wanted) != 0 || wanted.l_type == F_UNLCK ? 0 : wanted.l_pid;
+}
+
+/// Who uses a store holds one of its locks as a rule; without the file the others would no longer meet him.
+void requireUnused(int descriptor, const std::string& path)
+{
+    constexpr std::size_t toTheEnd = 0;
+    if (const int user = holderAgainst(descriptor, lockOf(F_WRLCK, 0, toTheEnd)); user != 0) {
+        close(descriptor);
+        throw EnvironmentError("store '" + path + "' is damaged or of another version, and process " +
+                               std::to_string(user) + " uses it; end the services of this node and start them again");
+    }
+}
+
 int createStore(const RunDirectory& directory, const std::string& name, const SharedStoreFormat& format)
 {
     FilePort& files = FilePort::get();
@@ -92,8 +124,9 @@ int openOrCreate(const RunDirectory& directory, const std::string& name, const S
         return descriptor;
     }
     if (descriptor >= 0) {
-        close(descriptor);
         const std::string path = directory.path() + "/" + name;
+        requireUnused(descriptor, path);
+        close(descriptor);
         writeToStandardError("dorn: store '" + path + "' is damaged or of another version; set aside as '" + path +
                              ".broken'\n");
         files.rename(directory.descriptor(), name.c_str(), directory.descriptor(), (name + ".broken").c_str());
@@ -101,16 +134,6 @@ int openOrCreate(const RunDirectory& directory, const std::string& name, const S
         fail(directory.path() + "/" + name, "cannot be opened", -descriptor);
     }
     return createStore(directory, name, format);
-}
-
-struct flock byteLock(short type, std::size_t index)
-{
-    struct flock lock {};
-    lock.l_type = type;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = static_cast<off_t>(index);
-    lock.l_len = 1;
-    return lock;
 }
 
 } // namespace
@@ -139,6 +162,12 @@ bool SharedStore::tryLock(std::size_t index) const
     return fcntl(m_descriptor, F_SETLK, &lock) == 0;
 }
 
+bool SharedStore::tryShare(std::size_t index) const
+{
+    struct flock lock = byteLock(F_RDLCK, index);
+    return fcntl(m_descriptor, F_SETLK, &lock) == 0;
+}
+
 void SharedStore::lock(std::size_t index) const
 {
     struct flock lock = byteLock(F_WRLCK, index);
@@ -157,11 +186,7 @@ void SharedStore::unlock(std::size_t index) const
 
 int SharedStore::lockHolder(std::size_t index) const
 {
-    struct flock lock = byteLock(F_WRLCK, index);
-    if (fcntl(m_descriptor, F_GETLK, &lock) != 0 || lock.l_type == F_UNLCK) {
-        return 0;
-    }
-    return lock.l_pid;
+    return holderAgainst(m_descriptor, byteLock(F_WRLCK, index));
 }
 
 } // namespace dorn::host

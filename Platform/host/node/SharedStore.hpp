@@ -29,7 +29,8 @@ struct SharedStoreFormat {
 ///
 /// The file is created beside, filled with zeros, given its header and then linked under its name, so that nobody ever
 /// sees half a store; its room is reserved first, so that a full disk is an error here and not a crash later. A file of
-/// another format is set aside as `<name>.broken` with a warning on standard error, and a new one is made.
+/// another format is set aside as `<name>.broken` with a warning on standard error, and a new one is made; but not
+/// while a process holds one of its locks.
 class SharedStore {
 public:
     /// Opens or creates `<run directory>/<name>`. @throws EnvironmentError
@@ -48,10 +49,13 @@ public:
     /// Tries to get the record lock on byte @p index for this process; it is given up when the process ends, however.
     /// Threads of one process do not exclude each other.
     bool tryLock(std::size_t index) const;
+    /// Tries to get a share in the record lock on byte @p index, which any number of processes may have at once.
+    bool tryShare(std::size_t index) const;
     /// Gets the record lock on byte @p index, waiting for other processes.
     void lock(std::size_t index) const;
     void unlock(std::size_t index) const;
-    /// The process that holds the record lock on byte @p index; 0 when nobody or this process itself does.
+    /// The process that holds the record lock on byte @p index, or a share in it; 0 when nobody or this process itself
+    /// does.
     int lockHolder(std::size_t index) const;
 
 private:

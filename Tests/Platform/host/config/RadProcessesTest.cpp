@@ -6,8 +6,12 @@
 
 #include <array>
 #include <csignal>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <memory>
+#include <string>
 #include <unistd.h>
 #include <vector>
 
@@ -15,6 +19,7 @@ namespace dorn::host {
 namespace {
 
 using test::ChildProcess;
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr std::size_t size = 2000;
@@ -97,13 +102,104 @@ TEST_F(RadProcessesTest, ProcessesThatRegisterAtOnceAllSucceed)
     EXPECT_THAT(m_log.texts(), IsEmpty());
 }
 
+/// Another version of the domain.
+int32_t registerFew()
+{
+    return AaConfigRadRegisterDomain(3, "Few", [] {
+        AaConfigRadSetMaxTagCount(3, 0x30001);
+        AaConfigRadSetDefault(0x30000, "FIRST", 5);
+    });
+}
+
+/// Registers the domain and lives on until it is told to end.
+void registerAndStay(ChildProcess::Parent& parent)
+{
+    ASSERT_EQ(registerMany(), 0);
+    parent.tell();
+    parent.await();
+}
+
 TEST_F(RadProcessesTest, ProcessesThatDisagreeLeaveTheFirstOnesDomain)
 {
-    ChildProcess first([](ChildProcess::Parent&) { ASSERT_EQ(registerMany(), 0); });
-    ASSERT_TRUE(first.hasSucceeded());
-    EXPECT_EQ(AaConfigRadRegisterDomain(3, "Few", [] { AaConfigRadSetMaxTagCount(3, 0x30001); }), 3);
+    ChildProcess first(registerAndStay);
+    ASSERT_TRUE(first.await());
+    EXPECT_EQ(registerFew(), 3);
+    EXPECT_THAT(
+        m_log.texts(),
+        ElementsAre("Warning 0x0 R&D domain 3 \"Few\" is not registered: its name is \"Few\" here and \"Many\" on "
+                    "the node; process " +
+                    std::to_string(first.pid()) +
+                    " uses the node's: end the services of the other version, then start this"));
     ASSERT_EQ(registerMany(), 0);
     expectDefaults();
+}
+
+TEST_F(RadProcessesTest, DomainOfAnotherVersionThatNobodyUsesIsMadeAnew)
+{
+    ChildProcess first([](ChildProcess::Parent&) {
+        ASSERT_EQ(registerMany(), 0);
+        AaConfigRadSetValue(0x30000, 77);
+    });
+    ASSERT_TRUE(first.hasSucceeded());
+    EXPECT_EQ(registerFew(), 0);
+    EXPECT_THAT(
+        m_log.texts(),
+        ElementsAre("Warning 0x0 R&D domain 3 \"Few\" is made anew with its defaults, for nobody uses the node's: "
+                    "its name is \"Few\" here and \"Many\" on the node"));
+    EXPECT_EQ(AaConfigRadGetValue(0x30000), 5U);
+    EXPECT_EQ(AaConfigRadGetValue(0x30001), 0U);
+}
+
+TEST_F(RadProcessesTest, OneOfSeveralUsersIsEnoughToKeepADomain)
+{
+    ChildProcess stays(registerAndStay);
+    ChildProcess ends(registerAndStay);
+    ASSERT_TRUE(stays.await());
+    ASSERT_TRUE(ends.await());
+    ends.kill();
+    EXPECT_EQ(registerFew(), 3);
+    stays.kill();
+    EXPECT_EQ(registerFew(), 0);
+}
+
+TEST_F(RadProcessesTest, ProcessThatOnlyLooksFindsTheDomainThatWasMadeAnew)
+{
+    ChildProcess first([](ChildProcess::Parent&) { ASSERT_EQ(registerMany(), 0); });
+    ChildProcess next([](ChildProcess::Parent& parent) {
+        ASSERT_TRUE(parent.await());
+        ASSERT_EQ(registerFew(), 0);
+        parent.tell();
+        parent.await();
+    });
+    ASSERT_TRUE(first.hasSucceeded());
+    RadStore& store = PerNode<RadStore>::get();
+    const RadDomain* const old = store.domain(3);
+    ASSERT_EQ(old->name(), "Many");
+    next.tell();
+    ASSERT_TRUE(next.await());
+    ASSERT_EQ(store.domains().size(), 1U);
+    EXPECT_EQ(store.domains()[0]->name(), "Few");
+    EXPECT_EQ(old->name(), "Many"); // who still has it may still look
+}
+
+TEST_F(RadProcessesTest, StoreOfAnotherVersionIsNotTakenFromItsUser)
+{
+    ChildProcess first(registerAndStay);
+    ASSERT_TRUE(first.await());
+    {
+        std::fstream file(m_node.nodeDirectory() + "/rad/3", std::ios::in | std::ios::out);
+        file.seekp(offsetof(SharedStoreHeader, version));
+        file.put(99);
+    }
+    EXPECT_EQ(registerMany(), 3);
+    EXPECT_THAT(m_log.texts(),
+                ElementsAre("Warning 0x0 R&D domain 3 \"Many\" is not registered: its store is damaged or of another "
+                            "version; process " +
+                            std::to_string(first.pid()) +
+                            " uses the node's: end the services of the other version, then start this"));
+    first.kill();
+    EXPECT_EQ(registerMany(), 0);
+    EXPECT_TRUE(std::filesystem::exists(m_node.nodeDirectory() + "/rad/3.broken"));
 }
 
 /// Ends the process at one call of one operation.

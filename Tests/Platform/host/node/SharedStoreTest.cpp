@@ -182,6 +182,41 @@ TEST_F(SharedStoreTest, StoreOfAnotherVersionIsSetAside)
     EXPECT_TRUE(std::filesystem::exists(m_directory.path() + "/store.broken"));
 }
 
+TEST_F(SharedStoreTest, StoreOfAnotherVersionIsNotTakenFromWhoHoldsALock)
+{
+    const pid_t child = startChild([&] {
+        const auto* const store = new SharedStore(m_directory, "store", format); // NOLINT: kept until the kill
+        store->lock(format.size + 5);
+    });
+    SharedStoreFormat newer = format;
+    newer.version = 4;
+    try {
+        const SharedStore store(m_directory, "store", newer);
+        ADD_FAILURE();
+    } catch (const EnvironmentError& error) {
+        EXPECT_EQ(error.what(), "store '" + m_directory.path() +
+                                    "/store' is damaged or of another version, and process " + std::to_string(child) +
+                                    " uses it; end the services of this node and start them again");
+    }
+    EXPECT_EQ(filesInDirectory(), 1U);
+    killChild(child);
+    ::testing::internal::CaptureStderr();
+    const SharedStore store(m_directory, "store", newer);
+    EXPECT_NE(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(filesInDirectory(), 2U);
+}
+
+TEST_F(SharedStoreTest, ShareLeavesRoomForOthersButNobodyAlone)
+{
+    const SharedStore store(m_directory, "store", format);
+    const pid_t child = startChild([&] { store.tryShare(5); });
+    EXPECT_FALSE(store.tryLock(5));
+    EXPECT_TRUE(store.tryShare(5));
+    EXPECT_EQ(store.lockHolder(5), child);
+    killChild(child);
+    EXPECT_EQ(store.lockHolder(5), 0);
+}
+
 TEST_F(SharedStoreTest, LinkInPlaceOfTheStoreIsNotFollowed)
 {
     std::filesystem::create_symlink(m_node.boardRoot() + "/elsewhere", m_directory.path() + "/store");
