@@ -4,6 +4,7 @@
 ///
 /// Paths are the target's absolute paths. A provider may keep the target's whole tree below a directory of its host,
 /// the board root (`DORN_ROOT` on a Linux host); AaFileGetBoardPath() tells where a path of the target really lies.
+/// Symbolic links are followed as on the target: none leads out of the board root.
 #ifndef AA_FILE_H
 #define AA_FILE_H
 
@@ -17,10 +18,11 @@ extern "C" {
 typedef struct AaFile AaFile;
 
 /// Translates a path of the target into the path to be opened.
-/// @param path absolute path of the target; ".." does not lead above the board root
+/// @param path absolute path of the target; neither ".." nor a link leads above the board root
 /// @param buffer receives the path, NUL-terminated
 /// @param bufferSize bytes of @p buffer
-/// @return 0; 1 when an argument is null, @p path is not absolute or the result does not fit.
+/// @return 0; 1 when an argument is null, @p path is not absolute or leads through too many links, or the result does not
+///   fit.
 int32_t AaFileGetBoardPath(const char* path, char* buffer, uint32_t bufferSize);
 
 /// Opens a file. @param mode as for `fopen`: "r", "w", "a", each with "+" and "b" where wanted.

@@ -21,14 +21,14 @@ namespace dorn::host {
 namespace {
 
 /// Where a path of the target lies; empty, with `errno` set, when it is none or there is no memory.
-std::string placeOf(const char* path)
+std::string placeOf(const char* path, LastLink lastLink = LastLink::Followed)
 {
     errno = EINVAL;
     if (!path) {
         return {};
     }
     try {
-        return boardPath(path);
+        return boardPath(path, lastLink);
     } catch (const std::bad_alloc&) {
         errno = ENOMEM;
         return {};
@@ -156,7 +156,7 @@ int32_t AaFileGetSize(AaFile* file)
 
 int32_t AaFileRemove(const char* path)
 {
-    const std::string place = dorn::host::placeOf(path);
+    const std::string place = dorn::host::placeOf(path, dorn::host::LastLink::Kept);
     return place.empty() || dorn::host::isError(FilePort::get().remove(AT_FDCWD, place.c_str())) ? 1 : 0;
 }
 

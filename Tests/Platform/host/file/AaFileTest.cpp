@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -95,6 +96,43 @@ TEST_F(AaFileTest, FileIsCreatedBelowTheBoardRoot)
         EXPECT_EQ(write(file, "one\n"), 4);
     }
     EXPECT_EQ(m_node.readBoardFile("/new.txt"), "one\n");
+}
+
+TEST_F(AaFileTest, AbsoluteLinkIsFollowedBelowTheBoardRoot)
+{
+    const dorn::testkit::TestNode host; // stands for the rest of this machine; its board root is in use from here on
+    const std::string outside = m_node.boardRoot() + "/outside";
+    std::ofstream(outside) << "untouched";
+    std::filesystem::create_symlink(outside, host.boardRoot() + "/link");
+    std::filesystem::create_directories(host.boardPath(m_node.boardRoot()));
+    EXPECT_EQ(AaFileOpen("/link", "r"), nullptr);
+    ASSERT_EQ(write(open("/link", "w"), "text"), 4);
+    EXPECT_EQ(host.readBoardFile(outside), "text");
+    std::filesystem::create_symlink(m_node.boardRoot(), host.boardRoot() + "/directory");
+    EXPECT_EQ(AaFileCreateDir("/directory/new"), 0);
+    EXPECT_TRUE(AaFileDirExists("/directory/new"));
+    EXPECT_FALSE(std::filesystem::exists(m_node.boardRoot() + "/new"));
+    EXPECT_EQ(AaFileRemove("/directory/outside"), 0);
+    std::string left;
+    std::ifstream(outside) >> left;
+    EXPECT_EQ(left, "untouched");
+}
+
+TEST_F(AaFileTest, RemovingALinkLeavesWhatItNames)
+{
+    m_node.writeBoardFile("/file", "text");
+    std::filesystem::create_symlink("/file", m_node.boardRoot() + "/link");
+    EXPECT_EQ(AaFileRemove("/link"), 0);
+    EXPECT_EQ(m_node.readBoardFile("/file"), "text");
+    EXPECT_FALSE(std::filesystem::is_symlink(m_node.boardRoot() + "/link"));
+}
+
+TEST_F(AaFileTest, CircleOfLinksIsToldByErrno)
+{
+    std::filesystem::create_symlink("/link", m_node.boardRoot() + "/link");
+    errno = 0;
+    EXPECT_EQ(AaFileOpen("/link", "w"), nullptr);
+    EXPECT_EQ(errno, ELOOP);
 }
 
 TEST_F(AaFileTest, OpeningForReadingWantsTheFile)

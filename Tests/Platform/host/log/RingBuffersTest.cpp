@@ -247,6 +247,22 @@ TEST_F(RingBufferTest, DumpToWhatCannotBeWrittenFails)
     EXPECT_EQ(AaSysLogDumpRingBufferToFile(clocks, nullptr), 2);
 }
 
+TEST_F(RingBufferTest, DumpDoesNotFollowALinkOutOfTheBoardRoot)
+{
+    ASSERT_EQ(addRing(EAaSysLogSeverityLevel_Debug), 0);
+    const std::string outside = m_node.runDirectory() + "/outside";
+    std::ofstream(outside) << "untouched";
+    std::filesystem::create_symlink(outside, m_node.boardRoot() + "/ring.txt");
+    EXPECT_EQ(AaSysLogDumpRingBufferToFile(clocks, "/ring.txt"), 2);
+    std::string left;
+    std::ifstream(outside) >> left;
+    EXPECT_EQ(left, "untouched");
+    std::filesystem::remove(m_node.boardRoot() + "/ring.txt");
+    std::filesystem::create_symlink("/other.txt", m_node.boardRoot() + "/ring.txt");
+    EXPECT_EQ(AaSysLogDumpRingBufferToFile(clocks, "/ring.txt"), 0);
+    EXPECT_TRUE(std::filesystem::exists(m_node.boardRoot() + "/other.txt"));
+}
+
 TEST_F(RingBufferTest, DumpToAFullDiskFails)
 {
     ASSERT_EQ(addRing(EAaSysLogSeverityLevel_Debug), 0);
