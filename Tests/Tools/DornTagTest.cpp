@@ -4,6 +4,8 @@
 #include "AaConfigTag.h"
 #include "NodeTest.hpp"
 #include "Sanitizers.hpp"
+#include "config/TagDatabase.hpp"
+#include "node/PerNode.hpp"
 
 #include <csignal>
 #include <gtest/gtest.h>
@@ -135,6 +137,16 @@ TEST_F(DornTagTest, WatchPrintsEachSetEvenOfTheSameValue)
     const std::string answer = replaced(withoutTimes(watch.standardOutput()), "TIME sync: x (text)\n", "");
     EXPECT_EQ(answer, "TIME n: 2 (u32)\nTIME n: 2 (u32)\nTIME n: end (text)\n");
     EXPECT_EQ(watch.standardError(), "");
+}
+
+TEST_F(DornTagTest, ServiceThatIsStoppedInASetKeepsNobodyFromReading)
+{
+    AaConfigTagSetU32("n", 1);
+    host::closeNode();
+    host::TagDatabase database(host::PerNode<host::RunDirectory>::get());
+    const host::TagWrite write(database);
+    EXPECT_EQ(dorn({"tag", "get", "n"}), (CommandResult{0, "1\n", ""}));
+    EXPECT_EQ(dorn({"tag", "list"}).status, 0);
 }
 
 TEST_F(DornTagTest, WatchEndsWithItsCount)
