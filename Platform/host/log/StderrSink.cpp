@@ -15,6 +15,9 @@ constexpr std::array<std::string_view, EAaSysLogSeverityLevel_Vip + 1> colours{
     "\x1b[36m", "\x1b[36m", "\x1b[32m", "\x1b[33m\x1b[1m", "\x1b[31m\x1b[1m", "\x1b[1m\x1b[41m"};
 constexpr std::string_view colourEnd = "\x1b[m";
 
+/// How long a file is taken for one: a look costs about as much as the line.
+constexpr Nanoseconds lookPeriod = std::chrono::milliseconds(100);
+
 std::string coloured(EAaSysLogSeverityLevel severity, std::string_view line)
 {
     constexpr std::size_t begin = logTimeLength + 1;
@@ -29,9 +32,20 @@ std::string coloured(EAaSysLogSeverityLevel severity, std::string_view line)
 
 } // namespace
 
+std::size_t StderrSink::writeWhatGoes(std::string_view text)
+{
+    const Nanoseconds now = Clock::get().monotonic();
+    if (now >= m_lookAgainAt) {
+        m_isReady = isStandardErrorAlwaysReady();
+        m_lookAgainAt = now + lookPeriod;
+    }
+    return m_isReady ? writeToReadyStandardError(text)
+                     : writeToStandardError(text, m_isStalled ? Nanoseconds(0) : standardErrorPatience);
+}
+
 bool StderrSink::put(std::string_view text)
 {
-    const std::size_t done = writeToStandardError(text, m_isStalled ? Nanoseconds(0) : standardErrorPatience);
+    const std::size_t done = writeWhatGoes(text);
     m_isStalled = done != text.size();
     if (done != 0) {
         m_isMidLine = text[done - 1] != '\n';

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "log/TextSink.hpp"
+#include "port/Clock.hpp"
 
 #include <cstdint>
 #include <string>
@@ -20,9 +21,12 @@ public:
     void write(EAaSysLogSeverityLevel severity, std::string_view line) override;
 
 private:
+    std::size_t writeWhatGoes(std::string_view text);
     bool put(std::string_view text);
 
     const bool m_isColoured;
+    Nanoseconds m_lookAgainAt{};
+    bool m_isReady = false; ///< at the last look
     bool m_isStalled = false;
     bool m_isMidLine = false;
     std::uint32_t m_dropped = 0;

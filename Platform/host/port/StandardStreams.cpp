@@ -45,18 +45,22 @@ private:
     sigset_t m_previous{};
 };
 
+/// Files and the memory devices, such as /dev/null.
+bool isAlwaysReady(const struct stat& status)
+{
+    constexpr unsigned memoryDevices = 1;
+    return S_ISREG(status.st_mode) || (S_ISCHR(status.st_mode) && major(status.st_rdev) == memoryDevices);
+}
+
 /// Standard error as something that can be written to without waiting, while it lives.
 class Outlet {
 public:
     Outlet()
     {
         struct stat status {};
-        if (fstat(STDERR_FILENO, &status) != 0 || isAlwaysReady(status)) {
-            return;
-        }
-        m_isSocket = S_ISSOCK(status.st_mode);
-        m_canWait = true;
-        if (!m_isSocket) {
+        m_isReady = fstat(STDERR_FILENO, &status) != 0 || isAlwaysReady(status);
+        m_isSocket = !m_isReady && S_ISSOCK(status.st_mode);
+        if (!m_isReady && !m_isSocket) {
             // O_NONBLOCK on descriptor 2 itself would be one for everybody who has it from the same shell.
             m_own = ::open("/proc/self/fd/2", O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
         }
@@ -74,7 +78,7 @@ public:
 
     ssize_t write(std::string_view text) const
     {
-        if (!m_canWait) {
+        if (m_isReady) {
             return ::write(STDERR_FILENO, text.data(), text.size());
         }
         if (m_isSocket) {
@@ -92,13 +96,6 @@ public:
     }
 
 private:
-    /// Files and the memory devices, such as /dev/null.
-    static bool isAlwaysReady(const struct stat& status)
-    {
-        constexpr unsigned memoryDevices = 1;
-        return S_ISREG(status.st_mode) || (S_ISCHR(status.st_mode) && major(status.st_rdev) == memoryDevices);
-    }
-
     /// For what cannot be opened a second time, for want of rights, descriptors or /proc. Another process may take the
     /// room between the look and the write, which then waits for the reader.
     static ssize_t writeWhenReady(std::string_view text)
@@ -112,7 +109,7 @@ private:
         return ::write(STDERR_FILENO, text.data(), std::min(text.size(), atomicPart));
     }
 
-    bool m_canWait = false;
+    bool m_isReady = true;
     bool m_isSocket = false;
     int m_own = -1;
 };
@@ -128,6 +125,25 @@ void openMissingStandardStreams()
             return;
         }
     }
+}
+
+bool isStandardErrorAlwaysReady()
+{
+    struct stat status {};
+    return fstat(STDERR_FILENO, &status) != 0 || isAlwaysReady(status);
+}
+
+std::size_t writeToReadyStandardError(std::string_view text)
+{
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const ssize_t count = ::write(STDERR_FILENO, text.data() + done, text.size() - done);
+        if (count < 0 && errno != EINTR) {
+            break;
+        }
+        done += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    }
+    return done;
 }
 
 std::size_t writeToStandardError(std::string_view text, Nanoseconds patience)

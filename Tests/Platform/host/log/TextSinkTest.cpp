@@ -2,6 +2,7 @@
 #include "log/TextSink.hpp"
 
 #include "LogFixture.hpp"
+#include "ManualClock.hpp"
 #include "OutputCapture.hpp"
 #include "node/RunDirectory.hpp"
 
@@ -356,6 +357,24 @@ TEST(StderrSinkTest, StoppedTerminalDoesNotHoldTheProcess)
     sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
     EXPECT_EQ(terminal.readLine(), gapOf(2));
     EXPECT_EQ(terminal.readLine(), plainLine);
+}
+
+TEST(StderrSinkTest, PipeInPlaceOfAFileIsSeenAfterAWhile)
+{
+    testkit::ManualClock clock;
+    const testkit::OutputCapture output;
+    const auto sink = openStderrSink();
+    sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    clock.advance(std::chrono::milliseconds(100));
+    const auto before = std::signal(SIGPIPE, SIG_DFL);
+    {
+        Reader reader;
+        reader.die();
+        sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    }
+    sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
+    std::signal(SIGPIPE, before);
+    EXPECT_EQ(output.standardError(), plainLine + gapOf(1) + plainLine);
 }
 
 TEST(StderrSinkTest, FlagsOfTheSharedDescriptorStay)
