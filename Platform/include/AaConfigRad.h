@@ -24,8 +24,9 @@ typedef void (*TAaConfigRadInitialise)(void);
 /// @param domain domain number, 1 to 65535
 /// @param name domain name, at most 31 characters; shown to operators
 /// @param initialise declares the parameters; called once, before this function returns
-/// @return 0; 1 when an argument is wrong; 2 when the domain's store cannot be opened or created; 3 when a living process
-///   of this node has it registered with another name, size, parameter name or default (logged, values untouched).
+/// @return 0; 1 when an argument is wrong; 2 when the domain's store cannot be opened or created; 3 when a living
+///   process of this node has it registered with another name, size, parameter name or default (logged, values
+///   untouched).
 int32_t AaConfigRadRegisterDomain(uint16_t domain, const char* name, TAaConfigRadInitialise initialise);
 
 /// Declares a domain's size; only inside its initialise function.

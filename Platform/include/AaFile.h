@@ -21,8 +21,8 @@ typedef struct AaFile AaFile;
 /// @param path absolute path of the target; neither ".." nor a link leads above the board root
 /// @param buffer receives the path, NUL-terminated
 /// @param bufferSize bytes of @p buffer
-/// @return 0; 1 when an argument is null, @p path is not absolute or leads through too many links, or the result does not
-///   fit.
+/// @return 0; 1 when an argument is null, @p path is not absolute or leads through too many links, or the result does
+///   not fit.
 int32_t AaFileGetBoardPath(const char* path, char* buffer, uint32_t bufferSize);
 
 /// Opens a file. @param mode as for `fopen`: "r", "w", "a", each with "+" and "b" where wanted.
