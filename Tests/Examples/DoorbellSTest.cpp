@@ -6,6 +6,7 @@
 
 #include <array>
 #include <chrono>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <stdexcept>
 #include <string>
@@ -73,13 +74,15 @@ TEST_F(DoorbellSTest, VisitsAreWrittenToTheBookAndCounted)
 
 TEST_F(DoorbellSTest, BookThatCannotBeOpenedIsLoggedAndTheNextVisitIsTried)
 {
+    m_node.writeBoardFile("/ffs/run", "in place of the directory");
     DoorbellS doorbell(m_contact[0]);
     ServiceUnderTest service(doorbell);
     ASSERT_TRUE(service.waitUntilReady());
     Peer visitor;
 
     ring();
-    ASSERT_TRUE(m_log.waitFor("Error 0x200c8 Task - Visit not written: the book cannot be opened"));
+    ASSERT_TRUE(m_log.waitFor("Error 0x200b0 Task - Visit not written: the book cannot be opened"));
+    std::filesystem::remove(m_node.boardPath("/ffs/run"));
     m_node.writeBoardFile(visitorsBookPath, "");
     ring();
 

@@ -329,8 +329,13 @@ bool MessageQueue::takeOverInbound()
     return hasAny;
 }
 
+/// What this process's EUs have sent before the arrival may be what the arrival answers: it goes in front.
 void MessageQueue::appendArrived(Message* message)
 {
+    const Message* const head = m_inbound.load(std::memory_order_acquire);
+    if (head && head != sleeping && head != closed) {
+        takeOverInbound();
+    }
     append(message);
 }
 
