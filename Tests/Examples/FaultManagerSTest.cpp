@@ -55,7 +55,9 @@ protected:
         EXPECT_EQ(answer->transactionId, 7U);
         std::vector<SAlarm> all(answer->activeCount + answer->pastCount);
         EXPECT_EQ(answer.payload().size(), sizeof *answer.operator->() + all.size() * sizeof(SAlarm));
-        std::memcpy(all.data(), &*answer + 1, all.size() * sizeof(SAlarm));
+        if (!all.empty()) {
+            std::memcpy(all.data(), &*answer + 1, all.size() * sizeof(SAlarm));
+        }
         return all;
     }
     std::uint32_t clear(std::uint32_t number)

@@ -74,6 +74,7 @@ protected:
     void start()
     {
         m_running.reset();
+        m_manager.reset(); // before another is made: a process has one service at a time
         m_manager = std::make_unique<RedundancyManagerS>();
         m_manager->SetVerbose(1); // has its lines of information kept
         m_running = std::make_unique<testkit::ServiceUnderTest>(*m_manager);
