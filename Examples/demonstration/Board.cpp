@@ -5,9 +5,18 @@
 
 namespace dorn::demonstration {
 
+namespace {
+
+std::filesystem::path programs()
+{
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+}
+
+} // namespace
+
 std::string Board::program(const std::string& name)
 {
-    return std::filesystem::read_symlink("/proc/self/exe").replace_filename("Dorn" + name + "Exe").string();
+    return (programs() / ("Dorn" + name + "Exe")).string();
 }
 
 testkit::Process& Board::start(const std::string& name, const std::vector<std::string>& arguments)
@@ -41,6 +50,14 @@ std::map<std::string, int> Board::end()
 std::filesystem::path Board::files()
 {
     return DORN_DEMONSTRATION_BOARD;
+}
+
+std::filesystem::path Board::makeRoot()
+{
+    using std::filesystem::copy_options;
+    const std::filesystem::path root = programs().parent_path() / "board";
+    std::filesystem::copy(files(), root, copy_options::recursive | copy_options::overwrite_existing);
+    return root;
 }
 
 } // namespace dorn::demonstration

@@ -1,18 +1,24 @@
 // SPDX-License-Identifier: MIT
 #include "Board.hpp"
 #include "LiveView.hpp"
+#include "RadWait.hpp"
 #include "Steps.hpp"
 #include "node/RunDirectory.hpp"
 #include "rad/ERadHwapi.h"
+#include "rad/ERadHwapiState.h"
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <string>
+#include <vector>
 
 using namespace dorn::demonstration;
+namespace testkit = dorn::testkit;
 
 namespace {
 
@@ -31,21 +37,28 @@ void listenTo(int signal)
     }
 }
 
-constexpr const char* hint = "From a second terminal: ./dorn service list    ./dorn rad set HWA/ClimateS 1\n"
-                             "  ./dorn tag set board.climate.ambient --u32 60    ./dorn msg watch    ./dorn log -f\n";
+constexpr const char* hint =
+    "From a second terminal: ./dorn service list    ./dorn rad set HWA/ClimateS 1\n"
+    "  ./dorn tag set board.climate.ambient --u32 90    ./dorn alarm list    ./dorn redundancy switch active\n"
+    "  echo > build/release/board/var/run/doorbell    ./dorn msg watch    ./dorn log -f\n";
 
 /// Starts the board where the environment says and shows it until it is told to end.
 int showLive()
 {
     listenTo(SIGINT);
     listenTo(SIGTERM);
-    setenv("DORN_ROOT", Board::files().c_str(), 0);
+    setenv("DORN_ROOT", Board::makeRoot().c_str(), 0);
     setenv("DORN_LOG", "file", 0);
     Board board;
-    board.start("LedS");
-    board.start("ClimateS", {"-v"});
+    for (const char* name : {"FaultManager", "RedundancyManager", "LedS", "ComfortS", "DoorbellS"}) {
+        board.start(name);
+    }
+    // ClimateS registers with the redundancy manager, and would wait ten seconds for one that is not there yet.
+    const bool isManaged = testkit::waitForRad(ERadHwapiState_HwCtrlSState, 2, std::chrono::seconds(5));
+    board.start("ClimateS",
+                isManaged ? std::vector<std::string>{"-v", "--redundancy"} : std::vector<std::string>{"-v"});
     {
-        LiveView view({ERadHwapi_LED, ERadHwapi_ClimateS}, hint);
+        LiveView view({ERadHwapi_LED, ERadHwapi_ClimateS, ERadHwapi_ALRM}, hint);
         while (!isToEnd.load() && !board.running().empty()) {
             view.update();
         }
