@@ -48,6 +48,12 @@ void awaitThreads(std::size_t count)
     }
 }
 
+/// A clock that no time-out thread looks at any more when it ends.
+class TimerClock : public ManualClock {
+public:
+    ~TimerClock() override { closeNode(); }
+};
+
 class TimerTest : public testkit::NodeTest {
 protected:
     TimerTest()
@@ -75,7 +81,7 @@ protected:
 
 TEST_F(TimerTest, TimeOutArrivesWhenTheTimeHasPassed)
 {
-    ManualClock clock;
+    TimerClock clock;
     EXPECT_NE(AaTimerArm(1000, word(0xABCD)), 0U);
     ASSERT_TRUE(clock.waitForSleepers());
     EXPECT_EQ(clock.nextDeadline(), clock.monotonic() + std::chrono::microseconds(1000));
@@ -99,7 +105,7 @@ TEST_F(TimerTest, TimeOutOfRealTimeIsNotEarly)
 
 TEST_F(TimerTest, TimeOutOfZeroArrivesAtOnce)
 {
-    const ManualClock clock; // stands still
+    const TimerClock clock; // stands still
     EXPECT_NE(AaTimerArm(0, word(1)), 0U);
 
     EXPECT_EQ(takeTimeout(), 1U);
@@ -118,7 +124,7 @@ TEST_F(TimerTest, NullIsAnIdentityToo)
 
 TEST_F(TimerTest, TimeOutsArriveInTheOrderOfTheirDeadlines)
 {
-    ManualClock clock;
+    TimerClock clock;
     for (const std::uintptr_t delay : {3000U, 1000U, 2000U}) {
         AaTimerArm(static_cast<std::int64_t>(delay), word(delay));
     }
@@ -132,7 +138,7 @@ TEST_F(TimerTest, TimeOutsArriveInTheOrderOfTheirDeadlines)
 
 TEST_F(TimerTest, TimeOutsOfOneDeadlineArriveInTheOrderInWhichTheyWereArmed)
 {
-    ManualClock clock;
+    TimerClock clock;
     for (std::uintptr_t identity = 1; identity <= 5; ++identity) {
         AaTimerArm(1000, word(identity));
     }
@@ -146,7 +152,7 @@ TEST_F(TimerTest, TimeOutsOfOneDeadlineArriveInTheOrderInWhichTheyWereArmed)
 
 TEST_F(TimerTest, EarlierTimeOutArmedLaterIsNotHeldUp)
 {
-    ManualClock clock;
+    TimerClock clock;
     AaTimerArm(10'000'000, word(1));
     ASSERT_TRUE(clock.waitForSleepers());
     AaTimerArm(1000, word(2));
@@ -161,7 +167,7 @@ TEST_F(TimerTest, EarlierTimeOutArmedLaterIsNotHeldUp)
 
 TEST_F(TimerTest, CancelledTimeOutDoesNotArrive)
 {
-    ManualClock clock;
+    TimerClock clock;
     const TAaTimerId cancelled = AaTimerArm(1000, word(1));
     AaTimerArm(2000, word(2));
     EXPECT_EQ(AaTimerCancel(cancelled), 0);
@@ -204,7 +210,7 @@ TEST_F(TimerTest, NegativeTimeOutIsRefused)
 
 TEST_F(TimerTest, GreatestTimeOutNeverArrives)
 {
-    ManualClock clock;
+    TimerClock clock;
     for (const std::int64_t timeout : {INT64_MAX, INT64_MAX / 1000, INT64_MAX / 1001}) {
         const TAaTimerId timer = AaTimerArm(timeout, word(1));
         EXPECT_NE(timer, 0U);
@@ -235,7 +241,7 @@ TEST_F(TimerTest, IdsAreNeverUsedAgain)
 TEST_F(TimerTest, TenThousandArmedTimeOutsArriveInOrder)
 {
     constexpr std::uintptr_t count = 10000;
-    ManualClock clock;
+    TimerClock clock;
     std::vector<TAaTimerId> cancelled;
     for (std::uintptr_t index = 0; index < count; ++index) {
         const std::uintptr_t delay = (index * 7919 + 1) % count; // each once, in no order
@@ -273,7 +279,7 @@ TEST_F(TimerTest, TimeOutArrivesAtTheEuThatArmedIt)
 
 TEST_F(TimerTest, LateTimeOutOfAnEuThatHasEndedIsDropped)
 {
-    ManualClock clock;
+    TimerClock clock;
     {
         const TestEu eu([] { AaTimerArm(1000, word(1)); });
     }
@@ -330,7 +336,7 @@ TEST_F(TimerTest, FullQueuePutsTimeOutsOffUntilThereIsRoom)
 
 TEST_F(TimerTest, TimeOutThatIsPutOffIsSaidOnce)
 {
-    ManualClock clock;
+    TimerClock clock;
     const FullQueue queue;
     AaTimerArm(0, word(1));
     for (int count = 0; count < 5; ++count) {
