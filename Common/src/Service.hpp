@@ -182,7 +182,8 @@ public:
     ///
     /// A tag that has a value of 4 bytes is reported with it at once, before this returns. When the tag is set at that
     /// moment, the report of the older value may come last, or both may tell the new one.
-    /// A tag that the platform cannot observe is logged and stays unobserved.
+    /// That the platform cannot observe a tag is logged. The tag counts as observed all the same, and a value that it
+    /// has is reported, but no set of it will be, unless it is left with UnSetObservedTag() and observed anew.
     void SetObservedTag(std::string tag);
 
     /// Ends what SetObservedTag() began; does nothing for a tag that is not observed. When it returns,
@@ -196,7 +197,8 @@ public:
     /// The value that the tag has is not looked at: setting it counts from now on, also to what it is already. Where
     /// the tag has been waited for before, a set counts when the platform tells of it, so one that was made just before
     /// may count as well. A thread that is cancelled leaves nothing behind.
-    /// @throws RuntimeException when the platform has no semaphore or cannot observe the tag.
+    /// @throws RuntimeException when the platform has no semaphore, cannot observe the tag or breaks the wait off; the
+    ///   thread is no longer among those who wait then.
     void WaitForConfigTag(std::string tag, unsigned int value);
 
     /// What the platform calls for observed tags. @p value is read as 4 bytes whatever @p length is; null is passed

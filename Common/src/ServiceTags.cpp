@@ -43,9 +43,6 @@ void Service::SetObservedTag(std::string tag)
     if (const std::int32_t status = AaConfigTagRegister(tag.c_str(), ConfigTagObserver); status != 0) {
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, m_radId, "Configuration tag '%s' cannot be observed: %d",
                        tag.c_str(), status);
-        const std::lock_guard lock(observedTagsMutex());
-        m_observedTags.remove(tag);
-        return;
     }
     std::uint32_t value = 0;
     if (AaConfigTagGetU32(tag.c_str(), &value) == 0) {
@@ -115,7 +112,7 @@ public:
     TagWait& operator=(const TagWait&) = delete;
 
     void enter();
-    void sleep() { m_isListed = AaSemTake(m_semaphore, AA_WAIT_FOREVER) != 0; }
+    void sleep();
 
 private:
     void leave();
@@ -141,6 +138,14 @@ void Service::TagWait::enter()
     if (AaConfigTagRegister(m_tag.c_str(), WaitForConfigTagObserver) != 0) {
         throw RuntimeException("Configuration tag cannot be observed", __FILE__, __LINE__);
     }
+}
+
+void Service::TagWait::sleep()
+{
+    if (AaSemTake(m_semaphore, AA_WAIT_FOREVER) != 0) {
+        throw RuntimeException("Wait for a configuration tag failed", __FILE__, __LINE__);
+    }
+    m_isListed = false;
 }
 
 void Service::TagWait::leave()

@@ -208,13 +208,29 @@ TEST_F(ServiceTagsHostTest, HandlerRunsBesideTheMessageLoop)
     running.sync();
 }
 
-TEST_F(ServiceTagsHostTest, TagThatCannotBeObservedIsLogged)
+TEST_F(ServiceTagsHostTest, TagThatCannotBeObservedIsLoggedAndDeliveredAtOnce)
 {
+    AaConfigTagSetU32("x", 7);
     const FailNth<AaConfigTagRegister> noRegistration(1, EAaConfigTagStatus_StoreFailed);
 
     m_service.SetObservedTag("x");
 
     EXPECT_THAT(m_log.texts(), ElementsAre("Error 0x20075 Configuration tag 'x' cannot be observed: 4"));
+    EXPECT_THAT(m_service.changes(), ElementsAre("x=7"));
+}
+
+TEST_F(ServiceTagsHostTest, TagThatCouldNotBeObservedCanBeOnceItIsUnset)
+{
+    {
+        const FailNth<AaConfigTagRegister> noRegistration(1);
+        m_service.SetObservedTag("x");
+    }
+    m_service.UnSetObservedTag("x");
+
+    m_service.SetObservedTag("x");
+    AaConfigTagSetU32("x", 7);
+
+    EXPECT_TRUE(m_service.waitFor("x=7"));
 }
 
 TEST_F(ServiceTagsHostTest, TagWithoutANameIsLogged)
@@ -222,6 +238,7 @@ TEST_F(ServiceTagsHostTest, TagWithoutANameIsLogged)
     m_service.SetObservedTag("");
 
     EXPECT_THAT(m_log.texts(), ElementsAre("Error 0x20075 Configuration tag '' cannot be observed: 2"));
+    EXPECT_THAT(m_service.changes(), IsEmpty());
 }
 
 // ---------------------------------------------------------------------------------------------------------- waiting

@@ -223,19 +223,31 @@ TEST_F(ServiceTagsTest, TagThatWasUnsetCanBeObservedAgain)
                 ElementsAre("AaConfigTagRegister(\"x\")", "AaConfigTagGetU32(\"x\")", "change x=5"));
 }
 
-TEST_F(ServiceTagsTest, TagThatCannotBeObservedIsLoggedAndTriedAgainNextTime)
+TEST_F(ServiceTagsTest, TagThatCannotBeObservedIsLoggedAndReadAndDeliveredAllTheSame)
 {
     m_platform.tags["x"] = bytesOf(5);
     m_platform.setResult("AaConfigTagRegister", 4);
+
     m_service.SetObservedTag("x");
+
     EXPECT_THAT(m_platform.calls(),
-                ElementsAre("AaConfigTagRegister(\"x\")", "Error 0x20075 Configuration tag 'x' cannot be observed: 4"));
-    m_platform.setResult("AaConfigTagRegister", 0);
+                ElementsAre("AaConfigTagRegister(\"x\")", "Error 0x20075 Configuration tag 'x' cannot be observed: 4",
+                            "AaConfigTagGetU32(\"x\")", "change x=5"));
+}
+
+TEST_F(ServiceTagsTest, TagThatCannotBeObservedStaysInTheListUntilItIsUnset)
+{
+    m_platform.setResult("AaConfigTagRegister", 4);
+    m_service.SetObservedTag("x");
     m_platform.clearCalls();
 
     m_service.SetObservedTag("x");
+    EXPECT_THAT(m_platform.calls(), IsEmpty());
+    EXPECT_THAT(m_service.m_observedTags, ElementsAre("x"));
 
-    EXPECT_THAT(m_platform.calls("change"), ElementsAre("change x=5"));
+    m_service.UnSetObservedTag("x");
+    EXPECT_THAT(m_platform.calls(), ElementsAre("AaConfigTagUnregister(\"x\")"));
+    EXPECT_THAT(m_service.m_observedTags, IsEmpty());
 }
 
 TEST_F(ServiceTagsTest, HandlerMayObserveAndUnsetTags)
@@ -476,11 +488,28 @@ TEST_F(ServiceTagsTest, WaitForATagThatCannotBeObservedIsAnExceptionAndLeavesNot
     EXPECT_THAT(m_platform.calls("AaSemDestroy("), SizeIs(1));
 }
 
+TEST_F(ServiceTagsTest, WaitThatThePlatformBreaksOffIsAnExceptionAndLeavesNothing)
+{
+    m_platform.setResult("AaSemTake", 1);
+
+    try {
+        m_service.WaitForConfigTag("x", 5);
+        ADD_FAILURE() << "no exception";
+    } catch (const Service::RuntimeException& exception) {
+        EXPECT_EQ(exception.getDescription(), "Wait for a configuration tag failed");
+        EXPECT_EQ(exception.getFile(), "Common/src/ServiceTags.cpp");
+        EXPECT_GT(exception.getLine(), 0);
+    }
+    EXPECT_THAT(m_service.m_waitForConfigTagSem, IsEmpty());
+    EXPECT_EQ(m_platform.calls("AaSemReMutexTake").size(), m_platform.calls("AaSemReMutexGive").size());
+    EXPECT_EQ(m_platform.calls().back(), "AaSemDestroy(1)");
+}
+
 TEST_F(ServiceTagsTest, WaitThatThePlatformBreaksOffLeavesTheOthersInTheTable)
 {
     whenWaiting(1, [&] {
         m_platform.setResult("AaSemTake", 1);
-        m_service.WaitForConfigTag("x", 5); // breaks off
+        EXPECT_THROW(m_service.WaitForConfigTag("x", 5), Service::RuntimeException);
         m_platform.setResult("AaSemTake", 0);
         EXPECT_THAT(m_service.m_waitForConfigTagSem, ElementsAre(Pair("x", ElementsAre(Pair(5U, SizeIs(1))))));
         set("x", 5);
