@@ -33,6 +33,7 @@ bool Service::sendRegistration(ERedundancyMode mode)
     HwapiRedundancyRegisterReqMsg request(AaSysComSicadGet(redundancyManagerCpid, AaSysComGetOwnNid()), 0);
     if (!request.GetPayload()) {
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, m_radId, "%s", nullReceived);
+        request.Destroy(); // it may be there without payload
         return false;
     }
     request->transactionId = 0;
@@ -87,6 +88,7 @@ void Service::HandleRedundancyStateReqMsg(void* msg)
     HwapiRedundancyStateRespMsg answer(request.GetSender(), 0);
     if (!answer.GetPayload()) {
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, m_radId, "%s", nullCreated);
+        answer.Destroy(); // it may be there without payload
         return;
     }
     answer->transactionId = request->transactionId;
@@ -106,6 +108,7 @@ void Service::sendRedundancyState(TAaSysComSicad receiver, ERedundancyCommand co
     ApiRedundancyIndMsg indication(receiver, 0);
     if (!indication.GetPayload()) {
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, m_radId, "%s", nullCreated);
+        indication.Destroy(); // it may be there without payload
         return;
     }
     indication->command = command;

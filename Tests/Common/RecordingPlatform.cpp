@@ -212,10 +212,14 @@ std::int32_t note(const std::string& call)
 /// Hands out a tag's value with a zero byte behind it, as AaConfigTagGet() does.
 void handOut(const std::string& bytes, void** value, std::uint32_t* length)
 {
+    *value = nullptr;
+    *length = static_cast<std::uint32_t>(bytes.size());
+    if (!RecordingPlatform::get().canHandOutValues) {
+        return;
+    }
     auto block = std::make_unique<char[]>(bytes.size() + 1);
     std::memcpy(block.get(), bytes.c_str(), bytes.size() + 1);
     *value = block.release();
-    *length = static_cast<std::uint32_t>(bytes.size());
     ++RecordingPlatform::get().liveTagValues;
 }
 
@@ -512,7 +516,8 @@ void* AaSysComMsgCreate(TAaSysComMsgId id, std::uint16_t payloadSize, TAaSysComS
 {
     note(formatted("AaSysComMsgCreate(%u, %u, 0x%X)", id, static_cast<unsigned>(payloadSize), receiver));
     RecordingPlatform& platform = RecordingPlatform::get();
-    return platform.canCreateMessages ? platform.createMessage(id, payloadSize, receiver) : nullptr;
+    const std::uint16_t size = platform.canCreatePayloads ? payloadSize : std::uint16_t{0};
+    return platform.canCreateMessages ? platform.createMessage(id, size, receiver) : nullptr;
 }
 
 std::int32_t AaSysComMsgSend(void** message)

@@ -51,6 +51,8 @@ public:
     std::map<std::uint32_t, std::uint32_t> parameters;       ///< R&D parameters by identifier
     std::map<std::string, std::string> tags;                 ///< values of configuration tags by name
     bool canCreateMessages = true;
+    bool canCreatePayloads = true; ///< false: messages are made without payload
+    bool canHandOutValues = true;  ///< false: tags are read with success and null
     bool canCreateMutexes = true;
     std::vector<std::pair<std::string, TAaConfigTagObserver>> observers; ///< in the order of their registration
 

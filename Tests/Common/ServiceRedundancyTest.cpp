@@ -138,7 +138,8 @@ TEST_F(ServiceRedundancyTest, RegistrationThatCannotBeMadeIsLoggedAndNotAwaited)
     m_service.RegisterRedundancyService(ERedundancyMode_All);
 
     EXPECT_THAT(m_platform.calls(),
-                ElementsAre("AaSysComSicadGet(0x4E4, 0xF01)", "AaSysComMsgCreate(4017, 12, 0xF0104E4)", nullReceived));
+                ElementsAre("AaSysComSicadGet(0x4E4, 0xF01)", "AaSysComMsgCreate(4017, 12, 0xF0104E4)", nullReceived,
+                            "AaSysComMsgDestroy(null)"));
 }
 
 TEST_F(ServiceRedundancyTest, ManagerIsOnTheOwnNodeAlsoWithoutNodeId)
@@ -167,7 +168,20 @@ TEST_F(ServiceRedundancyTest, UnregistrationThatCannotBeMadeIsLogged)
 
     m_service.UnRegisterRedundancyService();
 
-    EXPECT_EQ(m_platform.calls().back(), nullReceived);
+    EXPECT_THAT(m_platform.calls("Error"), ElementsAre(nullReceived));
+    EXPECT_THAT(m_platform.calls("AaSysComMsgSend"), IsEmpty());
+}
+
+TEST_F(ServiceRedundancyTest, RegistrationWithoutPayloadIsLoggedDestroyedAndNotAwaited)
+{
+    m_platform.canCreatePayloads = false;
+
+    m_service.RegisterRedundancyService(ERedundancyMode_All);
+
+    EXPECT_THAT(m_platform.calls(),
+                ElementsAre("AaSysComSicadGet(0x4E4, 0xF01)", "AaSysComMsgCreate(4017, 12, 0xF0104E4)", nullReceived,
+                            "AaSysComMsgDestroy(4017)"));
+    EXPECT_EQ(m_platform.liveMessages(), 0U);
 }
 
 TEST_F(ServiceRedundancyTest, RegistrationAnswerWithoutPayloadIsLogged)
@@ -257,7 +271,19 @@ TEST_F(ServiceRedundancyTest, AcknowledgementThatCannotBeMadeEndsTheExchange)
 
     command(ERedundancyCommand_CardState);
 
-    EXPECT_THAT(m_platform.calls(), ElementsAre("AaSysComMsgCreate(4020, 12, 0xF0104E4)", nullCreated));
+    EXPECT_THAT(m_platform.calls(),
+                ElementsAre("AaSysComMsgCreate(4020, 12, 0xF0104E4)", nullCreated, "AaSysComMsgDestroy(null)"));
+}
+
+TEST_F(ServiceRedundancyTest, AcknowledgementWithoutPayloadIsDestroyedAndEndsTheExchange)
+{
+    m_platform.canCreatePayloads = false;
+
+    command(ERedundancyCommand_CardState);
+
+    EXPECT_THAT(m_platform.calls(),
+                ElementsAre("AaSysComMsgCreate(4020, 12, 0xF0104E4)", nullCreated, "AaSysComMsgDestroy(4020)"));
+    EXPECT_EQ(m_platform.liveMessages(), 0U);
 }
 
 TEST_F(ServiceRedundancyTest, IndicationThatCannotBeMadeIsLogged)
@@ -268,7 +294,22 @@ TEST_F(ServiceRedundancyTest, IndicationThatCannotBeMadeIsLogged)
 
     EXPECT_THAT(m_platform.calls("AaSysComMsgSend(4020"), testing::SizeIs(1));
     EXPECT_THAT(m_platform.calls("AaSysComMsgSend(4016"), IsEmpty());
-    EXPECT_EQ(m_platform.calls().back(), nullCreated);
+    EXPECT_THAT(m_platform.calls("Error"), ElementsAre(nullCreated));
+}
+
+TEST_F(ServiceRedundancyTest, IndicationWithoutPayloadIsLoggedAndDestroyed)
+{
+    m_service.hook = [this](ERedundancyCommand, ERedundancyState*) {
+        m_platform.canCreatePayloads = false;
+        m_platform.clearCalls();
+        return true;
+    };
+
+    command(ERedundancyCommand_CardState);
+
+    EXPECT_THAT(m_platform.calls(),
+                ElementsAre("AaSysComMsgCreate(4016, 8, 0xF0104E4)", nullCreated, "AaSysComMsgDestroy(4016)"));
+    EXPECT_EQ(m_platform.liveMessages(), 0U);
 }
 
 TEST_F(ServiceRedundancyTest, CommandWithoutPayloadIsLoggedAndNotAnswered)
