@@ -19,6 +19,9 @@ typedef struct AaSemReMutex AaSemReMutex;
 AaSem* AaSemCreateC(uint32_t initialCount);
 
 /// Destroys a semaphore and sets the handle to null. Nobody may wait on it. Null (either one) is passed over.
+///
+/// Who has taken a count may destroy the semaphore although the AaSemGive() that made the count has not returned yet:
+/// it must not touch the semaphore any more once the count can be taken.
 void AaSemDestroy(AaSem** sem);
 
 /// Takes one count, waiting for it up to @p timeout micro-seconds (#AA_WAIT_FOREVER, #AA_NO_WAIT).

@@ -68,7 +68,9 @@ public:
     void HandleForwardedReqTimeout(void* msgHandle);
 
 protected:
-    std::list<Req*> m_reqs; ///< the oldest first
+    /// The oldest first. For a subclass to look at: requests come in through HandleNewReq() and go with ReqCompleted().
+    /// A subclass must not take one out itself, as the handler may be standing at it.
+    std::list<Req*> m_reqs;
     ERadHwapi m_printId;
 };
 
