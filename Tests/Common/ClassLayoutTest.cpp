@@ -12,7 +12,10 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+#include <cstring>
 #include <memory>
+#include <new>
 
 namespace {
 
@@ -105,6 +108,14 @@ TEST(ClassLayoutTest, OtherFunctionsOfServiceAreNotVirtual)
     EXPECT_EQ(slotOf(&Service::HandleRedundancyRegisterRespMsg), -1);
     EXPECT_EQ(slotOf(&Service::HandleRedundancyStateReqMsg), -1);
     EXPECT_EQ(slotOf(&Service::isActiveLcp), -1);
+    EXPECT_EQ(slotOf(&Service::SetObservedTag), -1);
+    EXPECT_EQ(slotOf(&Service::UnSetObservedTag), -1);
+    EXPECT_EQ(slotOf(&Service::WaitForConfigTag), -1);
+    EXPECT_EQ(slotOf(&Service::GetName), -1);
+    EXPECT_EQ(slotOf(&Service::GetRadId), -1);
+    EXPECT_EQ(slotOf(&Service::GetArgumentParser), -1);
+    EXPECT_EQ(slotOf(&Service::SetVerbose), -1);
+    EXPECT_EQ(slotOf(&Service::SetUseCommonServiceState), -1);
 }
 
 TEST(ClassLayoutTest, VirtualFunctionsOfMsgDelegateBase)
@@ -222,6 +233,17 @@ TEST(ClassLayoutTest, NumbersOfServiceHave32Bits)
     EXPECT_EQ(sizeof(unsigned int), 4U);
     EXPECT_EQ(sizeof(ERadHwapi), 4U);
     EXPECT_EQ(sizeof(ERadHwapiState), 4U);
+}
+
+TEST(ClassLayoutTest, FreshTaskIsNobodysAndIsNotExecuted)
+{
+    alignas(Job) std::array<unsigned char, sizeof(Job)> place;
+    void* (*volatile const fill)(void*, int, std::size_t) = std::memset;
+    fill(place.data(), 0xFF, place.size()); // where what is not set would be seen
+    const std::unique_ptr<Job, void (*)(Job*)> job(new (place.data()) Job, [](Job* made) { made->~Job(); });
+
+    EXPECT_FALSE((*job).*exposed(OwnedTag{}));
+    EXPECT_EQ((*job).*exposed(ExecutingTag{}), nullptr);
 }
 
 // ----------------------------------------------------------------------------------------------------------- messages

@@ -157,9 +157,31 @@ TEST_F(HwapiAlarmTest, MessageThatCannotBeMadeIsAnException)
                             "AaSysComSicadGet(0x211, 0xF01)", "AaSysComMsgCreate(11140, 20, 0xF0104C1)"));
 }
 
+TEST_F(HwapiAlarmTest, MessageWithoutPayloadIsDestroyedAndAnException)
+{
+    m_platform.canCreatePayloads = false;
+
+    EXPECT_THROW(m_alarm.sendAlarmMsg(fault, nullptr, 0), HwapiAlarm::MsgSendingException);
+
+    EXPECT_EQ(m_platform.calls().back(), "AaSysComMsgDestroy(11140)");
+    EXPECT_EQ(m_platform.liveMessages(), 0U);
+}
+
 TEST_F(HwapiAlarmTest, BoardThatCannotBeReadIs16)
 {
     m_platform.setResult("AaConfigTagGetDefault", 4);
+
+    m_alarm.sendAlarmMsg(fault, nullptr, 0);
+
+    EXPECT_EQ(sentBytes(), "67120000100000000000000000000000"
+                           "00000000");
+    EXPECT_THAT(m_platform.calls("AaMemUnRefDbg"), IsEmpty());
+}
+
+TEST_F(HwapiAlarmTest, BoardThatIsReadWithoutAValueIs16)
+{
+    m_platform.tags["sys.unit.ownboard"] = "\x03";
+    m_platform.canHandOutValues = false;
 
     m_alarm.sendAlarmMsg(fault, nullptr, 0);
 
@@ -202,6 +224,15 @@ TEST_F(HwapiAlarmTest, AddressesAreOfTheOwnNode)
     m_alarm.sendAlarmMsg(fault, nullptr, 0);
 
     EXPECT_THAT(m_platform.calls("AaSysComMsgSendS(11140, from 0xF220211 to 0xF2204C1, "), SizeIs(1));
+}
+
+TEST_F(HwapiAlarmTest, AddressesAreOfTheOwnNodeAlsoWithoutNodeId)
+{
+    m_platform.nid = 0;
+
+    m_alarm.sendAlarmMsg(fault, nullptr, 0);
+
+    EXPECT_THAT(m_platform.calls("AaSysComMsgSendS(11140, from 0x211 to 0x4C1, "), SizeIs(1));
 }
 
 TEST_F(HwapiAlarmTest, SenderAndFeatureCanBeSetLater)

@@ -44,11 +44,11 @@ protected:
     /// A message that the service has received.
     class Received {
     public:
-        Received(TAaSysComMsgId id, const std::string& payload)
+        Received(TAaSysComMsgId id, const std::string& payload, TAaSysComSicad sender = manager)
             : m_handle(dorn::test::RecordingPlatform::get().createMessage(
                   id, static_cast<std::uint16_t>(payload.size()), 0x0F010456))
         {
-            AaSysComMsgSetSender(m_handle, manager);
+            AaSysComMsgSetSender(m_handle, sender);
             if (!payload.empty()) {
                 std::memcpy(AaSysComMsgGetPayload(m_handle), payload.data(), payload.size());
             }
@@ -223,6 +223,17 @@ TEST_F(ServiceRedundancyTest, CommandIsAcknowledgedBeforeTheServiceReacts)
     EXPECT_EQ(m_platform.liveMessages(), 0U);
 }
 
+TEST_F(ServiceRedundancyTest, AcknowledgementAndStateGoToWhoHasSentTheCommand)
+{
+    const Received request(4019, bytesOf(SHwapiRedundancyStateReq{0x77, ERedundancyCommand_CardState}), 0x0F220789);
+
+    m_service.HandleRedundancyStateReqMsg(request.handle());
+
+    EXPECT_THAT(m_platform.calls("AaSysComMsgSend"),
+                ElementsAre("AaSysComMsgSend(4020, from 0xF010456 to 0xF220789, 770000000200000000000000)",
+                            "AaSysComMsgSend(4016, from 0xF010456 to 0xF220789, 0200000001000000)"));
+}
+
 TEST_F(ServiceRedundancyTest, DefaultIsReadyForEveryCommand)
 {
     for (std::uint32_t number = ERedundancyCommand_None; number <= ERedundancyCommand_ReleaseHwLatch; ++number) {
@@ -389,6 +400,15 @@ TEST_F(ActiveUnitTest, TagThatCannotBeReadIsNo)
     m_platform.setResult("AaConfigTagGet", 4);
 
     EXPECT_FALSE(isActiveWith(bytesOf(std::uint32_t{1})));
+}
+
+TEST_F(ActiveUnitTest, TagThatIsReadWithoutAValueIsNo)
+{
+    m_platform.canHandOutValues = false;
+
+    EXPECT_FALSE(isActiveWith(bytesOf(std::uint32_t{1})));
+
+    EXPECT_THAT(m_platform.calls(), ElementsAre("AaConfigTagGet(\"sys.unit.state.ne-act\")"));
 }
 
 TEST_F(ActiveUnitTest, ValueIsReleased)

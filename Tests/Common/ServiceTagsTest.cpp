@@ -203,6 +203,22 @@ TEST_F(ServiceTagsTest, TagThatIsUnsetIsUnregisteredAndNoLongerDelivered)
     EXPECT_THAT(m_service.m_observedTags, ElementsAre("y"));
 }
 
+TEST_F(ServiceTagsTest, TagStaysInTheListUntilItIsUnregistered)
+{
+    m_service.SetObservedTag("x");
+    std::list<std::string> whenUnregistered;
+    m_platform.onCall = [&](const std::string& call) {
+        if (call == "AaConfigTagUnregister(\"x\")") {
+            whenUnregistered = m_service.m_observedTags;
+        }
+    };
+
+    m_service.UnSetObservedTag("x");
+
+    EXPECT_THAT(whenUnregistered, ElementsAre("x"));
+    EXPECT_THAT(m_service.m_observedTags, IsEmpty());
+}
+
 TEST_F(ServiceTagsTest, UnsettingATagThatIsNotObservedDoesNothing)
 {
     m_service.UnSetObservedTag("x");
@@ -276,6 +292,21 @@ TEST_F(ServiceTagsTest, ChangesGoToTheServiceThatWasConstructedLast)
     change("x", 1);
 
     EXPECT_EQ(heard, "x");
+    AaSemReMutexDestroy(&earliersMutex);
+}
+
+TEST_F(ServiceTagsTest, PresentValueGoesToTheServiceThatObservesAlsoWhenItIsNotTheLast)
+{
+    m_platform.tags["x"] = bytesOf(5);
+    AaSemReMutex* earliersMutex = ScriptedService::m_wfctMapSem;
+    TagService later;
+    std::string heard;
+    m_service.onChange = [&](const std::string& tag, unsigned int) { heard += "earlier " + tag; };
+    later.onChange = [&](const std::string& tag, unsigned int) { heard += "later " + tag; };
+
+    m_service.SetObservedTag("x");
+
+    EXPECT_EQ(heard, "earlier x");
     AaSemReMutexDestroy(&earliersMutex);
 }
 
@@ -454,6 +485,8 @@ TEST_F(ServiceTagsTest, WaitWithoutASemaphoreIsAnException)
         ADD_FAILURE() << "no exception";
     } catch (const Service::RuntimeException& exception) {
         EXPECT_EQ(exception.getDescription(), "No semaphore to wait for a configuration tag");
+        EXPECT_EQ(exception.getFile(), "Common/src/ServiceTags.cpp");
+        EXPECT_GT(exception.getLine(), 0);
     }
     EXPECT_THAT(m_service.m_waitForConfigTagSem, IsEmpty());
     EXPECT_EQ(m_platform.calls("AaSemReMutexTake").size(), m_platform.calls("AaSemReMutexGive").size());
@@ -482,6 +515,8 @@ TEST_F(ServiceTagsTest, WaitForATagThatCannotBeObservedIsAnExceptionAndLeavesNot
         ADD_FAILURE() << "no exception";
     } catch (const Service::RuntimeException& exception) {
         EXPECT_EQ(exception.getDescription(), "Configuration tag cannot be observed");
+        EXPECT_EQ(exception.getFile(), "Common/src/ServiceTags.cpp");
+        EXPECT_GT(exception.getLine(), 0);
     }
     EXPECT_THAT(m_service.m_waitForConfigTagSem, IsEmpty());
     EXPECT_EQ(m_platform.calls("AaSemReMutexTake").size(), m_platform.calls("AaSemReMutexGive").size());
