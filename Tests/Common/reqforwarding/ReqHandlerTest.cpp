@@ -25,6 +25,7 @@ using dorn::test::ScriptedReq;
 using dorn::test::ScriptedReqs;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 /// A debug line of the handler about a pointer.
 std::string line(const char* text, const void* pointer)
@@ -47,6 +48,19 @@ std::string descriptionOf(const Work& work)
     } catch (const MsgHandlingException& exception) {
         EXPECT_STREQ(exception.what(), "Message handling error");
         return exception.getDescription();
+    }
+}
+
+/// Expects that @p work throws an exception that names this file and a line of it.
+template <class Exception, class Work>
+void expectThrownIn(const std::string& file, const Work& work)
+{
+    try {
+        work();
+        ADD_FAILURE() << "no exception";
+    } catch (const Exception& exception) {
+        EXPECT_EQ(exception.getFile(), file);
+        EXPECT_GT(exception.getLine(), 0);
     }
 }
 
@@ -138,6 +152,16 @@ TEST_F(ReqHandlerTest, WhatARequestDoesNotOverrideIsNotImplemented)
               "Req::HandleForwardedReqTimeout NOT IMPLEMENTED");
 }
 
+TEST_F(ReqHandlerTest, WhatARequestDoesNotOverrideTellsWhereItWasThrown)
+{
+    const std::string file = "Common/src/reqforwarding/Req.cpp";
+    Req req(m_reqs, printId, nullptr);
+
+    expectThrownIn<MsgHandlingException>(file, [&] { req.HandleReq(); });
+    expectThrownIn<MsgHandlingException>(file, [&] { req.HandleForwardedReqResp(nullptr); });
+    expectThrownIn<MsgHandlingException>(file, [&] { req.HandleForwardedReqTimeout(); });
+}
+
 // ------------------------------------------------------------------------------------------------------ new requests
 
 TEST_F(ReqHandlerTest, HandlerLogsItsBeginning)
@@ -145,6 +169,27 @@ TEST_F(ReqHandlerTest, HandlerLogsItsBeginning)
     const ScriptedReqs another;
 
     EXPECT_THAT(m_platform.calls(), ElementsAre("Debug 0x20075 ReqHandler::ReqHandler"));
+}
+
+TEST_F(ReqHandlerTest, HandlerAndRequestsLogWithTheirOwnPrintIds)
+{
+    {
+        ScriptedReqs reqs(ERadHwapi_GENIO);
+        reqs.onNew = [&](void* msgHandle) { return new ScriptedReq(reqs, msgHandle); };
+        reqs.HandleNewReq(static_cast<void*>(this));
+        reqs.add();
+        reqs.HandleForwardedReqResp(nullptr);
+        Req* const last = reqs.open().back();
+        void* message = AaSysComMsgCreate(API_FORWARD_TIMEOUT_OUT, sizeof last, 0);
+        std::memcpy(AaSysComMsgGetPayload(message), &last, sizeof last);
+        reqs.HandleForwardedReqTimeout(message);
+        AaSysComMsgDestroy(&message);
+        reqs.ReqCompleted(last);
+    }
+
+    EXPECT_THAT(m_platform.calls("Debug 0x2000A ReqHandler::"), SizeIs(17));
+    EXPECT_THAT(m_platform.calls("Debug 0x20075 Req::"), SizeIs(4)); // two requests begin and end
+    EXPECT_THAT(m_platform.calls("Debug "), SizeIs(21));
 }
 
 TEST_F(ReqHandlerTest, NewRequestIsMadeKeptAndThenHandled)
@@ -205,6 +250,8 @@ TEST_F(ReqHandlerTest, NoRequestIsAnInvalidParameter)
         ADD_FAILURE() << "no exception";
     } catch (const InvalidParameterException& exception) {
         EXPECT_EQ(exception.getDescription(), "NULL pointer argument passed to ReqHandler::HandleNewReq");
+        EXPECT_EQ(exception.getFile(), "Common/src/reqforwarding/ReqHandler.cpp");
+        EXPECT_GT(exception.getLine(), 0);
     }
     EXPECT_THROW(m_reqs.HandleNewReq(static_cast<void*>(this)), InvalidParameterException); // NewReq() makes none
     EXPECT_THAT(m_reqs.open(), IsEmpty());
@@ -392,6 +439,8 @@ TEST_F(ReqHandlerTest, TimeOutWithoutPayloadIsAnException)
 
     EXPECT_EQ(descriptionOf([&] { m_reqs.HandleForwardedReqTimeout(timeOut(nullptr, 0)); }), missing);
     EXPECT_EQ(descriptionOf([&] { m_reqs.HandleForwardedReqTimeout(nullptr); }), missing);
+    expectThrownIn<MsgHandlingException>("Common/src/reqforwarding/ReqHandler.cpp",
+                                         [&] { m_reqs.HandleForwardedReqTimeout(nullptr); });
     const void* const word = nullptr;
     EXPECT_EQ(descriptionOf([&] { m_reqs.HandleForwardedReqTimeout(timeOut(&word, sizeof word - 1)); }), missing);
 }

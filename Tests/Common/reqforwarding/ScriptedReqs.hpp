@@ -59,7 +59,7 @@ private:
 /// Makes what the test says.
 class ScriptedReqs : public vel::hwapi::common::ReqHandler {
 public:
-    ScriptedReqs() : ReqHandler(printId) {}
+    explicit ScriptedReqs(ERadHwapi id = printId) : ReqHandler(id) {}
 
     std::function<vel::hwapi::common::Req*(void*)> onNew;
 
