@@ -16,6 +16,7 @@
 #include <vector>
 
 DORN_EXPOSE(RunningDispatcherTag, vel::hwapi::common::EventDispatcher, TAaProEuId, m_euId)
+DORN_EXPOSE(ChangedFlagTag, vel::hwapi::common::EventDispatcher, std::uint32_t, m_handlerVectorChanged)
 
 namespace vel::hwapi::common {
 namespace {
@@ -301,6 +302,45 @@ TEST_F(EventDispatcherTest, DescriptorThatIsNotRegisteredIsPassedOver)
     EXPECT_THAT(handled(), ElementsAre("a handles 6"));
 }
 
+TEST_F(EventDispatcherTest, UnregisteringADescriptorThatIsNotRegisteredCountsAsAChange)
+{
+    m_dispatcher.UnregisterEventHandler(5);
+
+    EXPECT_EQ(m_dispatcher.*exposed(dorn::test::ChangedFlagTag{}), 1U);
+}
+
+TEST_F(EventDispatcherTest, HandlerRegisteredAfterItsDescriptorWasUnregisteredInVainIsLost)
+{
+    m_dispatcher.UnregisterEventHandler(5);
+    m_dispatcher.RegisterEventHandler(5, m_a, POLLIN);
+    m_poll.add({{0, POLLIN}});
+
+    run();
+
+    EXPECT_EQ(m_platform.calls("poll(").front(), "poll(5:0x1, 200)");
+    EXPECT_THAT(handled(), IsEmpty());
+}
+
+TEST_F(EventDispatcherTest, DispatcherItselfStandsInForAHandlerThatWasUnregistered)
+{
+    class Noting : public EventDispatcher {
+    public:
+        void HandleEvent(int fd) override { RecordingPlatform::get().note(formatted("dispatcher handles %d", fd), {}); }
+    };
+    Noting dispatcher;
+    ScriptedPoll poll([&] { dispatcher.*exposed(dorn::test::RunningDispatcherTag{}) = 0; });
+    dispatcher.RegisterEventHandler(5, m_a, POLLIN);
+    poll.add([&](pollfd* entries) {
+        dispatcher.UnregisterEventHandler(5);
+        entries[0].revents = POLLIN;
+        return 1;
+    });
+
+    dispatcher.Setup(radId, "Events", 3, 8192);
+
+    EXPECT_THAT(handled(), ElementsAre("dispatcher handles 5"));
+}
+
 TEST_F(EventDispatcherTest, HandlerOfADescriptorRegisteredAgainTooEarlyIsLost)
 {
     m_dispatcher.RegisterEventHandler(5, m_a, POLLIN);
@@ -511,27 +551,6 @@ TEST_F(EventDispatcherTest, HandlerThatThrowsIsLoggedAndTheRoundGoesOn)
                             "Error 0x20000 Event Handler Events - HandleEvent(6) failed", "AaSemGive(3)",
                             "AaSemTake(3, -1)", "last handles 7", "AaSemGive(3)", "poll(5:0x1, 6:0x1, 7:0x1, 200)",
                             "AaSemGive(1)", "Info 0x20000 Event Dispatcher Events finished polling"));
-}
-
-// ------------------------------------------------------------------------------------------------------------ registry
-// Registered dispatchers live as long as the process, longer than any test's platform: they are made, never started.
-
-TEST_F(EventDispatcherTest, RegisteredDispatcherIsTheSameEachTime)
-{
-    EventDispatcher* const first = EventDispatcher::Get(7);
-
-    EXPECT_NE(first, nullptr);
-    EXPECT_EQ(EventDispatcher::Get(7), first);
-    EXPECT_NE(EventDispatcher::Get(8), first);
-}
-
-TEST_F(EventDispatcherTest, UnregisteredDispatchersAreAlwaysNew)
-{
-    const std::unique_ptr<EventDispatcher> first(EventDispatcher::Get());
-    const std::unique_ptr<EventDispatcher> second(EventDispatcher::Get());
-
-    EXPECT_NE(first, second);
-    EXPECT_NE(EventDispatcher::Get(7), first.get());
 }
 
 } // namespace

@@ -34,6 +34,12 @@ DORN_EXPOSE(WorkingSuspendedTag, Worker, bool, m_workingSuspended)
 DORN_EXPOSE(WorkerPriorityTag, Worker, std::uint32_t, m_priority)
 DORN_EXPOSE(WorkerStackSizeTag, Worker, std::uint32_t, m_stackSize)
 DORN_EXPOSE(WorkerPolicyTag, Worker, EAaProEuSchedulingPolicy, m_policy)
+namespace dorn::test {
+struct WorkersTag {
+    friend WorkerMap** exposed(WorkersTag); // a static member, and so no pointer to member
+};
+template struct Expose<WorkersTag, &Worker::m_workers>;
+} // namespace dorn::test
 DORN_EXPOSE(ExitSemTag, EventDispatcher, AaSem*, m_exitSem)
 DORN_EXPOSE(HandlerRegSemTag, EventDispatcher, AaSem*, m_handlerRegSem)
 DORN_EXPOSE(SafeSemTag, EventDispatcher, AaSem*, m_handlerSfpRemSafeSem)
@@ -117,6 +123,16 @@ TEST_F(ThreadLayoutTest, MembersOfAFreshWorker)
     EXPECT_EQ(worker.*exposed(WorkerPolicyTag{}), EAaProEuSchedulingPolicy_Background);
 }
 
+TEST_F(ThreadLayoutTest, RegisteredWorkersStandInAMapById)
+{
+    Worker* const worker = Worker::Get(-4711);
+    const WorkerMap* const workers = *exposed(WorkersTag{});
+
+    ASSERT_NE(workers, nullptr);
+    ASSERT_TRUE(workers->contains(-4711));
+    EXPECT_EQ(workers->at(-4711), worker);
+}
+
 TEST_F(ThreadLayoutTest, VirtualFunctionsOfEventHandler)
 {
     EXPECT_EQ(slotOf(&EventHandler::HandleEvent), 0); // before the destructor's two
@@ -124,6 +140,10 @@ TEST_F(ThreadLayoutTest, VirtualFunctionsOfEventHandler)
     EXPECT_EQ(slotOf(&EventDispatcher::Start), -1);
     EXPECT_EQ(slotOf(&EventDispatcher::Stop), -1);
     EXPECT_EQ(slotOf(&EventDispatcher::Setup), -1);
+    EXPECT_EQ(slotOf(&EventDispatcher::RegisterEventHandler), -1);
+    EXPECT_EQ(slotOf(&EventDispatcher::UnregisterEventHandler), -1);
+    EXPECT_EQ(slotOf(&EventDispatcher::WaitSafeSem), -1);
+    EXPECT_EQ(slotOf(&EventDispatcher::PostSafeSem), -1);
 }
 
 TEST_F(ThreadLayoutTest, PollRecordIsThatOfPosix)

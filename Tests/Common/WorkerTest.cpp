@@ -244,7 +244,11 @@ TEST_F(WorkerTest, SetupStartsTheThreadThroughItsVirtualFunction)
 {
     class Threadless : public Worker {
     public:
-        void startWorkerThread() override { ++starts; }
+        void startWorkerThread() override
+        {
+            ++starts;
+            EXPECT_FALSE(IsSetupDone()); // not before it has been started
+        }
         int starts = 0;
     };
     Threadless worker;
@@ -438,55 +442,6 @@ TEST_F(WorkerTest, WorkerWithoutSemaphoresRunsWhatIsThere)
 }
 
 // ---------------------------------------------------------------------------------------------------------- suspension
-
-TEST_F(WorkerTest, SuspensionTakesItsSemaphoreOnce)
-{
-    m_platform.clearCalls();
-
-    m_worker.SuspendWorking();
-    m_worker.SuspendWorking();
-
-    EXPECT_TRUE(m_worker.IsWorkingSuspended());
-    EXPECT_THAT(
-        m_platform.calls(),
-        ElementsAre(formatted("Debug 0x%X WORKER: SUSPEND WORKING", unsigned{ERadHwapi_Last}), "AaSemTake(3, -1)"));
-}
-
-TEST_F(WorkerTest, ResumptionGivesItsSemaphoreOnce)
-{
-    m_worker.SuspendWorking();
-    m_platform.clearCalls();
-
-    m_worker.ResumeWorking();
-    m_worker.ResumeWorking();
-
-    EXPECT_FALSE(m_worker.IsWorkingSuspended());
-    EXPECT_THAT(m_platform.calls(),
-                ElementsAre(formatted("Debug 0x%X WORKER: RESUME WORKING", unsigned{ERadHwapi_Last}), "AaSemGive(3)"));
-}
-
-TEST_F(WorkerTest, ResumptionWithoutSuspensionDoesNothing)
-{
-    m_platform.clearCalls();
-
-    m_worker.ResumeWorking();
-
-    EXPECT_THAT(m_platform.calls(), IsEmpty());
-}
-
-TEST_F(WorkerTest, WaitForTheWorkTakesTheExecutionAndGivesItBack)
-{
-    m_platform.clearCalls();
-
-    m_worker.SuspendAndWaitWorkToComplete();
-    m_worker.SuspendAndWaitWorkToComplete(); // it waits again although it is suspended
-
-    const std::string printId = formatted("Debug 0x%X ", unsigned{ERadHwapi_Last});
-    EXPECT_THAT(m_platform.calls(),
-                ElementsAre(printId + "WORKER: SUSPEND WORKING", "AaSemTake(3, -1)",
-                            printId + "WORKER: WAITING WORK TO COMPLETE", "AaSemTake(4, -1)", "AaSemGive(4)",
-                            printId + "WORKER: WAITING WORK TO COMPLETE", "AaSemTake(4, -1)", "AaSemGive(4)"));
-}
 
 TEST_F(WorkerTest, SuspensionByATaskHoldsUpTheNextOne)
 {
