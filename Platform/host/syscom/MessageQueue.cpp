@@ -18,8 +18,10 @@ Message* const closed = reinterpret_cast<Message*>(closedMark);
 /// After so many messages taken without waiting, descriptors get a look.
 constexpr std::uint32_t takesBetweenLooks = 64;
 
-/// How long an EU watches its queue before it sleeps; a little less than what sleeping and being woken costs.
-constexpr std::chrono::nanoseconds spinTime{10000};
+/// How long an EU watches its queue before it sleeps: about what it costs to be woken, which an EU learns from how soon
+/// it is woken again. A peer that has to be woken itself answers within that time, too.
+constexpr std::chrono::nanoseconds shortestSpin{10000};
+constexpr std::chrono::nanoseconds longestSpin{60000};
 constexpr int spinChecksPerLook = 8;
 constexpr int greatestSpinCredit = 8;
 constexpr std::uint32_t sleepsBetweenProbes = 32;
@@ -252,9 +254,17 @@ bool MessageQueue::sleep(Deadline until)
         return false;
     }
     if (!m_wakeUpRequested.load()) {
+        const auto begin = std::chrono::steady_clock::now();
         set->wait(until);
+        noteSleep(std::chrono::steady_clock::now() - begin);
     }
     return true;
+}
+
+void MessageQueue::noteSleep(std::chrono::nanoseconds duration)
+{
+    m_spinTime = duration <= longestSpin ? std::clamp(2 * duration, m_spinTime, longestSpin)
+                                         : std::max(m_spinTime * 7 / 8, shortestSpin);
 }
 
 WaitSet* MessageQueue::waitSetIfPossible()
@@ -275,7 +285,7 @@ bool MessageQueue::spin()
     }
     WaitSet* const set = hasDescriptors() && !isPendingFull() ? &waitSet() : nullptr;
     const Message* const lastBefore = m_last;
-    const auto end = std::chrono::steady_clock::now() + spinTime;
+    const auto end = std::chrono::steady_clock::now() + m_spinTime;
     do {
         for (int check = 0; check < spinChecksPerLook; ++check) {
             if (m_inbound.load(std::memory_order_relaxed)) {
@@ -415,6 +425,7 @@ void MessageQueue::unlink(Message* message)
 void MessageQueue::open(TAaProEuId owner)
 {
     m_owner = owner;
+    m_spinTime = shortestSpin;
     m_wakeUpRequested.store(false);
     m_inbound.store(nullptr);
 }

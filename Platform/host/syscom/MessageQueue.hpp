@@ -8,6 +8,7 @@
 #include "syscom/WaitSet.hpp"
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -71,6 +72,7 @@ private:
     void unlink(Message* message);
     bool spin();
     bool noteSpin(bool hasPaidOff);
+    void noteSleep(std::chrono::nanoseconds duration);
     bool sleep(Deadline until);
     bool hasDescriptors() const;
     bool serveLastDescriptor();
@@ -98,6 +100,7 @@ private:
     std::uint32_t m_takenSinceLook = 0;
     int m_spinCredit = 0;
     std::uint32_t m_sleeps = 0;
+    std::chrono::nanoseconds m_spinTime{0}; ///< set by open()
     TAaProEuId m_owner = 0;
 };
 
