@@ -169,8 +169,9 @@ int ManualClock::waitEvents(int epollDescriptor, epoll_event* events, int capaci
     if (until == noDeadline) {
         return m_real.waitEvents(epollDescriptor, events, capacity, noDeadline);
     }
+    host::Clock& real = m_real; // this clock may have ended when its sleeper wakes up
     sleepOn(epollDescriptor, POLLIN, until);
-    return m_real.waitEvents(epollDescriptor, events, capacity, atOnce);
+    return real.waitEvents(epollDescriptor, events, capacity, atOnce);
 }
 
 bool ManualClock::waitDescriptor(int descriptor, short events, Deadline until)
@@ -178,8 +179,9 @@ bool ManualClock::waitDescriptor(int descriptor, short events, Deadline until)
     if (until == noDeadline) {
         return m_real.waitDescriptor(descriptor, events, noDeadline);
     }
+    host::Clock& real = m_real; // as above
     sleepOn(descriptor, events, until);
-    return m_real.waitDescriptor(descriptor, events, atOnce);
+    return real.waitDescriptor(descriptor, events, atOnce);
 }
 
 void ManualClock::sleepOn(int descriptor, short events, Deadline until)

