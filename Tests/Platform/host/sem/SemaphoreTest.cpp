@@ -215,7 +215,9 @@ TEST(SemaphoreTest, CountOfACancelledWaiterIsForTheOthers)
     for (int round = 0; round < rounds; ++round) {
         const Sem sem = makeSem(0);
         const auto take = [](void* waitedFor) -> void* {
-            return AaSemTake(static_cast<AaSem*>(waitedFor), AA_WAIT_FOREVER) == 0 ? waitedFor : nullptr;
+            const bool hasTaken = AaSemTake(static_cast<AaSem*>(waitedFor), AA_WAIT_FOREVER) == 0;
+            pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr); // or its end might still say that it was cancelled
+            return hasTaken ? waitedFor : nullptr;
         };
         pthread_t cancelled{};
         pthread_t other{};
