@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 /// @file FailNth.hpp
-/// Makes a platform function fail when a test wants it, and counts its calls.
+/// Makes a platform or driver function fail when a test wants it, and counts its calls.
 ///
 ///     FailNth<AaSemCreateC> noSemaphore(1);   // the next call fails
 ///
-/// The linker sends every call of an `Aa*` function through a wrapper (`--wrap`), so the product carries no hooks.
-/// Calls of the library, the service and the test count; those of the TestKit, and those that the platform makes of its
-/// own functions, do not. It works for every function of the platform's C headers except the inline ones, the printing
-/// ones (AaSysLogPrint(), AaSysLogPrintE()) and AaErrorAssertionFailed(); naming one of those is an error of the
-/// linker.
+/// The linker sends every call of an `Aa*` or `ddal_*` function through a wrapper (`--wrap`), so the product carries no
+/// hooks. Calls of the library, the service and the test count; those of the TestKit, and those that the platform makes
+/// of its own functions, do not. It works for every function of the seams' C headers except the inline ones, the
+/// printing ones (AaSysLogPrint(), AaSysLogPrintE()) and AaErrorAssertionFailed(); naming one of those is an error of
+/// the linker.
 #pragma once
 
 #include "seam/SeamCall.hpp"
@@ -27,7 +27,7 @@ protected:
 };
 
 /// Has one call of a function fail. The call is not carried out, except that it releases what the function takes in any
-/// case: AaSysComMsgSend() takes the message, AaFileClose() closes.
+/// case: AaSysComMsgSend() takes the message, AaFileClose() and ddal_rio_copy_close_fd() close.
 ///
 /// Calls are counted from the moment this object is made, from all threads. One at a time lives for a function.
 template <auto Function>

@@ -66,6 +66,7 @@ TestNode::TestNode(const TestNodeOptions& options) : m_directory(makeTemporaryDi
     setVariable("DORN_RUN_DIR", runDirectory());
     setVariable("DORN_ROOT", boardRoot());
     setVariable("DORN_NID", options.nodeId ? std::optional(std::to_string(*options.nodeId)) : std::nullopt);
+    setVariable("DORN_BOARD", std::nullopt);
     setVariable("DORN_LOG", options.log);
     setVariable("DORN_LOG_LEVEL", options.logLevel);
     listenToSignals();

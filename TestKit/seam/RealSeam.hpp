@@ -6,6 +6,7 @@
 #include "AaFile.h"
 #include "AaPro.h"
 #include "AaSysCom.h"
+#include "ddal_rio.h"
 
 extern "C" {
 decltype(AaFileClose) __real_AaFileClose;
@@ -24,4 +25,5 @@ decltype(AaSysComMsgSendS) __real_AaSysComMsgSendS;
 decltype(AaSysComSicadGet) __real_AaSysComSicadGet;
 decltype(AaSysComUserDeregister) __real_AaSysComUserDeregister;
 decltype(AaSysComUserRegister) __real_AaSysComUserRegister;
+decltype(ddal_rio_copy_close_fd) __real_ddal_rio_copy_close_fd;
 }

@@ -1,4 +1,4 @@
-# The platform functions that FailNth and CountCalls work on: header, function, number of parameters, and what a call
+# The platform and driver functions that FailNth and CountCalls work on: header, function, number of parameters, and what a call
 # that fails in the usual way returns ("-": nothing). One wrapper each is made of SeamWrapper.cpp.in, in an object of its
 # own, so that a function without provider is in nobody's way until somebody calls it.
 set(DORN_SEAM_FUNCTIONS
@@ -72,4 +72,31 @@ set(DORN_SEAM_FUNCTIONS
     "AaTimer.h AaTimerArm 2 0"
     "AaTimer.h AaTimerCancel 1 1"
     "AaTrbl.h AaTrblFileRegister 8 1"
+    "ddal_boot.h ddal_boot_get_uboot_id 1 DDAL_ERROR_IO"
+    "ddal_boot.h ddal_boot_get_uboot_version 1 DDAL_ERROR_IO"
+    "ddal_boot.h ddal_boot_update_uboot 1 DDAL_ERROR_IO"
+    "ddal_devicetree.h ddal_devicetree_get_unit_id 3 DDAL_ERROR_IO"
+    "ddal_devicetree.h ddal_devicetree_get_hw_sw_id 2 DDAL_ERROR_IO"
+    "ddal_devicetree.h ddal_devicetree_get_production_code 3 DDAL_ERROR_IO"
+    "ddal_devicetree.h ddal_devicetree_get_serial_number 3 DDAL_ERROR_IO"
+    "ddal_devicetree.h ddal_devicetree_get_module_unit_id 2 DDAL_ERROR_IO"
+    "ddal_devicetree.h ddal_devicetree_get_ext_module_unit_id 3 DDAL_ERROR_IO"
+    "ddal_devicetree.h ddal_devicetree_get_module_production_code 2 DDAL_ERROR_IO"
+    "ddal_devicetree.h ddal_devicetree_get_ext_module_production_code 3 DDAL_ERROR_IO"
+    "ddal_devicetree.h ddal_devicetree_get_module_serial_number 2 DDAL_ERROR_IO"
+    "ddal_devicetree.h ddal_devicetree_get_ext_module_serial_number 3 DDAL_ERROR_IO"
+    "ddal_devicetree.h ddal_devicetree_get_die_id 2 DDAL_ERROR_IO"
+    "ddal_devicetree.h ddal_devicetree_get_die_id_quality 2 DDAL_ERROR_IO"
+    "ddal_devicetree.h ddal_devicetree_get_xcvr_hw_capability 1 DDAL_ERROR_IO"
+    "ddal_error.h ddal_strerror 3 DDAL_ERROR_FAILED"
+    "ddal_ffs.h ddal_ffs_is_mounted 2 DDAL_ERROR_IO"
+    "ddal_fpga.h ddal_fpga_get_active_version 2 DDAL_ERROR_IO"
+    "ddal_fpga.h ddal_fpga_update_mod 3 DDAL_ERROR_IO"
+    "ddal_rio.h ddal_rio_get_own_id 1 DDAL_ERROR_IO"
+    "ddal_rio.h ddal_rio_copy_open_fd 4 DDAL_ERROR_IO"
+    "ddal_rio.h ddal_rio_copy_to_fd 4 DDAL_ERROR_IO"
+    "ddal_rio.h ddal_rio_copy_from_fd 4 DDAL_ERROR_IO"
+    "ddal_rio.h ddal_rio_copy_close_fd 1 DDAL_ERROR_IO"
+    "ddal_unit.h ddal_unit_get_board 0 0"
+    "ddal_watchdog.h ddal_watchdog_reboot 0 DDAL_ERROR_IO"
 )

@@ -7,6 +7,8 @@
 #include "AaConfigTag.h"
 #include "AaFile.h"
 #include "AaSysCom.h"
+#include "ddal_error.h"
+#include "ddal_rio.h"
 #include "seam/RealSeam.hpp"
 #include "seam/SeamCall.hpp"
 #include "seam/ShutdownHandler.hpp"
@@ -65,6 +67,19 @@ struct OnFailure<AaFileRemove> {
 template <>
 struct OnFailure<AaFileClose> {
     static void apply(AaFile* file) { __real_AaFileClose(file); }
+};
+template <>
+struct OnFailure<ddal_rio_copy_close_fd> {
+    static void apply(std::int32_t handle) { __real_ddal_rio_copy_close_fd(handle); }
+};
+template <>
+struct OnFailure<ddal_strerror> {
+    static void apply(std::int32_t, char* buffer, std::uint32_t)
+    {
+        if (buffer) {
+            *buffer = '\0';
+        }
+    }
 };
 
 /// How many wrapped functions the calling thread is in: what they call is the platform's own affair.

@@ -8,6 +8,9 @@
 #include "NodeTest.hpp"
 #include "Peer.hpp"
 #include "Service.hpp"
+#include "TestBoard.hpp"
+#include "ddal_fpga.h"
+#include "ddal_rio.h"
 
 #include <array>
 #include <cctype>
@@ -226,7 +229,7 @@ std::vector<std::string> linesOf(const std::string& path)
     return lines;
 }
 
-/// The functions that a header of the platform declares, inline ones left out: `int32_t AaSemGive(AaSem* sem);`
+/// The functions that a header of a seam declares, inline ones left out: `int32_t AaSemGive(AaSem* sem);`
 std::set<std::string> functionsOf(const std::string& header)
 {
     std::set<std::string> names;
@@ -235,7 +238,8 @@ std::set<std::string> functionsOf(const std::string& header)
         const std::size_t begin = line.rfind(' ', bracket) + 1;
         const bool isDeclaration = !line.empty() && std::isalpha(static_cast<unsigned char>(line.front())) &&
                                    !line.starts_with("typedef") && !line.starts_with("static");
-        if (bracket != std::string::npos && isDeclaration && line.compare(begin, 2, "Aa") == 0) {
+        if (bracket != std::string::npos && isDeclaration &&
+            (line.compare(begin, 2, "Aa") == 0 || line.compare(begin, 5, "ddal_") == 0)) {
             names.insert(line.substr(begin, bracket - begin));
         }
     }
@@ -257,20 +261,56 @@ std::set<std::string> functionsOfTable()
     return names;
 }
 
-TEST_F(FailNthTest, EveryFunctionOfThePlatformHasAWrapper)
+TEST_F(FailNthTest, EveryFunctionOfTheSeamsHasAWrapper)
 {
     std::set<std::string> declared;
-    for (const auto& header : std::filesystem::directory_iterator(DORN_SEAM_HEADERS)) {
-        if (header.path().extension() == ".h") {
-            declared.merge(functionsOf(header.path()));
+    for (const char* const folder : {DORN_PLATFORM_HEADERS, DORN_DRIVER_HEADERS}) {
+        for (const auto& header : std::filesystem::directory_iterator(folder)) {
+            if (header.path().extension() == ".h") {
+                declared.merge(functionsOf(header.path()));
+            }
         }
     }
     for (const char* const excluded : {"AaErrorAssertionFailed", "AaSysLogPrint", "AaSysLogPrintE"}) {
         EXPECT_EQ(declared.erase(excluded), 1U) << excluded;
     }
 
-    EXPECT_GE(declared.size(), 60U);
+    EXPECT_GE(declared.size(), 60U + 27U);
     EXPECT_EQ(functionsOfTable(), declared);
+}
+
+TEST_F(FailNthTest, DriverFunctionsFailToo)
+{
+    const TestBoard board(m_node);
+    const FailNth<ddal_fpga_get_active_version> failure(1);
+    std::uint32_t version = 0;
+
+    EXPECT_EQ(ddal_fpga_get_active_version(1, &version), DDAL_ERROR_IO);
+    EXPECT_EQ(ddal_fpga_get_active_version(1, &version), DDAL_OK);
+    EXPECT_EQ(version, 0x107U);
+}
+
+TEST_F(FailNthTest, FailingCloseOfACopyHandleCloses)
+{
+    const TestBoard board(m_node);
+    std::int32_t handle = -1;
+    ASSERT_EQ(ddal_rio_copy_open_fd(0, 0x10, DDAL_RIO_READ, &handle), DDAL_OK);
+    {
+        const FailNth<ddal_rio_copy_close_fd> failure(1);
+        EXPECT_EQ(ddal_rio_copy_close_fd(handle), DDAL_ERROR_IO);
+    }
+
+    EXPECT_EQ(ddal_rio_copy_close_fd(handle), DDAL_ERROR_BAD_HANDLE);
+}
+
+TEST_F(FailNthTest, FailingErrorTextIsEmpty)
+{
+    const FailNth<ddal_strerror> failure(1);
+    std::array<char, 8> text{"rubbish"};
+
+    EXPECT_EQ(ddal_strerror(DDAL_ERROR_IO, text.data(), 7), DDAL_ERROR_FAILED);
+
+    EXPECT_STREQ(text.data(), "");
 }
 
 } // namespace

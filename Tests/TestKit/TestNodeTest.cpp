@@ -42,11 +42,13 @@ private:
 
 TEST(TestNodeTest, EnvironmentPointsAtTheNode)
 {
+    const Variable board("DORN_BOARD", "/boards/other.dtb");
     const TestNode node;
 
     EXPECT_EQ(variable("DORN_RUN_DIR"), node.runDirectory());
     EXPECT_EQ(variable("DORN_ROOT"), node.boardRoot());
     EXPECT_EQ(variable("DORN_NID"), "(not set)");
+    EXPECT_EQ(variable("DORN_BOARD"), "(not set)");
     EXPECT_EQ(variable("DORN_LOG"), "none");
 }
 

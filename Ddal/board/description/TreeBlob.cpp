@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#include "description/TreeBlob.hpp"
+
+#include "description/TreeFile.hpp"
+
+#include <cstdio>
+#include <libfdt.h>
+
+namespace dorn::board {
+namespace {
+
+std::string hexText(std::uint32_t number)
+{
+    std::string text(8, '0');
+    std::snprintf(text.data(), text.size() + 1, "%08x", static_cast<unsigned>(number));
+    return text;
+}
+
+/// What is wrong with the blob's header, in words that help.
+std::string headerFault(std::span<const std::byte> blob, int error)
+{
+    const void* const fdt = blob.data();
+    if (error == -FDT_ERR_BADMAGIC) {
+        return "is no device tree blob: it begins with " + hexText(fdt_magic(fdt)) + ", not with " + hexText(FDT_MAGIC);
+    }
+    if (error == -FDT_ERR_BADVERSION) {
+        return "is a device tree blob of version " + std::to_string(fdt_version(fdt)) + ", compatible with " +
+               std::to_string(fdt_last_comp_version(fdt)) + "; up to " + std::to_string(FDT_LAST_SUPPORTED_VERSION) +
+               " can be read";
+    }
+    if (fdt_totalsize(fdt) > blob.size()) {
+        return "is truncated: " + std::to_string(blob.size()) + " bytes of " + std::to_string(fdt_totalsize(fdt));
+    }
+    return std::string("is damaged: ") + fdt_strerror(error);
+}
+
+void requireBlob(std::span<const std::byte> blob)
+{
+    if (blob.size() < sizeof(fdt_header)) {
+        throw TreeError("is truncated: " + std::to_string(blob.size()) + " bytes are no device tree blob");
+    }
+    int error = fdt_check_header(blob.data());
+    if (error == 0) {
+        error = fdt_check_full(blob.data(), blob.size());
+    }
+    if (error != 0) {
+        throw TreeError(headerFault(blob, error));
+    }
+}
+
+/// A name or value that libfdt has looked for. @throws TreeError when it has not found it.
+template <class Found>
+Found* required(Found* found, int lengthOrError)
+{
+    if (!found || lengthOrError < 0) {
+        throw TreeError(std::string("is damaged: ") + fdt_strerror(lengthOrError));
+    }
+    return found;
+}
+
+TreeProperty readProperty(const void* fdt, int offset)
+{
+    const char* name = nullptr;
+    int length = 0;
+    const void* const value = required(fdt_getprop_by_offset(fdt, offset, &name, &length), length);
+    requireTreeName(name);
+    const auto* const bytes = static_cast<const std::byte*>(value);
+    return {name, TreeBytes(bytes, bytes + length)};
+}
+
+/// A node and its properties, without what is below it.
+TreeNode readNodeAlone(const void* fdt, int offset)
+{
+    int length = 0;
+    const char* const name = required(fdt_get_name(fdt, offset, &length), length);
+    TreeNode node{std::string(name, static_cast<std::size_t>(length)), {}, {}};
+    int property = 0;
+    fdt_for_each_property_offset(property, fdt, offset)
+    {
+        node.properties.push_back(readProperty(fdt, property));
+    }
+    return node;
+}
+
+TreeNode readNode(const void* fdt, int offset, unsigned depth)
+{
+    if (depth == deepestTree) {
+        throw TreeError("has more than " + std::to_string(deepestTree) + " nodes below each other");
+    }
+    TreeNode node = readNodeAlone(fdt, offset);
+    requireTreeName(node.name);
+    int child = 0;
+    fdt_for_each_subnode(child, fdt, offset)
+    {
+        node.children.push_back(readNode(fdt, child, depth + 1));
+    }
+    return node;
+}
+
+} // namespace
+
+TreeNode parseTreeBlob(std::span<const std::byte> blob, const std::string& child)
+{
+    requireBlob(blob);
+    const void* const fdt = blob.data();
+    TreeNode root = readNodeAlone(fdt, 0);
+    root.name.clear();
+    const int offset = fdt_subnode_offset(fdt, 0, child.c_str());
+    if (offset >= 0) {
+        root.children.push_back(readNode(fdt, offset, 1));
+    }
+    return root;
+}
+
+TreeNode readTreeBlob(const std::string& path, const std::string& child)
+{
+    return parseTreeBlob(readTreeFile(path, largestTreeBlob), child);
+}
+
+} // namespace dorn::board

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+/// @file DriverCall.hpp
+/// What every function of the driver seam does around its work.
+#pragma once
+
+#include "description/BoardFailure.hpp"
+#include "driver/DriverFunction.hpp"
+#include "log/CancellationOff.hpp"
+
+#include <cstdint>
+#include <exception>
+#include <optional>
+
+namespace dorn::board {
+
+/// The code with which a call is to fail because somebody outside said so; counts the call.
+std::optional<std::int32_t> injectedFault(DriverFunction function) noexcept;
+
+/// Says in the log why a call failed, the first time at Error severity, at Warning where the board only does not have
+/// what was asked for; the same again in this process at Debug.
+/// @return the result for the caller
+std::int32_t reportFailure(DriverFunction function, const std::exception& failure) noexcept;
+
+/// Carries out a driver function: fails if it is to, else does @p work, which throws BoardFailure when it cannot be
+/// done. The thread is not cancelled meanwhile.
+/// @return the result for the caller
+template <class Work>
+std::int32_t driverCall(DriverFunction function, const Work& work) noexcept
+{
+    const host::CancellationOff off;
+    if (const auto code = injectedFault(function)) {
+        return *code;
+    }
+    try {
+        work();
+        return DDAL_OK;
+    } catch (const std::exception& failure) {
+        return reportFailure(function, failure);
+    }
+}
+
+/// Requires a pointer of the caller. @throws BoardFailure
+template <class Type>
+Type& require(Type* pointer)
+{
+    if (!pointer) {
+        throw BoardFailure(DDAL_ERROR_INVALID_ARGUMENT, "an argument is null");
+    }
+    return *pointer;
+}
+
+} // namespace dorn::board

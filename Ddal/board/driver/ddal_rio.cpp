@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#include "ddal_rio.h"
+
+#include "description/DescribedBoard.hpp"
+#include "driver/DriverCall.hpp"
+#include "driver/RioHandles.hpp"
+#include "node/PerNode.hpp"
+
+#include <limits>
+
+namespace {
+
+using namespace dorn::board;
+
+constexpr std::uint32_t ownPort = 0;
+
+RioHandles& handles()
+{
+    return dorn::host::PerNode<RioHandles>::get();
+}
+
+[[noreturn]] void failBecauseOfHandle(std::int32_t number, const char* reason)
+{
+    throw BoardFailure(DDAL_ERROR_BAD_HANDLE, "copy handle " + std::to_string(number) + " is not open" + reason);
+}
+
+/// The handle, open for reading or writing, whichever of the two @p unwanted is not.
+std::shared_ptr<const RioHandle> requireHandle(std::int32_t number, ddal_rio_mode unwanted, const char* wanted)
+{
+    auto handle = handles().find(number);
+    if (!handle || handle->mode == static_cast<std::uint32_t>(unwanted)) {
+        failBecauseOfHandle(number, handle ? wanted : "");
+    }
+    return handle;
+}
+
+} // namespace
+
+int32_t ddal_rio_get_own_id(uint16_t* id)
+{
+    return driverCall(DriverFunction("ddal_rio_get_own_id"), [&] {
+        std::uint16_t& result = require(id);
+        const BoardNode port = DescribedBoard::get().part("rapidio", ownPort);
+        const std::uint32_t own = port.cell("dorn,own-id");
+        if (own > std::numeric_limits<std::uint16_t>::max()) {
+            port.failAt("dorn,own-id", "is " + std::to_string(own) + ", and RapidIO ids have 16 bits");
+        }
+        result = static_cast<std::uint16_t>(own);
+    });
+}
+
+int32_t ddal_rio_copy_open_fd(uint32_t port, uint16_t deviceId, uint32_t mode, int32_t* handle)
+{
+    return driverCall(DriverFunction("ddal_rio_copy_open_fd"), [&] {
+        std::int32_t& result = require(handle);
+        if (mode > DDAL_RIO_READ_WRITE) {
+            throw BoardFailure(DDAL_ERROR_INVALID_ARGUMENT, "there is no mode " + std::to_string(mode));
+        }
+        const BoardNode device = DescribedBoard::get().part("rapidio", port).numberedChild(deviceId);
+        result = handles().add({RioDevice(port, device), mode});
+    });
+}
+
+int32_t ddal_rio_copy_to_fd(int32_t handle, uint64_t address, const void* buffer, uint32_t size)
+{
+    return driverCall(DriverFunction("ddal_rio_copy_to_fd"), [&] {
+        const auto open = requireHandle(handle, DDAL_RIO_READ, " for writing");
+        if (size != 0) {
+            open->device.write(address, &require(static_cast<const char*>(buffer)), size);
+        }
+    });
+}
+
+int32_t ddal_rio_copy_from_fd(int32_t handle, uint64_t address, void* buffer, uint32_t size)
+{
+    return driverCall(DriverFunction("ddal_rio_copy_from_fd"), [&] {
+        const auto open = requireHandle(handle, DDAL_RIO_WRITE, " for reading");
+        if (size != 0) {
+            open->device.read(address, &require(static_cast<char*>(buffer)), size);
+        }
+    });
+}
+
+int32_t ddal_rio_copy_close_fd(int32_t handle)
+{
+    const dorn::host::CancellationOff off;
+    const RioHandles* const open = dorn::host::PerNode<RioHandles>::ifOpen();
+    const bool wasOpen = open && handles().remove(handle); // also when the call is to fail
+    return driverCall(DriverFunction("ddal_rio_copy_close_fd"), [&] {
+        if (!wasOpen) {
+            failBecauseOfHandle(handle, "");
+        }
+    });
+}

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+/// @file TestBoard.hpp
+/// The hardware of a TestNode, as its drivers see it.
+#pragma once
+
+#include "TestNode.hpp"
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+
+namespace dorn::testkit {
+
+/// Describes a board to the drivers of a node: an unpacked device tree below the board root, where they look for one.
+///
+///     TestBoard board(m_node);                                        // a small Tarn board
+///     board.cells("units/unit@0", "dorn,hw-sw-id", {0x00A00123});     // that differs in this
+///     board.remove("watchdog");                                       // and has no watchdog
+///
+/// A process reads the description once, at its first driver call: change it before. Nodes are named by their path
+/// below the one for the board, which itself is "". Docs/device-tree-binding.md tells nodes and properties.
+class TestBoard {
+public:
+    /// A Tarn board with everything that drivers ask for: unit 0, the local module and one at port 1, boot loader,
+    /// board-management unit (FPGA 1), FPGA 0x10002, RapidIO device 0x10 with 1 MiB at 0x80000000, file systems 1 and 2
+    /// (read-only), watchdog.
+    explicit TestBoard(const TestNode& node);
+    /// The board of a blob that `dtc` has compiled. @throws board::TreeError
+    TestBoard(const TestNode& node, const std::string& blobPath);
+
+    /// Gives a node a property, and makes the node when it is missing.
+    TestBoard& text(const std::string& node, const std::string& property, const std::string& value);
+    TestBoard& cells(const std::string& node, const std::string& property, std::initializer_list<std::uint32_t> values);
+    /// A property of any bytes: `std::string("no terminator")`.
+    TestBoard& bytes(const std::string& node, const std::string& property, const std::string& value);
+    /// Takes away a node with everything below it, or a property: "units/unit@0/dorn,unit-id". "" is the whole board.
+    TestBoard& remove(const std::string& path);
+
+    /// Has the next @p times calls of a driver function fail with @p code, in this process and in all others of the
+    /// node: what `dorn board fault` does. FailNth is for this process alone.
+    /// @param function "ddal_fpga_update_mod"; another word throws std::invalid_argument
+    void fail(const std::string& function, std::int32_t code, std::uint32_t times = 1) const;
+
+    /// The path of the unpacked tree on this machine: what `DORN_BOARD` may name.
+    std::string treeDirectory() const;
+
+private:
+    const TestNode& m_node;
+};
+
+} // namespace dorn::testkit
