@@ -6,6 +6,7 @@
 #include "Bound.hpp"
 #include "FailNth.hpp"
 #include "LogCapture.hpp"
+#include "Moment.hpp"
 #include "TestNode.hpp"
 
 #include <gmock/gmock.h>
@@ -27,40 +28,13 @@
 namespace vel::hwapi::common {
 namespace {
 
+using dorn::test::Moment;
 using dorn::testkit::FailNth;
-using dorn::testkit::generousBound;
 using dorn::testkit::LogCapture;
 using dorn::testkit::TestNode;
 using testing::ElementsAre;
 
 constexpr ERadHwapi radId = ERadHwapi_PrintCtrlTask;
-
-/// Something that happens once.
-class Moment {
-public:
-    void come()
-    {
-        const std::lock_guard lock(m_mutex);
-        m_hasCome = true;
-        m_changed.notify_all();
-    }
-    /// @return false when it has not come within the generous bound
-    [[nodiscard]] bool waitFor()
-    {
-        std::unique_lock lock(m_mutex);
-        return m_changed.wait_for(lock, generousBound, [this] { return m_hasCome; });
-    }
-    bool hasCome()
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_hasCome;
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_hasCome = false;
-};
 
 class Job : public AbstractWorker::Task {
 public:
