@@ -16,6 +16,13 @@ enum EAaGpuXmlNodeType {
     AA_GPU_XML_ROOT_NODE = 3
 };
 
+/// What came of a parse.
+enum EAaGpuXmlResult {
+    AA_GPU_XML_OK = 0,
+    AA_GPU_XML_NOT_WELL_FORMED = 1,
+    AA_GPU_XML_NOT_SUPPORTED = 2 ///< an encoding that is not read
+};
+
 class AaGpuXmlNode;
 class AaGpuXmlTree;
 
@@ -95,9 +102,19 @@ public:
     /// @return the root of a new tree, owned by the caller; null when the text is not well-formed.
     [[nodiscard]] AaGpuXmlNode* AaGpuXmlParse(const std::string& xmlText, const std::string& encoding);
 
+    /// Parses the document that a text begins with. It ends with its document element; what stands behind that, as the
+    /// binary behind the trailer of a firmware image does, is not looked at.
+    /// @param text the document, and anything behind it
+    /// @param encoding empty: the document's own declaration counts
+    /// @return the root of a new tree, owned by the caller; null when the document is not well-formed.
+    [[nodiscard]] AaGpuXmlNode* AaGpuXmlParsePrefix(const std::string& text, const std::string& encoding);
+
+    /// What came of the last text.
+    EAaGpuXmlResult AaGpuXmlLastResult() const;
     /// What was wrong with the last text, as "line:column: reason"; empty when nothing was.
     const std::string& AaGpuXmlLastError() const;
 
 private:
+    EAaGpuXmlResult m_lastResult = AA_GPU_XML_OK;
     std::string m_lastError;
 };

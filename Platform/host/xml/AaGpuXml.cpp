@@ -4,6 +4,30 @@
 #include "xml/XmlDocument.hpp"
 #include "xml/XmlTree.hpp"
 
+#include <optional>
+
+using dorn::host::parseXml;
+using dorn::host::XmlDocument;
+using dorn::host::XmlExtent;
+using dorn::host::XmlFault;
+using dorn::host::XmlFaultPolicy;
+
+namespace {
+
+/// Says in @p result and @p error what came of a text, and gives its tree away.
+AaGpuXmlNode* give(XmlDocument document, EAaGpuXmlResult& result, std::string& error)
+{
+    result = AA_GPU_XML_OK;
+    error.clear();
+    if (const std::optional<XmlFault>& fault = document.fault) {
+        result = fault->isUnsupported ? AA_GPU_XML_NOT_SUPPORTED : AA_GPU_XML_NOT_WELL_FORMED;
+        error = std::to_string(fault->line) + ":" + std::to_string(fault->column) + ": " + fault->reason;
+    }
+    return document.root.release();
+}
+
+} // namespace
+
 TAaGpuXmlNodeListConstIterator& TAaGpuXmlNodeListConstIterator::operator++()
 {
     m_node = m_node->AaGpuXmlGetNext();
@@ -71,13 +95,17 @@ AaGpuXmlParser::AaGpuXmlParser(unsigned int /*options*/) {}
 
 AaGpuXmlNode* AaGpuXmlParser::AaGpuXmlParse(const std::string& xmlText, const std::string& encoding)
 {
-    dorn::host::XmlDocument document = dorn::host::parseXml(xmlText, encoding, dorn::host::XmlFaultPolicy::GiveNothing);
-    m_lastError.clear();
-    if (document.fault) {
-        m_lastError = std::to_string(document.fault->line) + ":" + std::to_string(document.fault->column) + ": " +
-                      document.fault->reason;
-    }
-    return document.root.release();
+    return give(parseXml(xmlText, encoding, XmlFaultPolicy::GiveNothing, XmlExtent::Whole), m_lastResult, m_lastError);
+}
+
+AaGpuXmlNode* AaGpuXmlParser::AaGpuXmlParsePrefix(const std::string& text, const std::string& encoding)
+{
+    return give(parseXml(text, encoding, XmlFaultPolicy::GiveNothing, XmlExtent::Prefix), m_lastResult, m_lastError);
+}
+
+EAaGpuXmlResult AaGpuXmlParser::AaGpuXmlLastResult() const
+{
+    return m_lastResult;
 }
 
 const std::string& AaGpuXmlParser::AaGpuXmlLastError() const

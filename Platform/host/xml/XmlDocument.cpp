@@ -153,23 +153,21 @@ XmlDocument parseUtf8(std::string_view text, XmlPositions::Unit unit, std::optio
         return {AaGpuXmlTree::copy(element, {}, positions), std::nullopt};
     }
     const XmlPosition position = positions.at(fault->offset);
-    XmlDocument answer{nullptr, XmlFault{position.line, position.column, fault->reason}};
+    XmlDocument answer{nullptr, XmlFault{position.line, position.column, fault->reason, false}};
     if (policy == XmlFaultPolicy::GiveWhatStandsBefore && element) {
         answer.root = copyBeforeFault(element, text, *fault, positions);
     }
     return answer;
 }
 
-} // namespace
-
-XmlDocument parseXml(const std::string& text, const std::string& encoding, XmlFaultPolicy policy)
+XmlDocument parseWhole(const std::string& text, const std::string& encoding, XmlFaultPolicy policy)
 {
     const std::string_view whole = withoutMark(text);
     const std::string_view name = encoding.empty() ? declaredXmlEncoding(whole) : std::string_view(encoding);
     const std::optional<XmlEncoding> known = name.empty() ? XmlEncoding::Utf8 : xmlEncodingOf(name);
     if (!known) {
         const std::string what = isXmlEncodingName(name) ? "encoding '" + std::string(name) + "'" : "the encoding";
-        return {nullptr, XmlFault{1, 1, what + " is not supported"}};
+        return {nullptr, XmlFault{1, 1, what + " is not supported", true}};
     }
     const std::string_view body = whole.substr(0, whole.find('\0'));
     const bool isLatin1 = *known == XmlEncoding::Latin1;
@@ -180,6 +178,28 @@ XmlDocument parseXml(const std::string& text, const std::string& encoding, XmlFa
         fault = Fault{utf8.size(), "there is a zero byte"};
     }
     return parseUtf8(utf8, isLatin1 ? XmlPositions::Unit::Characters : XmlPositions::Unit::Bytes, fault, policy);
+}
+
+/// Tries what ends with each of the last '>' in turn: little stands behind the document.
+XmlDocument parsePrefix(const std::string& text, const std::string& encoding, XmlFaultPolicy policy)
+{
+    constexpr int candidates = 16;
+    std::size_t end = text.rfind('>');
+    for (int count = 0; count < candidates && end != std::string::npos && end > 0; ++count) {
+        XmlDocument document = parseWhole(text.substr(0, end + 1), encoding, policy);
+        if (!document.fault || document.fault->isUnsupported) {
+            return document;
+        }
+        end = text.rfind('>', end - 1);
+    }
+    return parseWhole(text, encoding, policy);
+}
+
+} // namespace
+
+XmlDocument parseXml(const std::string& text, const std::string& encoding, XmlFaultPolicy policy, XmlExtent extent)
+{
+    return extent == XmlExtent::Whole ? parseWhole(text, encoding, policy) : parsePrefix(text, encoding, policy);
 }
 
 } // namespace dorn::host

@@ -261,6 +261,42 @@ TEST_F(AaGpuXmlTest, ZeroByteIsAFaultWhereverItStands)
     EXPECT_EQ(errorOf("<a/>\0"s), "1:5: there is a zero byte");
 }
 
+TEST_F(AaGpuXmlTest, WhatStandsBehindADocumentOfItsOwnExtentIsNotLookedAt)
+{
+    using namespace std::string_literals;
+    for (const std::string& behind : {""s, "\x40"s, "\x56\x34\x12"s, "<>"s, "<a"s, ">>>"s, "<b/>"s, "&"s, "\xFF\xFE"s,
+                                      "\n\x56\x34"s, "\0<b/>"s, "<!--"s, "</a>"s}) {
+        m_tree.reset(m_parser.AaGpuXmlParsePrefix("<?xml version='1.0'?>\n<a x='>'>1<b/></a>" + behind, ""));
+        ASSERT_NE(m_tree, nullptr) << behind << m_parser.AaGpuXmlLastError();
+        EXPECT_EQ(m_parser.AaGpuXmlLastResult(), AA_GPU_XML_OK);
+        EXPECT_EQ(namesIn(*m_tree), std::vector<std::string>{"a"});
+        EXPECT_EQ(namesIn(childOf(*m_tree, 0)), (std::vector<std::string>{"x", "b"}));
+        EXPECT_EQ(valueOf(childOf(*m_tree, 0)), "1");
+    }
+}
+
+TEST_F(AaGpuXmlTest, DocumentInFrontOfSomethingElseIsReadAsStrictly)
+{
+    using namespace std::string_literals;
+    for (const std::string& text :
+         {""s, "\x56\x34"s, "x<a/>"s, "<a>"s, "<a><b></a>\x40"s, "<a></b>\x40"s, "<a>\0</a>"s}) {
+        EXPECT_EQ(m_parser.AaGpuXmlParsePrefix(text, ""), nullptr) << text;
+        EXPECT_EQ(m_parser.AaGpuXmlLastResult(), AA_GPU_XML_NOT_WELL_FORMED) << text;
+        EXPECT_NE(m_parser.AaGpuXmlLastError(), "") << text;
+    }
+}
+
+TEST_F(AaGpuXmlTest, ResultTellsWhatCameOfTheLastText)
+{
+    EXPECT_EQ(m_parser.AaGpuXmlLastResult(), AA_GPU_XML_OK);
+    EXPECT_EQ(parse("<a>"), nullptr);
+    EXPECT_EQ(m_parser.AaGpuXmlLastResult(), AA_GPU_XML_NOT_WELL_FORMED);
+    EXPECT_EQ(parse("<a/>", "KOI8-R"), nullptr);
+    EXPECT_EQ(m_parser.AaGpuXmlLastResult(), AA_GPU_XML_NOT_SUPPORTED);
+    EXPECT_NE(parse("<a/>"), nullptr);
+    EXPECT_EQ(m_parser.AaGpuXmlLastResult(), AA_GPU_XML_OK);
+}
+
 TEST_F(AaGpuXmlTest, DeepDocumentTakesNoStack)
 {
     constexpr std::size_t depth = 300'000;
