@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+/// @file NamedValue.hpp
+/// Tables of the texts that stand for values in a RAML document.
+#pragma once
+
+#include <string_view>
+
+namespace RAML {
+
+template <class Value>
+struct NamedValue {
+    std::string_view text;
+    Value value;
+};
+
+/// The value of the first row of @p table with that text, or @p otherwise.
+template <class Table>
+auto valueOf(std::string_view text, const Table& table, decltype(table.front().value) otherwise)
+{
+    for (const auto& row : table) {
+        if (row.text == text) {
+            return row.value;
+        }
+    }
+    return otherwise;
+}
+
+} // namespace RAML

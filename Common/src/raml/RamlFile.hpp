@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+/// @file RamlFile.hpp
+/// Reads a file into a text.
+#pragma once
+
+#include <string>
+
+namespace RAML {
+
+/// Reads a whole file, of up to 2 GiB - 1 byte.
+/// @param name path of the target; a relative one counts from the working directory
+/// @param[out] text the file's bytes
+/// @return false when the file cannot be opened, read to its end or held in memory.
+[[nodiscard]] bool readFile(const std::string& name, std::string& text);
+
+} // namespace RAML

@@ -1,0 +1,506 @@
+// SPDX-License-Identifier: MIT
+#include "raml/RamlParser.hpp"
+
+#include "AaSysLog.h"
+#include "rad/ERadHwapi.h"
+#include "raml/NamedValue.hpp"
+#include "raml/RamlFile.hpp"
+#include "raml/dataclasses/RAML_ItemType.hpp"
+#include "raml/dataclasses/RAML_ListParameterType.hpp"
+#include "raml/dataclasses/RAML_ParameterType.hpp"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace RAML {
+namespace {
+
+constexpr auto planTypes = std::to_array<NamedValue<RAML_PlanType>>(
+    {{"actual", RAML_PLAN_ACTUAL}, {"plan", RAML_PLAN_CANDIDATE}, {"defaults", RAML_PLAN_DEFAULTS}});
+static_assert(planTypes.size() == 3);
+
+constexpr auto scopeTypes = std::to_array<NamedValue<RAML_ScopeType>>({{"selection", RAML_SCOPE_SELECTION},
+                                                                       {"hierarchy", RAML_SCOPE_HIERARCHY},
+                                                                       {"changes", RAML_SCOPE_CHANGES},
+                                                                       {"all", RAML_SCOPE_ALL}});
+static_assert(scopeTypes.size() == 4);
+
+AaGpuXmlNode* firstChildOf(const AaGpuXmlNode& node)
+{
+    return node.AaGpuXmlHasChildren() ? *node.AaGpuXmlGetFirstChildren() : nullptr;
+}
+
+} // namespace
+
+RamlParser::RamlParser()
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::RamlParser");
+}
+
+RamlParser::~RamlParser()
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::~RamlParser");
+}
+
+// ----------------------------------------------------------------------------------------------------------- document
+
+RAML_Type::pointer RamlParser::parseRaml(const std::string& input, RAML_ParsingResult& result, bool inputIsFile)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::parseRaml");
+    result = RAML_OK;
+    RAML_Type::pointer document;
+    load(input, result, inputIsFile);
+    if (result != RAML_OK) {
+        return document;
+    }
+    if (!mDocumentNode) {
+        result = RAML_MALFORMED_XML;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Could not load XML file. XML possibly corrupt. Please check the raml document and try "
+                       "loading again!");
+        return document;
+    }
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
+                   "RamlParser::parseRaml: Start Parsing of a RAML document");
+    if (!mDocumentNode->AaGpuXmlHasChildren()) {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML, "RAML Document does not contain an XML document!");
+    } else if (AaGpuXmlNode* const raml =
+                   getNextSiblingNode(firstChildOf(*mDocumentNode), AA_GPU_XML_ELEMENT_NODE, "raml")) {
+        document = RAML_Type::create();
+        in_raml(raml, *document, result);
+    } else {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: missing required element [raml]");
+    }
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::parseRaml: End Parsing Raml document");
+    return document;
+}
+
+void RamlParser::load(const std::string& input, RAML_ParsingResult& result, bool inputIsFile)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::load");
+    result = RAML_OK;
+    std::string content;
+    if (inputIsFile && !readFile(input, content)) {
+        result = RAML_RESOURCE_LIMITATION;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML, "Opening of RAML file failed");
+    } else if (inputIsFile && content.empty()) {
+        result = RAML_INVALID_FILE_FORMAT;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML, "Empty file");
+    }
+    if (result != RAML_OK) {
+        return;
+    }
+    mDocumentNode.reset(); // first, so that the two trees need no memory at the same time
+    AaGpuXmlParser parser(0);
+    mDocumentNode.reset(parser.AaGpuXmlParse(inputIsFile ? content : input, ""));
+}
+
+void RamlParser::in_raml(AaGpuXmlNode* node, RAML_Type& document, RAML_ParsingResult& result)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_raml");
+    std::string version;
+    if (!GetAttributeValue(node, "version", version)) {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: missing required attribute 'version' in element [ %s ].",
+                       node->AaGpuXmlGetName());
+    } else if (version != "2.1" && version != "2.1E") {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: RAML version mismatch.");
+    }
+    std::string xmlns;
+    if (!GetAttributeValue(node, "xmlns", xmlns)) {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: missing required attribute 'xmlns' in element [%s].",
+                       node->AaGpuXmlGetName());
+    }
+    if (result != RAML_OK) {
+        return;
+    }
+    document.version = std::move(version);
+    document.xmlns = std::move(xmlns);
+    AaGpuXmlNode* child = getNextSiblingNode(firstChildOf(*node), AA_GPU_XML_ELEMENT_NODE, "cmData");
+    while (child) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "cm data");
+        const RAML_CMDataType::pointer cmData = RAML_CMDataType::create();
+        in_cmData(child, cmData, result);
+        document.cmDataList.push_back(cmData);
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "Created %d RamlMo instances",
+                       static_cast<int>(cmData->managedObjects.size()));
+        child = getNextSiblingNode(child->AaGpuXmlGetNext(), AA_GPU_XML_ELEMENT_NODE, "cmData");
+    }
+    if (document.cmDataList.empty()) {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: missing required element [cmData]");
+    }
+}
+
+// -------------------------------------------------------------------------------------------------------------- block
+
+void RamlParser::in_cmData(AaGpuXmlNode* node, const RAML_CMDataType::pointer& cmData, RAML_ParsingResult& result)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_cmData");
+    in_cmDataAttributesOnly(node, cmData, result);
+    if (result != RAML_OK) {
+        return;
+    }
+    cmData->managedObjects.reserve(countElements(node, "managedObject"));
+    for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
+        const std::string_view tag = child->AaGpuXmlGetName();
+        if (tag == "header") {
+            in_header(child, cmData->header, result);
+            if (result != RAML_OK) {
+                break;
+            }
+        } else if (tag == "managedObject") {
+            RAML_ManagedObjectType::pointer mo = RAML_ManagedObjectType::create();
+            in_mo(child, mo, result);
+            if (result == RAML_OK) {
+                cmData->managedObjects.push_back(std::move(mo));
+            }
+        } else {
+            reportUnexpectedTag(node, child, result);
+        }
+    }
+    if (cmData->managedObjects.empty()) {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: missing required element [managedObject]");
+    }
+}
+
+void RamlParser::in_cmDataAttributesOnly(AaGpuXmlNode* node, const RAML_CMDataType::pointer& cmData,
+                                         RAML_ParsingResult& result)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_cmDataAttributesOnly");
+    std::string type;
+    if (!GetAttributeValue(node, "type", type)) {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: missing required attribute 'type' in element [%s].",
+                       node->AaGpuXmlGetName());
+        return;
+    }
+    const RAML_PlanType plan = getPlanType(type);
+    if (plan == RAML_PLAN_NONE) {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: Missing or invalid value for attribute 'type' in element [%s]",
+                       node->AaGpuXmlGetName());
+        return;
+    }
+    cmData->type = plan;
+    const std::string scope = attributeOf(node, "scope");
+    cmData->domain = attributeOf(node, "domain");
+    std::string adaptationVersionMajor;
+    if (!GetAttributeValue(node, "adaptationVersionMajor", adaptationVersionMajor)) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
+                       "Mandatory attribute 'adaptationVersionMajor' missing. Defaulting to [%s]",
+                       adaptationVersionMajor.c_str());
+    }
+    cmData->adaptationVersionMajor = std::move(adaptationVersionMajor);
+    cmData->name = attributeOf(node, "name");
+    cmData->id = attributeOf(node, "id");
+    const RAML_ScopeType scopeType = getScopeType(scope);
+    cmData->scope = scopeType == RAML_SCOPE_INVALID ? RAML_SCOPE_CHANGES : scopeType;
+}
+
+void RamlParser::in_header(AaGpuXmlNode* node, RAML_HeaderType& header, RAML_ParsingResult& result)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_header");
+    for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
+        if (std::string_view(child->AaGpuXmlGetName()) != "log") {
+            reportUnexpectedTag(node, child, result);
+            continue;
+        }
+        RAML_LogType log;
+        if (!GetAttributeValue(child, "dateTime", log.dateTime) || !GetAttributeValue(child, "action", log.action)) {
+            result = RAML_SYNTAX_ERROR;
+            AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                           "Validation constraint violation: missing required attribute 'dateTime' and/or 'action' in "
+                           "element [%s].",
+                           child->AaGpuXmlGetName());
+            return;
+        }
+        log.user = attributeOf(child, "user");
+        log.appInfo = attributeOf(child, "appInfo");
+        log.text = child->AaGpuXmlGetValue();
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "%s: %8s (%s)  %s\n", log.dateTime.c_str(),
+                       log.action.c_str(), log.user.c_str(), log.text.c_str());
+        header.logs.push_back(std::move(log));
+    }
+}
+
+RAML_PlanType RamlParser::getPlanType(const std::string& text)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::getPlanType");
+    return valueOf(text, planTypes, RAML_PLAN_NONE);
+}
+
+RAML_ScopeType RamlParser::getScopeType(const std::string& text)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::getScopeType");
+    return valueOf(text, scopeTypes, RAML_SCOPE_INVALID);
+}
+
+// ----------------------------------------------------------------------------------------------------- managed object
+
+void RamlParser::in_mo(AaGpuXmlNode* node, const RAML_ManagedObjectType::pointer& mo, RAML_ParsingResult& result)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_mo");
+    if (!readMoAttributes(node, *mo, result)) {
+        return;
+    }
+    for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
+        const std::string_view tag = child->AaGpuXmlGetName();
+        if (tag == "p") {
+            if (!readMoParameter(child, *mo, result)) {
+                return;
+            }
+        } else if (tag == "list") {
+            in_list(child, mo, result);
+            if (result != RAML_OK) {
+                return;
+            }
+        } else if (tag == "defaults" || tag == "extension") {
+            AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "Optional tag '%s' ignored!", tag.data());
+        } else {
+            result = RAML_SYNTAX_ERROR;
+            AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                           "Validation constraint violation: tag name mismatch in element [%s]. Detected unexpected "
+                           "tag [%s]",
+                           tag.data(), tag.data());
+        }
+    }
+}
+
+/// Reads a managed object's attributes. @return whether its children are to be read.
+bool RamlParser::readMoAttributes(AaGpuXmlNode* node, RAML_ManagedObjectType& mo, RAML_ParsingResult& result)
+{
+    std::string className;
+    if (!GetAttributeValue(node, "class", className)) {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: missing required attribute 'class' in element [%s].",
+                       node->AaGpuXmlGetName());
+        return false;
+    }
+    std::string distName;
+    if (!GetAttributeValue(node, "distName", distName)) {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: missing required attribute 'distName' in element [%s].",
+                       node->AaGpuXmlGetName());
+        return false;
+    }
+    mo.setClassName(std::move(className));
+    mo.setDistName(std::move(distName));
+    const std::string operation = attributeOf(node, "operation");
+    mo.setVersion(attributeOf(node, "version"));
+    mo.setId(attributeOf(node, "id"));
+    mo.setVendor(attributeOf(node, "vendor"));
+    mo.setTimeStamp(attributeOf(node, "timeStamp"));
+    mo.setName(attributeOf(node, "name"));
+    mo.setOperationName(attributeOf(node, "actionName"));
+    const std::string levelScope = attributeOf(node, "levelScope");
+    const std::string funcScope = attributeOf(node, "funcScope");
+    const std::string filter = attributeOf(node, "filter");
+    mo.setSequenceNo(attributeOf(node, "sequenceNo"));
+    mo.setOperation(operation);
+    mo.setLevelScope(levelScope);
+    mo.setFuncScope(funcScope);
+    mo.setFilter(filter);
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
+                   "Raml2.1 attributes in MO: class [%s], operation [%s], distName [%s]", mo.mClassname.c_str(),
+                   operation.c_str(), mo.mDistName.c_str());
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
+                   "Raml2.1E attributes in MO: levelScope [%s], funcScope [%s], filter [%s], sequenceNo [%s]",
+                   levelScope.c_str(), funcScope.c_str(), filter.c_str(), mo.mSequenceNumber.c_str());
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
+                   "Raml2.1E attributes in MO: levelScope [%d], funcScope [%d], filter [%d], sequenceNo [%s]",
+                   mo.mLevelScope, mo.mFuncScope, mo.mFilter, mo.mSequenceNumber.c_str());
+    if (mo.mOperation != RAML_OP_INVALID && mo.mOperation != RAML_OP_NONE) {
+        return true;
+    }
+    result = RAML_SYNTAX_ERROR;
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                   "MO of class '%s' with distName '%s' has incorrect operation type = '%s'", mo.mClassname.c_str(),
+                   mo.mDistName.c_str(), operation.c_str());
+    return false;
+}
+
+/// Reads a simple parameter. @return whether the managed object's other children are to be read.
+bool RamlParser::readMoParameter(AaGpuXmlNode* node, RAML_ManagedObjectType& mo, RAML_ParsingResult& result)
+{
+    std::string name = attributeOf(node, "name");
+    if (name.empty()) {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: missing required attribute 'name' in element [%s]. Detected "
+                       "in class [%s]",
+                       node->AaGpuXmlGetName(), mo.mClassname.c_str());
+        return false;
+    }
+    const char* const value = node->AaGpuXmlGetValue();
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "--p: '%s'    '%s'", name.c_str(), value);
+    mo.addMOparams(RAML_ParameterType::create(std::move(name), value));
+    return true;
+}
+
+void RamlParser::in_list(AaGpuXmlNode* node, const RAML_ManagedObjectType::pointer& mo, RAML_ParsingResult& result)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_list");
+    const RAML_ListType::pointer list = RAML_ListType::create();
+    if (!GetAttributeValue(node, "name", list->name)) {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: missing required attribute 'name' in element [%s]",
+                       node->AaGpuXmlGetName());
+        return;
+    }
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "--list: %s\n", list->name.c_str());
+    for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
+        const std::string_view tag = child->AaGpuXmlGetName();
+        if (tag == "item") {
+            in_item(child, list, result);
+            if (result != RAML_OK) {
+                return;
+            }
+        } else if (tag == "p") {
+            if (!readListParameter(child, *list, result)) {
+                return;
+            }
+        } else {
+            result = RAML_SYNTAX_ERROR;
+            AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                           "Validation constraint violation: tag name mismatch in element [list]. Detected unexpected "
+                           "tag [%s]",
+                           tag.data());
+            return;
+        }
+    }
+    if (result == RAML_OK) {
+        mo->addMOparams(list);
+    }
+}
+
+/// Reads a bare value. @return whether the list's other children are to be read.
+bool RamlParser::readListParameter(AaGpuXmlNode* node, RAML_ListType& list, RAML_ParsingResult& result)
+{
+    const std::string name = attributeOf(node, "name");
+    if (!name.empty()) {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: prohibited attribute [%s] present in element [%s]",
+                       name.c_str(), node->AaGpuXmlGetName());
+        return false;
+    }
+    RAML_ListParameterType::pointer element = RAML_ListParameterType::create();
+    element->value = node->AaGpuXmlGetValue();
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "----p '%s'    '%s'", name.c_str(),
+                   element->value.c_str());
+    list.add(std::move(element));
+    return true;
+}
+
+void RamlParser::in_item(AaGpuXmlNode* node, const RAML_ListType::pointer& list, RAML_ParsingResult& result)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_item");
+    RAML_ItemType::pointer item = RAML_ItemType::create();
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "----item\n");
+    const std::string operation = attributeOf(node, "operation");
+    item->setListItemOperation(operation);
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "ListItem with attribute operation [%s]",
+                   operation.c_str());
+    for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
+        const std::string_view tag = child->AaGpuXmlGetName();
+        if (tag != "p") {
+            result = RAML_SYNTAX_ERROR;
+            AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                           "Validation constraint violation: tag name mismatch in element [item]. Detected unexpected "
+                           "tag [%s]",
+                           tag.data());
+            return;
+        }
+        RAML_ItemParameterType& parameter = item->params.emplace_back();
+        GetAttributeValue(child, "name", parameter.name);
+        parameter.value = child->AaGpuXmlGetValue();
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "------p: '%s'    '%s'", parameter.name.c_str(),
+                       parameter.value.c_str());
+    }
+    list->add(std::move(item));
+}
+
+// -------------------------------------------------------------------------------------------------------------- nodes
+
+AaGpuXmlNode* RamlParser::getNextSiblingNode(AaGpuXmlNode* start, EAaGpuXmlNodeType type, const char* name)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::getNextSiblingNode");
+    AaGpuXmlNode* node = start;
+    while (node && (node->AaGpuXmlGetType() != type || (name && std::string_view(node->AaGpuXmlGetName()) != name))) {
+        node = node->AaGpuXmlGetNext();
+    }
+    return node;
+}
+
+AaGpuXmlNode* RamlParser::firstElementIn(const AaGpuXmlNode* parent)
+{
+    return getNextSiblingNode(firstChildOf(*parent), AA_GPU_XML_ELEMENT_NODE, nullptr);
+}
+
+AaGpuXmlNode* RamlParser::nextElement(const AaGpuXmlNode* element)
+{
+    return getNextSiblingNode(element->AaGpuXmlGetNext(), AA_GPU_XML_ELEMENT_NODE, nullptr);
+}
+
+std::size_t RamlParser::countElements(const AaGpuXmlNode* parent, const char* name)
+{
+    std::size_t count = 0;
+    AaGpuXmlNode* element = getNextSiblingNode(firstChildOf(*parent), AA_GPU_XML_ELEMENT_NODE, name);
+    while (element) {
+        ++count;
+        element = getNextSiblingNode(element->AaGpuXmlGetNext(), AA_GPU_XML_ELEMENT_NODE, name);
+    }
+    return count;
+}
+
+TBoolean RamlParser::GetAttributeValue(AaGpuXmlNode* node, const std::string& attributeName, std::string& value)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::GetAttributeNode %s",
+                   attributeName.c_str());
+    AaGpuXmlNode* child = node ? firstChildOf(*node) : nullptr;
+    for (; child; child = child->AaGpuXmlGetNext()) {
+        if (child->AaGpuXmlGetType() == AA_GPU_XML_ATTRIBUTE_NODE && attributeName == child->AaGpuXmlGetName()) {
+            AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
+                           "RamlParser::GetAttributeNode attribute node found");
+            value = child->AaGpuXmlGetValue();
+            return 1;
+        }
+    }
+    return 0;
+}
+
+/// An attribute's value; empty when it is not there.
+std::string RamlParser::attributeOf(AaGpuXmlNode* node, const std::string& attributeName)
+{
+    std::string value;
+    GetAttributeValue(node, attributeName, value);
+    return value;
+}
+
+void RamlParser::reportUnexpectedTag(const AaGpuXmlNode* parent, const AaGpuXmlNode* child, RAML_ParsingResult& result)
+{
+    result = RAML_SYNTAX_ERROR;
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                   "Validation constraint violation: tag name mismatch in element [%s]. Detected unexpected tag '%s'.",
+                   parent->AaGpuXmlGetName(), child->AaGpuXmlGetName());
+}
+
+} // namespace RAML

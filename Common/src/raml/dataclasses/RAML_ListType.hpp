@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+/// @file RAML_ListType.hpp
+/// A list among a managed object's parameters.
+#pragma once
+
+#include "raml/dataclasses/RAML_ListElementType.hpp"
+#include "raml/dataclasses/RAML_MOParameterType.hpp"
+
+#include <boost/make_shared.hpp>
+#include <boost/shared_ptr.hpp>
+#include <utility>
+#include <vector>
+
+namespace RAML {
+
+class RAML_ListType : public RAML_MOParameterType {
+public:
+    using pointer = boost::shared_ptr<RAML_ListType>;
+
+    static pointer create() { return boost::make_shared<RAML_ListType>(); }
+
+    RAML_ListType() : RAML_MOParameterType(RAML_LIST, {}) {}
+
+    /// Appends a RAML_ListParameterType::pointer or a RAML_ItemType::pointer.
+    template <class Pointer>
+    void add(Pointer element)
+    {
+        listElements.push_back(std::move(element));
+    }
+    void clear() { listElements.clear(); }
+
+    std::vector<RAML_ListElementType::pointer> listElements; ///< in the order of the document
+};
+
+} // namespace RAML
