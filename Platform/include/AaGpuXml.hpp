@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <new>
 #include <string>
 
 /// Kind of a node.
@@ -20,13 +21,14 @@ enum EAaGpuXmlNodeType {
 enum EAaGpuXmlResult {
     AA_GPU_XML_OK = 0,
     AA_GPU_XML_NOT_WELL_FORMED = 1,
-    AA_GPU_XML_NOT_SUPPORTED = 2 ///< an encoding that is not read
+    AA_GPU_XML_NOT_SUPPORTED = 2, ///< an encoding, or something that is declared, which is not read
+    AA_GPU_XML_NO_MEMORY = 3
 };
 
 class AaGpuXmlNode;
-class AaGpuXmlTree;
 
-/// Steps through the children of a node, in document order: its attributes first, then its elements.
+/// Steps through the children of a node, its attributes first, then its elements, each in the order of
+/// the text.
 class TAaGpuXmlNodeListConstIterator {
 public:
     using iterator_category = std::forward_iterator_tag;
@@ -49,19 +51,26 @@ private:
 
 /// One node of the tree: the root, an element or an attribute.
 ///
-/// The root stands above the document element. Whoever owns the root owns the whole tree: deleting it deletes every
-/// node. No other node is deleted by itself. A tree may be read by any number of threads at once; nothing changes it.
+/// The root stands above the document element, which is its only child. Who owns the root owns the whole tree: `delete`
+/// on it deletes every node, without deep recursion; no other node is deleted. A tree stands by itself, without the
+/// text that it was made of. It may be read by any number of threads at once; nothing changes it.
 class AaGpuXmlNode {
 public:
-    /// Deletes the tree; for the root only.
-    ~AaGpuXmlNode();
+    /// Deletes the tree of a root.
+    static void operator delete(AaGpuXmlNode* root, std::destroying_delete_t);
+    ~AaGpuXmlNode() = default;
     AaGpuXmlNode(const AaGpuXmlNode&) = delete;
     AaGpuXmlNode& operator=(const AaGpuXmlNode&) = delete;
 
     /// Element or attribute name; empty for the root. Valid as long as the tree.
     const char* AaGpuXmlGetName() const;
-    /// An attribute's value, or an element's character content: all text directly inside it, entities resolved, joined,
-    /// white space as written. Valid as long as the tree.
+    /// An attribute's value, or an element's character content. Valid as long as the tree.
+    ///
+    /// The content is all text directly inside the element, joined: references are resolved, CDATA sections stand for
+    /// their text, comments and processing instructions for nothing, line ends are line feeds, and white space is as
+    /// written. In an element that has elements inside, runs of nothing but white space, which are there to make the
+    /// document readable, are left out. An attribute has a blank for each line end, line feed and tab in its value.
+    /// All texts are UTF-8, whatever the document is.
     const char* AaGpuXmlGetValue() const;
     EAaGpuXmlNodeType AaGpuXmlGetType() const;
     /// The next node with the same parent, or null.
@@ -71,26 +80,22 @@ public:
     TAaGpuXmlNodeListConstIterator AaGpuXmlGetFirstChildren() const;
     /// End of the child list.
     TAaGpuXmlNodeListConstIterator AaGpuXmlGetLastChildren() const;
-    /// Line of the text on which the node begins, from 1; an attribute has its element's.
+    /// Line of the text on which the node begins, from 1. The first question for a line or a column of a tree reads its
+    /// text; until then they cost nothing.
     std::uint32_t AaGpuXmlGetLine() const;
-    /// Column at which the node begins, from 1, in bytes; an attribute has its element's.
+    /// Column at which the node begins, from 1, in bytes.
     std::uint32_t AaGpuXmlGetColumn() const;
 
-private:
-    friend class AaGpuXmlTree;
-    AaGpuXmlNode() = default;
-
-    EAaGpuXmlNodeType m_type = AA_GPU_XML_INVALID;
-    std::uint32_t m_line = 0;
-    std::uint32_t m_column = 0;
-    const char* m_name = "";
-    const char* m_value = "";
-    AaGpuXmlNode* m_next = nullptr;
-    AaGpuXmlNode* m_firstChild = nullptr;
-    AaGpuXmlTree* m_tree = nullptr; ///< the storage of all nodes; the root owns it, the others have none
+protected:
+    AaGpuXmlNode() = default; ///< what a node consists of is its provider's
 };
 
 /// Turns XML text into a tree.
+///
+/// A text is taken only when it is well-formed XML 1.0 in UTF-8, US-ASCII or ISO-8859-1, with or without a byte order
+/// mark. What a document type declaration refers to is not read, and what it declares inside is checked for its form
+/// and not used: a document that needs a declared entity or an attribute's declared default is not taken. Time and
+/// memory are in proportion to the text's size, however deep or odd it is.
 class AaGpuXmlParser {
 public:
     /// @param options 0; other values are reserved.

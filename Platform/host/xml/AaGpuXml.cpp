@@ -4,6 +4,7 @@
 #include "xml/XmlDocument.hpp"
 #include "xml/XmlTree.hpp"
 
+#include <new>
 #include <optional>
 
 using dorn::host::parseXml;
@@ -11,19 +12,34 @@ using dorn::host::XmlDocument;
 using dorn::host::XmlExtent;
 using dorn::host::XmlFault;
 using dorn::host::XmlFaultPolicy;
+using dorn::host::XmlNode;
+using dorn::host::XmlTree;
 
 namespace {
 
-/// Says in @p result and @p error what came of a text, and gives its tree away.
-AaGpuXmlNode* give(XmlDocument document, EAaGpuXmlResult& result, std::string& error)
+const XmlNode& hosted(const AaGpuXmlNode& node)
+{
+    return static_cast<const XmlNode&>(node);
+}
+
+/// Parses a text and says in @p result and @p error what came of it. @return the root, owned by the caller.
+AaGpuXmlNode* parse(const std::string& text, const std::string& encoding, XmlExtent extent, EAaGpuXmlResult& result,
+                    std::string& error)
 {
     result = AA_GPU_XML_OK;
     error.clear();
-    if (const std::optional<XmlFault>& fault = document.fault) {
-        result = fault->isUnsupported ? AA_GPU_XML_NOT_SUPPORTED : AA_GPU_XML_NOT_WELL_FORMED;
-        error = std::to_string(fault->line) + ":" + std::to_string(fault->column) + ": " + fault->reason;
+    try {
+        XmlDocument document = parseXml(text, encoding, XmlFaultPolicy::GiveNothing, extent);
+        if (const std::optional<XmlFault>& fault = document.fault) {
+            result = fault->isUnsupported ? AA_GPU_XML_NOT_SUPPORTED : AA_GPU_XML_NOT_WELL_FORMED;
+            error = std::to_string(fault->line) + ":" + std::to_string(fault->column) + ": " + fault->reason;
+        }
+        return document.root.release();
+    } catch (const std::bad_alloc&) {
+        result = AA_GPU_XML_NO_MEMORY;
+        error = "1:1: no memory"; // short enough to need none
+        return nullptr;
     }
-    return document.root.release();
 }
 
 } // namespace
@@ -41,39 +57,39 @@ TAaGpuXmlNodeListConstIterator TAaGpuXmlNodeListConstIterator::operator++(int)
     return before;
 }
 
-AaGpuXmlNode::~AaGpuXmlNode()
+void AaGpuXmlNode::operator delete(AaGpuXmlNode* root, std::destroying_delete_t)
 {
-    delete m_tree;
+    delete &XmlTree::of(*root);
 }
 
 const char* AaGpuXmlNode::AaGpuXmlGetName() const
 {
-    return m_name;
+    return hosted(*this).name;
 }
 
 const char* AaGpuXmlNode::AaGpuXmlGetValue() const
 {
-    return m_value;
+    return hosted(*this).value;
 }
 
 EAaGpuXmlNodeType AaGpuXmlNode::AaGpuXmlGetType() const
 {
-    return m_type;
+    return hosted(*this).type;
 }
 
 AaGpuXmlNode* AaGpuXmlNode::AaGpuXmlGetNext() const
 {
-    return m_next;
+    return hosted(*this).next;
 }
 
 bool AaGpuXmlNode::AaGpuXmlHasChildren() const
 {
-    return m_firstChild != nullptr;
+    return hosted(*this).firstChild != nullptr;
 }
 
 TAaGpuXmlNodeListConstIterator AaGpuXmlNode::AaGpuXmlGetFirstChildren() const
 {
-    return TAaGpuXmlNodeListConstIterator(m_firstChild);
+    return TAaGpuXmlNodeListConstIterator(hosted(*this).firstChild);
 }
 
 TAaGpuXmlNodeListConstIterator AaGpuXmlNode::AaGpuXmlGetLastChildren() const
@@ -83,24 +99,24 @@ TAaGpuXmlNodeListConstIterator AaGpuXmlNode::AaGpuXmlGetLastChildren() const
 
 std::uint32_t AaGpuXmlNode::AaGpuXmlGetLine() const
 {
-    return m_line;
+    return XmlTree::of(*this).positionOf(hosted(*this)).line;
 }
 
 std::uint32_t AaGpuXmlNode::AaGpuXmlGetColumn() const
 {
-    return m_column;
+    return XmlTree::of(*this).positionOf(hosted(*this)).column;
 }
 
 AaGpuXmlParser::AaGpuXmlParser(unsigned int /*options*/) {}
 
 AaGpuXmlNode* AaGpuXmlParser::AaGpuXmlParse(const std::string& xmlText, const std::string& encoding)
 {
-    return give(parseXml(xmlText, encoding, XmlFaultPolicy::GiveNothing, XmlExtent::Whole), m_lastResult, m_lastError);
+    return parse(xmlText, encoding, XmlExtent::Whole, m_lastResult, m_lastError);
 }
 
 AaGpuXmlNode* AaGpuXmlParser::AaGpuXmlParsePrefix(const std::string& text, const std::string& encoding)
 {
-    return give(parseXml(text, encoding, XmlFaultPolicy::GiveNothing, XmlExtent::Prefix), m_lastResult, m_lastError);
+    return parse(text, encoding, XmlExtent::Prefix, m_lastResult, m_lastError);
 }
 
 EAaGpuXmlResult AaGpuXmlParser::AaGpuXmlLastResult() const

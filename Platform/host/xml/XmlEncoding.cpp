@@ -10,8 +10,8 @@ namespace {
 
 constexpr std::array<std::pair<std::string_view, XmlEncoding>, 6> encodings{{{"utf-8", XmlEncoding::Utf8},
                                                                              {"utf8", XmlEncoding::Utf8},
-                                                                             {"us-ascii", XmlEncoding::Utf8},
-                                                                             {"ascii", XmlEncoding::Utf8},
+                                                                             {"us-ascii", XmlEncoding::Ascii},
+                                                                             {"ascii", XmlEncoding::Ascii},
                                                                              {"iso-8859-1", XmlEncoding::Latin1},
                                                                              {"latin1", XmlEncoding::Latin1}}};
 

@@ -9,7 +9,7 @@
 
 namespace dorn::host {
 
-enum class XmlEncoding { Utf8, Latin1 };
+enum class XmlEncoding { Utf8, Ascii, Latin1 };
 
 /// The encoding that a name means, in capital or small letters; nothing when it is not one that we read.
 std::optional<XmlEncoding> xmlEncodingOf(std::string_view name);

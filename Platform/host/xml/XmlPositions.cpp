@@ -2,6 +2,7 @@
 #include "xml/XmlPositions.hpp"
 
 #include <algorithm>
+#include <iterator>
 
 namespace dorn::host {
 namespace {
@@ -14,7 +15,8 @@ std::size_t countBelow(const std::vector<std::size_t>& offsets, std::size_t limi
 
 } // namespace
 
-XmlPositions::XmlPositions(std::string_view text, Unit unit) : m_size(text.size()), m_lineBegins{0}
+XmlPositions::XmlPositions(std::string_view text, Unit unit, const std::vector<std::size_t>& lostLineEnds)
+    : m_size(text.size()), m_lineBegins{0}
 {
     for (std::size_t index = 0; index < text.size(); ++index) {
         const char c = text[index];
@@ -26,6 +28,9 @@ XmlPositions::XmlPositions(std::string_view text, Unit unit) : m_size(text.size(
             m_uncounted.push_back(index);
         }
     }
+    std::transform(lostLineEnds.begin(), lostLineEnds.end(), std::back_inserter(m_lineBegins),
+                   [](std::size_t offset) { return offset + 1; });
+    std::sort(m_lineBegins.begin(), m_lineBegins.end());
 }
 
 XmlPosition XmlPositions::at(std::size_t offset) const

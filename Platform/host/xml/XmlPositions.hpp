@@ -22,7 +22,8 @@ public:
     /// What a column counts. A character of UTF-8 counts once with `Characters`.
     enum class Unit { Bytes, Characters };
 
-    XmlPositions(std::string_view text, Unit unit);
+    /// @param lostLineEnds offsets, in any order, of line ends that something else stands in the place of
+    XmlPositions(std::string_view text, Unit unit, const std::vector<std::size_t>& lostLineEnds = {});
 
     /// The position of the byte at @p offset, or of the end of the text when it lies behind.
     XmlPosition at(std::size_t offset) const;

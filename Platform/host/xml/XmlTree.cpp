@@ -1,109 +1,96 @@
 // SPDX-License-Identifier: MIT
 #include "xml/XmlTree.hpp"
 
+#include <algorithm>
 #include <cstring>
-#include <new>
-#include <pugixml.hpp>
-#include <string>
-#include <utility>
-#include <vector>
+#include <type_traits>
 
-using dorn::host::XmlPosition;
-using dorn::host::XmlPositions;
+namespace dorn::host {
 
-namespace {
+static_assert(std::is_trivially_destructible_v<XmlNode>, "nodes go with their block");
 
-XmlPosition positionOf(const pugi::xml_node& element, const XmlPositions& positions)
+/// What stands in front of the nodes of a block.
+struct alignas(XmlNode) XmlTree::Block {
+    XmlTree* tree;
+    Block* previous;
+};
+
+std::unique_ptr<AaGpuXmlNode> XmlTree::create(std::string_view text, Unit columnUnit)
 {
-    return positions.at(static_cast<std::size_t>(element.offset_debug() - 1)); // the offset is the name's
+    std::unique_ptr<XmlTree> tree(new XmlTree(text, columnUnit));
+    tree->m_root = tree->makeNode(AA_GPU_XML_ROOT_NODE, "");
+    return std::unique_ptr<AaGpuXmlNode>(tree.release()->m_root);
 }
 
-bool isText(const pugi::xml_node& node)
+XmlTree& XmlTree::of(const AaGpuXmlNode& node)
 {
-    return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
+    const auto& hosted = static_cast<const XmlNode&>(node);
+    return *reinterpret_cast<const Block*>(&hosted - hosted.place)[-1].tree;
 }
 
-} // namespace
-
-std::unique_ptr<AaGpuXmlNode> AaGpuXmlTree::copy(const pugi::xml_node& documentElement, const pugi::xml_node& leftOut,
-                                                 const XmlPositions& positions)
+XmlTree::XmlTree(std::string_view text, Unit columnUnit)
+    : m_text(std::make_unique_for_overwrite<char[]>(text.size() + 1)), m_textSize(text.size()), m_columnUnit(columnUnit)
 {
-    std::unique_ptr<AaGpuXmlNode> root(new AaGpuXmlNode);
-    root->m_tree = new AaGpuXmlTree;
-    root->m_type = AA_GPU_XML_ROOT_NODE;
-    root->m_line = 1;
-    root->m_column = 1;
-    AaGpuXmlTree& tree = *root->m_tree;
+    std::copy(text.begin(), text.end(), m_text.get());
+    m_text[m_textSize] = '\0';
+}
 
-    std::vector<std::pair<pugi::xml_node, AaGpuXmlNode*>> pending;
-    const auto copyElement = [&](const pugi::xml_node& from) {
-        AaGpuXmlNode* const node = tree.makeNode(AA_GPU_XML_ELEMENT_NODE, tree.store(from.name()),
-                                                 tree.storeContent(from), positionOf(from, positions));
-        pending.emplace_back(from, node);
-        return node;
-    };
-    root->m_firstChild = copyElement(documentElement);
-    while (!pending.empty()) {
-        const auto [from, to] = pending.back();
-        pending.pop_back();
-        AaGpuXmlNode** next = tree.copyAttributes(from, *to);
-        for (const pugi::xml_node& child : from.children()) {
-            if (child.type() == pugi::node_element && child != leftOut) {
-                *next = copyElement(child);
-                next = &(*next)->m_next;
-            }
-        }
+XmlTree::~XmlTree()
+{
+    while (Block* const block = m_lastBlock) {
+        m_lastBlock = block->previous;
+        ::operator delete(block, std::align_val_t(alignof(Block)));
     }
-    return root;
 }
 
-/// @return where the pointer to the first child element belongs.
-AaGpuXmlNode** AaGpuXmlTree::copyAttributes(const pugi::xml_node& from, AaGpuXmlNode& to)
+void XmlTree::addBlock()
 {
-    AaGpuXmlNode** next = &to.m_firstChild;
-    for (const pugi::xml_attribute& attribute : from.attributes()) {
-        *next = makeNode(AA_GPU_XML_ATTRIBUTE_NODE, store(attribute.name()), store(attribute.value()),
-                         {to.m_line, to.m_column});
-        next = &(*next)->m_next;
-    }
-    return next;
+    constexpr std::uint32_t least = 32;
+    constexpr std::uint32_t greatest = 1U << 15U;
+    const std::uint32_t capacity = std::clamp(m_capacity * 2, least, greatest);
+    void* const memory = ::operator new(sizeof(Block) + capacity * sizeof(XmlNode), std::align_val_t(alignof(Block)));
+    m_lastBlock = new (memory) Block{this, m_lastBlock};
+    m_nodes = reinterpret_cast<XmlNode*>(m_lastBlock + 1);
+    m_capacity = capacity;
+    m_used = 0;
 }
 
-AaGpuXmlNode* AaGpuXmlTree::makeNode(EAaGpuXmlNodeType type, const char* name, const char* value, XmlPosition position)
-{
-    auto* const node = new (m_arena.allocate(sizeof(AaGpuXmlNode), alignof(AaGpuXmlNode))) AaGpuXmlNode;
-    node->m_type = type;
-    node->m_name = name;
-    node->m_value = value;
-    node->m_line = position.line;
-    node->m_column = position.column;
-    return node;
-}
-
-const char* AaGpuXmlTree::store(std::string_view text)
+const char* XmlTree::store(std::string_view text)
 {
     if (text.empty()) {
         return "";
     }
-    char* const copy = static_cast<char*>(m_arena.allocate(text.size() + 1, 1));
+    char* const copy = static_cast<char*>(m_stored.allocate(text.size() + 1, 1));
     std::memcpy(copy, text.data(), text.size());
     copy[text.size()] = '\0';
     return copy;
 }
 
-const char* AaGpuXmlTree::storeContent(const pugi::xml_node& element)
+void XmlTree::noteLineEnd(const char* at)
 {
-    std::string_view only;
-    std::string joined;
-    for (const pugi::xml_node& child : element.children()) {
-        if (!isText(child)) {
-            continue;
-        }
-        if (only.empty() && joined.empty()) {
-            only = child.value();
-            continue;
-        }
-        joined += joined.empty() ? std::string(only) + child.value() : child.value();
+    if (*at == '\n' || at[1] != '\n') { // of CR LF the LF stays
+        m_lostLineEnds.push_back(static_cast<std::size_t>(at - m_text.get()));
     }
-    return store(joined.empty() ? only : joined);
 }
+
+XmlPosition XmlTree::positionOf(const XmlNode& node) const
+{
+    switch (node.type) {
+    case AA_GPU_XML_ELEMENT_NODE:
+        return positionOf(node.name - 1);
+    case AA_GPU_XML_ATTRIBUTE_NODE:
+        return positionOf(node.name);
+    default:
+        return {};
+    }
+}
+
+XmlPosition XmlTree::positionOf(const char* at) const
+{
+    std::call_once(m_positionsMade, [this] {
+        m_positions.emplace(std::string_view(m_text.get(), m_textSize), m_columnUnit, m_lostLineEnds);
+    });
+    return m_positions->at(static_cast<std::size_t>(at - m_text.get()));
+}
+
+} // namespace dorn::host

@@ -66,8 +66,8 @@ TEST_F(TagFileTest, FileThatIsNotWellFormedIsUsedUpToTheFault)
     EXPECT_EQ(get("sys.x"), "1");
     EXPECT_EQ(get("sys.y"), "none");
     EXPECT_THAT(m_log.texts(),
-                ElementsAre("Warning 0x0 /opt/dorn/dorn.xml:3: file is passed over from column 22 on: an "
-                            "element is not closed, or an end tag has another name"));
+                ElementsAre("Warning 0x0 /opt/dorn/dorn.xml:3: file is passed over from column 22 on: an end "
+                            "tag has another name than its element"));
 }
 
 TEST_F(TagFileTest, MissingFileIsNoCauseForAWarning)

@@ -16,8 +16,8 @@ TEST(XmlEncodingTest, EncodingNamesAreKnownInAnyCase)
 {
     EXPECT_EQ(xmlEncodingOf("UTF-8"), XmlEncoding::Utf8);
     EXPECT_EQ(xmlEncodingOf("utf8"), XmlEncoding::Utf8);
-    EXPECT_EQ(xmlEncodingOf("US-ASCII"), XmlEncoding::Utf8);
-    EXPECT_EQ(xmlEncodingOf("ascii"), XmlEncoding::Utf8);
+    EXPECT_EQ(xmlEncodingOf("US-ASCII"), XmlEncoding::Ascii);
+    EXPECT_EQ(xmlEncodingOf("ascii"), XmlEncoding::Ascii);
     EXPECT_EQ(xmlEncodingOf("ISO-8859-1"), XmlEncoding::Latin1);
     EXPECT_EQ(xmlEncodingOf("Latin1"), XmlEncoding::Latin1);
     EXPECT_EQ(xmlEncodingOf("ISO-8859-15"), std::nullopt);

@@ -36,6 +36,19 @@ TEST(XmlPositionsTest, OffsetBehindTheTextIsItsEnd)
     EXPECT_EQ(at("a\nbc", 99), "2:3");
 }
 
+TEST(XmlPositionsTest, LineEndsThatAreNotInTheTextAnyMoreCount)
+{
+    const XmlPositions positions("ab\ncd ef\ng", XmlPositions::Unit::Bytes, {5, 0});
+    const auto lineAt = [&positions](std::size_t offset) { return positions.at(offset).line; };
+    EXPECT_EQ(lineAt(0), 1U);
+    EXPECT_EQ(lineAt(1), 2U);
+    EXPECT_EQ(lineAt(3), 3U);
+    EXPECT_EQ(lineAt(5), 3U);
+    EXPECT_EQ(lineAt(6), 4U);
+    EXPECT_EQ(positions.at(7).column, 2U);
+    EXPECT_EQ(lineAt(9), 5U);
+}
+
 TEST(XmlPositionsTest, CharactersCountOnce)
 {
     EXPECT_EQ(at("\xC3\xA4\n\xC3\xA4x", 5), "2:3");
