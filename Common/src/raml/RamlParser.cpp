@@ -71,6 +71,7 @@ RAML_Type::pointer RamlParser::parseRaml(const std::string& input, RAML_ParsingR
         document = RAML_Type::create();
         in_raml(raml, *document, result);
     } else {
+        mCurrentElement = firstChildOf(*mDocumentNode);
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                        "Validation constraint violation: missing required element [raml]");
@@ -82,6 +83,7 @@ RAML_Type::pointer RamlParser::parseRaml(const std::string& input, RAML_ParsingR
 void RamlParser::load(const std::string& input, RAML_ParsingResult& result, bool inputIsFile)
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::load");
+    mCurrentElement = nullptr;
     result = RAML_OK;
     std::string content;
     if (inputIsFile && !readFile(input, content)) {
@@ -102,6 +104,7 @@ void RamlParser::load(const std::string& input, RAML_ParsingResult& result, bool
 void RamlParser::in_raml(AaGpuXmlNode* node, RAML_Type& document, RAML_ParsingResult& result)
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_raml");
+    mCurrentElement = node;
     std::string version;
     if (!GetAttributeValue(node, "version", version)) {
         result = RAML_SYNTAX_ERROR;
@@ -127,6 +130,7 @@ void RamlParser::in_raml(AaGpuXmlNode* node, RAML_Type& document, RAML_ParsingRe
     document.xmlns = std::move(xmlns);
     AaGpuXmlNode* child = getNextSiblingNode(firstChildOf(*node), AA_GPU_XML_ELEMENT_NODE, "cmData");
     while (child) {
+        mCurrentElement = child;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "cm data");
         const RAML_CMDataType::pointer cmData = RAML_CMDataType::create();
         in_cmData(child, cmData, result);
@@ -169,6 +173,7 @@ void RamlParser::in_cmData(AaGpuXmlNode* node, const RAML_CMDataType::pointer& c
             reportUnexpectedTag(node, child, result);
         }
     }
+    mCurrentElement = node;
     if (cmData->managedObjects.empty()) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
@@ -452,12 +457,16 @@ AaGpuXmlNode* RamlParser::getNextSiblingNode(AaGpuXmlNode* start, EAaGpuXmlNodeT
 
 AaGpuXmlNode* RamlParser::firstElementIn(const AaGpuXmlNode* parent)
 {
-    return getNextSiblingNode(firstChildOf(*parent), AA_GPU_XML_ELEMENT_NODE, nullptr);
+    AaGpuXmlNode* const element = getNextSiblingNode(firstChildOf(*parent), AA_GPU_XML_ELEMENT_NODE, nullptr);
+    mCurrentElement = element;
+    return element;
 }
 
 AaGpuXmlNode* RamlParser::nextElement(const AaGpuXmlNode* element)
 {
-    return getNextSiblingNode(element->AaGpuXmlGetNext(), AA_GPU_XML_ELEMENT_NODE, nullptr);
+    AaGpuXmlNode* const next = getNextSiblingNode(element->AaGpuXmlGetNext(), AA_GPU_XML_ELEMENT_NODE, nullptr);
+    mCurrentElement = next;
+    return next;
 }
 
 std::size_t RamlParser::countElements(const AaGpuXmlNode* parent, const char* name)

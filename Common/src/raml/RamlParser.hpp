@@ -49,6 +49,10 @@ public:
     /// True from construction on; for callers to keep in mind.
     bool defaultConfigRequired() const { return mDefaultConfigRequired; }
 
+    /// The element that is being read: for who observes the log while parseRaml() works, the one that an error line is
+    /// about. Null before the first element; it stays at the last one until the next document.
+    const AaGpuXmlNode* currentElement() const { return mCurrentElement; }
+
     // The steps of parseRaml(), for who reads parts of a document. Each fills the object that it is given from the
     // node; `result` is written on an error and left alone otherwise.
 
@@ -90,6 +94,7 @@ private:
     static void reportUnexpectedTag(const AaGpuXmlNode* parent, const AaGpuXmlNode* child, RAML_ParsingResult& result);
 
     std::unique_ptr<AaGpuXmlNode> mDocumentNode; ///< root of the last document's tree; null when it was not well-formed
+    const AaGpuXmlNode* mCurrentElement = nullptr; ///< of that tree
     bool mDefaultConfigRequired = true;
 };
 
