@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+#include "ClockS.hpp"
+
+int main(int argc, char** argv)
+{
+    dorn::examples::ClockS service;
+    return vel::hwapi::common::RunService(service, argc, argv);
+}
