@@ -26,6 +26,8 @@ typedef struct AaFile AaFile;
 int32_t AaFileGetBoardPath(const char* path, char* buffer, uint32_t bufferSize);
 
 /// Opens a file. @param mode as for `fopen`: "r", "w", "a", each with "+" and "b" where wanted.
+/// Waits for nobody at the other end of a named pipe: one without writer is empty, one without reader cannot be
+/// written.
 /// @return the file; null when it cannot be opened (`errno` tells why).
 AaFile* AaFileOpen(const char* path, const char* mode);
 
@@ -44,6 +46,22 @@ int32_t AaFileReadLine(AaFile* file, char* buffer, uint32_t bufferSize);
 
 /// Returns the file's size in bytes, -1 on failure or when it does not fit. The position stays.
 int32_t AaFileGetSize(AaFile* file);
+
+/// What a position is counted from.
+typedef enum EAaFileOrigin {
+    EAaFileOrigin_Begin = 0,   ///< the first byte
+    EAaFileOrigin_Current = 1, ///< the position
+    EAaFileOrigin_End = 2      ///< the end of the file
+} EAaFileOrigin;
+
+/// Moves the position from which is read and written on, by @p offset bytes from @p origin. A position behind the end
+/// is allowed.
+/// @return 0; 1 on failure (`errno` tells why), as when it would lie before the first byte or the file is a pipe. The
+///   position then stays.
+int32_t AaFileSetPosition(AaFile* file, int32_t offset, EAaFileOrigin origin);
+
+/// Returns the position in bytes from the first, -1 on failure or when it does not fit.
+int32_t AaFileGetPosition(AaFile* file);
 
 /// Removes a file. @return 0; 1 on failure (`errno` tells why).
 int32_t AaFileRemove(const char* path);

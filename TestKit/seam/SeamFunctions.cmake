@@ -26,6 +26,8 @@ set(DORN_SEAM_FUNCTIONS
     "AaFile.h AaFileWrite 3 -1"
     "AaFile.h AaFileReadLine 3 -1"
     "AaFile.h AaFileGetSize 1 -1"
+    "AaFile.h AaFileSetPosition 3 1"
+    "AaFile.h AaFileGetPosition 1 -1"
     "AaFile.h AaFileRemove 1 1"
     "AaFile.h AaFileDirExists 1 0"
     "AaFile.h AaFileCreateDir 1 1"

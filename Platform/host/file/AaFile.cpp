@@ -5,6 +5,7 @@
 #include "node/BoardRoot.hpp"
 #include "port/FilePort.hpp"
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -45,10 +46,30 @@ bool isError(Result result)
     return result < 0;
 }
 
+/// A size or position as the seam gives it; -1 stays.
+int32_t fitting(off_t value)
+{
+    if (value > INT32_MAX) {
+        errno = EOVERFLOW;
+        return -1;
+    }
+    return static_cast<int32_t>(value);
+}
+
 bool isDirectory(const std::string& place)
 {
     struct stat status {};
     return stat(place.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// Opens without waiting for the other end of a named pipe; reading and writing then wait as usual.
+int openWithoutWaiting(const char* place, int flags)
+{
+    const int descriptor = FilePort::get().open(AT_FDCWD, place, flags | O_NONBLOCK, 0666);
+    if (descriptor >= 0) {
+        fcntl(descriptor, F_SETFL, flags & O_APPEND);
+    }
+    return descriptor;
 }
 
 /// Makes a directory and those above it.
@@ -90,7 +111,7 @@ AaFile* AaFileOpen(const char* path, const char* mode)
     if (dorn::host::isError(flags)) {
         return nullptr;
     }
-    dorn::host::Descriptor descriptor(FilePort::get().open(AT_FDCWD, place.c_str(), flags, 0666));
+    dorn::host::Descriptor descriptor(dorn::host::openWithoutWaiting(place.c_str(), flags));
     if (dorn::host::isError(descriptor.get())) {
         return nullptr;
     }
@@ -146,12 +167,26 @@ int32_t AaFileGetSize(AaFile* file)
         errno = EINVAL;
         return -1;
     }
-    const off_t size = file->size();
-    if (size > INT32_MAX) {
-        errno = EOVERFLOW;
+    return dorn::host::fitting(file->size());
+}
+
+int32_t AaFileSetPosition(AaFile* file, int32_t offset, EAaFileOrigin origin)
+{
+    constexpr std::array<int, 3> whences{SEEK_SET, SEEK_CUR, SEEK_END};
+    if (!file || static_cast<std::size_t>(origin) >= whences.size()) {
+        errno = EINVAL;
+        return 1;
+    }
+    return file->seek(offset, whences[origin]) < 0 ? 1 : 0;
+}
+
+int32_t AaFileGetPosition(AaFile* file)
+{
+    if (!file) {
+        errno = EINVAL;
         return -1;
     }
-    return static_cast<int32_t>(size);
+    return dorn::host::fitting(file->position());
 }
 
 int32_t AaFileRemove(const char* path)

@@ -41,12 +41,18 @@ int OpenFile::close()
     return ::close(m_descriptor.release()) == 0 || errno == EINTR ? 0 : errno;
 }
 
-bool OpenFile::fill()
+ssize_t OpenFile::readDirectly(char* to, std::size_t size)
 {
     ssize_t count = 0;
     do {
-        count = ::read(m_descriptor.get(), m_buffer.data(), m_buffer.size());
+        count = ::read(m_descriptor.get(), to, size);
     } while (count < 0 && errno == EINTR);
+    return count;
+}
+
+bool OpenFile::fill()
+{
+    const ssize_t count = readDirectly(m_buffer.data(), m_buffer.size());
     m_begin = 0;
     m_end = static_cast<std::size_t>(std::max<ssize_t>(count, 0));
     return count >= 0;
@@ -67,18 +73,30 @@ std::size_t OpenFile::takeBuffered(char* to, std::size_t size)
     return count;
 }
 
+ssize_t OpenFile::readSome(char* to, std::size_t size)
+{
+    if (m_begin == m_end && size >= m_buffer.size()) {
+        return readDirectly(to, size);
+    }
+    if (m_begin == m_end && !fill()) {
+        return -1;
+    }
+    return static_cast<ssize_t>(takeBuffered(to, size));
+}
+
 ssize_t OpenFile::read(char* to, std::size_t size)
 {
     const std::lock_guard lock(m_mutex);
     std::size_t done = 0;
     while (done < size) {
-        if (m_begin == m_end && !fill()) {
+        const ssize_t count = readSome(to + done, size - done);
+        if (count < 0) {
             return -1;
         }
-        if (m_begin == m_end) {
+        if (count == 0) {
             break;
         }
-        done += takeBuffered(to + done, size - done);
+        done += static_cast<std::size_t>(count);
     }
     return static_cast<ssize_t>(done);
 }
@@ -129,6 +147,24 @@ off_t OpenFile::size()
     const off_t position = lseek(m_descriptor.get(), 0, SEEK_CUR);
     const off_t end = position < 0 ? -1 : lseek(m_descriptor.get(), 0, SEEK_END);
     return end < 0 || lseek(m_descriptor.get(), position, SEEK_SET) < 0 ? -1 : end;
+}
+
+off_t OpenFile::seek(off_t offset, int whence)
+{
+    const std::lock_guard lock(m_mutex);
+    const auto ahead = static_cast<off_t>(m_end - m_begin);
+    const off_t position = lseek(m_descriptor.get(), whence == SEEK_CUR ? offset - ahead : offset, whence);
+    if (position >= 0) {
+        m_begin = m_end = 0;
+    }
+    return position;
+}
+
+off_t OpenFile::position()
+{
+    const std::lock_guard lock(m_mutex);
+    const off_t position = lseek(m_descriptor.get(), 0, SEEK_CUR);
+    return position < 0 ? -1 : position - static_cast<off_t>(m_end - m_begin);
 }
 
 } // namespace dorn::host

@@ -15,9 +15,9 @@ namespace dorn::host {
 /// `open` flags of an `fopen` mode; -EINVAL when it is none.
 int openFlags(const char* mode);
 
-/// Reads through a buffer and writes without one, so that whoever writes learns at once whether it worked and a process
-/// that dies loses nothing. Every function may be called from several threads at once. On failure a function returns -1
-/// and sets `errno`.
+/// Reads small pieces through a buffer and writes without one, so that whoever writes learns at once whether it worked
+/// and a process that dies loses nothing. Every function may be called from several threads at once. On failure a
+/// function returns -1 and sets `errno`.
 class OpenFile {
 public:
     explicit OpenFile(Descriptor descriptor) : m_descriptor(std::move(descriptor)) {}
@@ -31,8 +31,13 @@ public:
     /// Reads up to and including the next line feed, at most @p size bytes. @return 0 at the end of the file.
     ssize_t readLine(char* to, std::size_t size);
     off_t size();
+    /// Moves the position. @param whence as for `lseek` @return the new position.
+    off_t seek(off_t offset, int whence);
+    off_t position();
 
 private:
+    ssize_t readDirectly(char* to, std::size_t size);
+    ssize_t readSome(char* to, std::size_t size);
     bool fill();
     bool forgetBuffer();
     std::size_t takeBuffered(char* to, std::size_t size);

@@ -54,6 +54,8 @@ protected:
         return text.substr(0, static_cast<std::size_t>(count));
     }
 
+    void makePipe() const { ASSERT_EQ(mkfifo((m_node.boardRoot() + "/fifo").c_str(), 0600), 0); }
+
     dorn::testkit::TestNode m_node;
 };
 
@@ -198,9 +200,12 @@ TEST_F(AaFileTest, LargeFileIsReadInPiecesOfAnySize)
         content += std::to_string(number) + ";";
     }
     m_node.writeBoardFile("/a", content);
-    const OwnedFile file = open("/a", "r");
-    const std::string first = read(file, 5'000);
-    EXPECT_EQ(first + read(file, 1'000'000), content);
+    for (const uint32_t size : {1U, 1'000U, 4'095U, 4'096U, 4'097U, 5'000U, 70'000U}) {
+        const OwnedFile file = open("/a", "r");
+        const std::string first = read(file, size);
+        EXPECT_EQ(AaFileGetPosition(file.get()), static_cast<int32_t>(size));
+        EXPECT_EQ(first + read(file, size) + read(file, 1'000'000), content) << size;
+    }
 }
 
 TEST_F(AaFileTest, ReadingFromAFileOpenForWritingFails)
@@ -311,8 +316,98 @@ TEST_F(AaFileTest, SizeThatDoesNotFitIsMinusOne)
 
 TEST_F(AaFileTest, SizeOfAPipeIsMinusOne)
 {
-    ASSERT_EQ(mkfifo((m_node.boardRoot() + "/fifo").c_str(), 0600), 0);
+    makePipe();
     EXPECT_EQ(AaFileGetSize(open("/fifo", "r+").get()), -1);
+}
+
+TEST_F(AaFileTest, PositionCountsFromBeginPositionAndEnd)
+{
+    m_node.writeBoardFile("/a", "0123456789");
+    const OwnedFile file = open("/a", "r");
+    EXPECT_EQ(AaFileSetPosition(file.get(), 3, EAaFileOrigin_Begin), 0);
+    EXPECT_EQ(AaFileGetPosition(file.get()), 3);
+    EXPECT_EQ(read(file, 2), "34");
+    EXPECT_EQ(AaFileGetPosition(file.get()), 5);
+    EXPECT_EQ(AaFileSetPosition(file.get(), -2, EAaFileOrigin_Current), 0);
+    EXPECT_EQ(read(file, 3), "345");
+    EXPECT_EQ(AaFileSetPosition(file.get(), -4, EAaFileOrigin_End), 0);
+    EXPECT_EQ(AaFileGetPosition(file.get()), 6);
+    EXPECT_EQ(read(file, 10), "6789");
+}
+
+TEST_F(AaFileTest, PositionBeforeTheFirstByteIsRefused)
+{
+    m_node.writeBoardFile("/a", "012");
+    const OwnedFile file = open("/a", "r");
+    EXPECT_EQ(read(file, 1), "0");
+    EXPECT_EQ(AaFileSetPosition(file.get(), -4, EAaFileOrigin_End), 1);
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(AaFileSetPosition(file.get(), -2, EAaFileOrigin_Current), 1);
+    EXPECT_EQ(AaFileSetPosition(file.get(), -1, EAaFileOrigin_Begin), 1);
+    EXPECT_EQ(AaFileSetPosition(file.get(), 0, static_cast<EAaFileOrigin>(3)), 1);
+    EXPECT_EQ(read(file, 10), "12");
+}
+
+TEST_F(AaFileTest, PositionBehindTheEndIsEmpty)
+{
+    m_node.writeBoardFile("/a", "012");
+    const OwnedFile file = open("/a", "r");
+    EXPECT_EQ(AaFileSetPosition(file.get(), 5, EAaFileOrigin_End), 0);
+    EXPECT_EQ(AaFileGetPosition(file.get()), 8);
+    EXPECT_EQ(read(file, 10), "");
+}
+
+TEST_F(AaFileTest, WriteGoesWhereThePositionIs)
+{
+    m_node.writeBoardFile("/a", "0123456789");
+    const OwnedFile file = open("/a", "r+");
+    EXPECT_EQ(read(file, 8), "01234567");
+    EXPECT_EQ(AaFileSetPosition(file.get(), 2, EAaFileOrigin_Begin), 0);
+    EXPECT_EQ(write(file, "AB"), 2);
+    EXPECT_EQ(AaFileGetPosition(file.get()), 4);
+    EXPECT_EQ(read(file, 2), "45");
+    EXPECT_EQ(m_node.readBoardFile("/a"), "01AB456789");
+}
+
+TEST_F(AaFileTest, PositionThatDoesNotFitIsMinusOne)
+{
+    m_node.writeBoardFile("/a", "");
+    std::filesystem::resize_file(m_node.boardRoot() + "/a", 0x80000000);
+    const OwnedFile file = open("/a", "r");
+    EXPECT_EQ(AaFileSetPosition(file.get(), -1, EAaFileOrigin_End), 0);
+    EXPECT_EQ(AaFileGetPosition(file.get()), 0x7FFFFFFF);
+    EXPECT_EQ(AaFileSetPosition(file.get(), 0, EAaFileOrigin_End), 0);
+    EXPECT_EQ(AaFileGetPosition(file.get()), -1);
+    EXPECT_EQ(errno, EOVERFLOW);
+}
+
+TEST_F(AaFileTest, PipeHasNoPosition)
+{
+    makePipe();
+    const OwnedFile file = open("/fifo", "r+");
+    EXPECT_EQ(AaFileSetPosition(file.get(), 0, EAaFileOrigin_Begin), 1);
+    EXPECT_EQ(AaFileGetPosition(file.get()), -1);
+}
+
+TEST_F(AaFileTest, OpeningAPipeWaitsForNobody)
+{
+    makePipe();
+    EXPECT_EQ(read(open("/fifo", "r"), 10), "");
+    EXPECT_EQ(AaFileOpen("/fifo", "w"), nullptr);
+    EXPECT_EQ(errno, ENXIO);
+}
+
+TEST_F(AaFileTest, ReadingFromAPipeWaitsForItsWriter)
+{
+    makePipe();
+    const OwnedFile reader = open("/fifo", "r");
+    const OwnedFile writer = open("/fifo", "w");
+    std::string text;
+    std::thread other([&] { text = read(reader, 4); });
+    EXPECT_EQ(write(writer, "te"), 2);
+    EXPECT_EQ(write(writer, "xt"), 2);
+    other.join();
+    EXPECT_EQ(text, "text");
 }
 
 TEST_F(AaFileTest, NullFileIsNoCrash)
@@ -323,6 +418,8 @@ TEST_F(AaFileTest, NullFileIsNoCrash)
     EXPECT_EQ(AaFileWrite(nullptr, &byte, 1), -1);
     EXPECT_EQ(AaFileReadLine(nullptr, &byte, 1), -1);
     EXPECT_EQ(AaFileGetSize(nullptr), -1);
+    EXPECT_EQ(AaFileSetPosition(nullptr, 0, EAaFileOrigin_Begin), 1);
+    EXPECT_EQ(AaFileGetPosition(nullptr), -1);
 }
 
 TEST_F(AaFileTest, NullBufferIsRefused)
