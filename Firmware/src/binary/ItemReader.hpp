@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+/// @file ItemReader.hpp
+/// Reads a file item by item, many at a time.
+#pragma once
+
+#include "AaFile.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+namespace vel::hwapi::firmware {
+
+/// Gives what single reads into one and the same item would: after the last whole item of the file that item again and
+/// again, or 0 where there is none.
+class ItemReader {
+public:
+    using Item = std::uint32_t;
+
+    /// @param file is read from its position on and outlives the reader
+    explicit ItemReader(AaFile& file);
+
+    /// Whether there was memory.
+    bool isUsable() const { return m_block != nullptr; }
+
+    /// The next items, at least one and @p most at most. Valid until the next call. @p most is not 0.
+    std::span<const Item> next(std::size_t most);
+
+private:
+    std::size_t read(std::span<Item> items);
+
+    /// Small enough for a processor's cache, large enough that a call weighs nothing.
+    static constexpr std::size_t itemsPerBlock = 8192;
+
+    AaFile& m_file;
+    std::unique_ptr<Item[]> m_block;
+    Item m_last = 0;
+    bool m_hasEnded = false;
+};
+
+} // namespace vel::hwapi::firmware
