@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+/// @file ImageFuzz.cpp
+/// Any bytes as a firmware image: every reader gives one of its results, and they agree with each other.
+#include "AaCpu.h"
+#include "binary.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <syslog.h>
+#include <zlib.h>
+
+namespace {
+
+constexpr std::uint32_t ownId = 0x3A01;
+
+void require(bool holds)
+{
+    if (!holds) {
+        std::abort();
+    }
+}
+
+/// A board root of this program's own.
+class FuzzBoard {
+public:
+    FuzzBoard()
+    {
+        require(mkdtemp(m_directory.data()) != nullptr);
+        setenv("DORN_ROOT", m_directory.c_str(), 1);
+        setenv("DORN_RUN_DIR", m_directory.c_str(), 1);
+        setenv("DORN_LOG", "none", 1);
+    }
+    ~FuzzBoard()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_directory, ignored);
+    }
+    FuzzBoard(const FuzzBoard&) = delete;
+    FuzzBoard& operator=(const FuzzBoard&) = delete;
+
+    void write(const std::string& image) const { std::ofstream(m_directory + "/image.bin", std::ios::binary) << image; }
+    std::string payload() const
+    {
+        std::ifstream file(m_directory + "/payload", std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+private:
+    std::string m_directory = std::filesystem::temp_directory_path().string() + "/imageXXXXXX";
+};
+
+template <std::size_t count>
+bool isOneOf(std::int32_t result, const std::array<std::int32_t, count>& results)
+{
+    return std::find(results.begin(), results.end(), result) != results.end();
+}
+
+/// Where the trailer begins; 0 when there is none.
+std::uint32_t beginningIn(const std::string& image)
+{
+    std::uint32_t beginning = 0;
+    if (image.size() < sizeof beginning) {
+        return 0;
+    }
+    std::memcpy(&beginning, image.data() + image.size() - sizeof beginning, sizeof beginning);
+    AaCpuBitSwapByteOrder32(&beginning);
+    return beginning < image.size() ? beginning : 0;
+}
+
+void checkTrailer(const std::string& image)
+{
+    std::uint32_t beginning = 0;
+    char* trailer = nullptr;
+    const std::uint32_t result = get_trailer("/image.bin", &beginning, &trailer);
+    require((result == BINARY_OK) == (beginningIn(image) != 0));
+    if (result == BINARY_OK) {
+        require(image.substr(beginning) == std::string(trailer, image.size() - beginning));
+    }
+    std::free(trailer);
+}
+
+void checkCopy(const FuzzBoard& board, const std::string& image)
+{
+    const std::int32_t result = binary_copy_without_trailer("/image.bin", "/payload");
+    require(isOneOf<3>(result, {BINARY_COPY_OK, BINARY_COPY_NO_OFFSET_WORD, BINARY_COPY_OFFSET_INVALID}));
+    require(result != BINARY_COPY_OK || board.payload() == image.substr(0, beginningIn(image)));
+}
+
+void checkVersion(std::int32_t wholeness)
+{
+    std::uint32_t version = 1;
+    const std::int32_t result = binary_version("/image.bin", ownId, 1, &version);
+    require(isOneOf<5>(result, {0, -1, -2, -3, 1}));
+    require(result == 0 || version == 0);
+    const bool isRead = wholeness == BINARY_OK || wholeness == BINARY_CRC_MISMATCH;
+    require(isRead == (result == 0 || result == 1));
+}
+
+} // namespace
+
+// The lines of the readers are nobody's business here.
+extern "C" void syslog(int /*priority*/, const char* /*format*/, ...) {}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static const FuzzBoard board;
+    const std::string image(reinterpret_cast<const char*>(data), size);
+    board.write(image);
+
+    checkTrailer(image);
+    checkCopy(board, image);
+    const std::int32_t wholeness = binary_crc("/image.bin");
+    require(isOneOf<5>(wholeness, {0, 70401, 70406, 70407, 70413}));
+    checkVersion(wholeness);
+    const std::int32_t validity = binary_validate("/image.bin", ownId);
+    require(wholeness == BINARY_OK ? isOneOf<2>(validity, {0, 70411}) : validity == wholeness);
+
+    const std::uint32_t beginning = beginningIn(image);
+    std::uint32_t crc = 0;
+    require(calculate_crc("/image.bin", beginning, &crc) == BINARY_OK);
+    require(crc == crc32(0, reinterpret_cast<const Bytef*>(image.data()), beginning));
+    return 0;
+}

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#include "FailingNew.hpp"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+constinit std::atomic<std::size_t> callsLeft{0}; ///< up to the one that fails; 0: none does
+
+bool isToFail()
+{
+    std::size_t left = callsLeft.load();
+    while (left != 0 && !callsLeft.compare_exchange_weak(left, left - 1)) {
+    }
+    return left == 1;
+}
+
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    void* const block = isToFail() ? nullptr : std::malloc(size);
+    if (!block) {
+        throw std::bad_alloc();
+    }
+    return block;
+}
+
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
+{
+    return isToFail() ? nullptr : std::malloc(size);
+}
+
+void operator delete(void* block) noexcept
+{
+    std::free(block);
+}
+
+void operator delete(void* block, std::size_t /*size*/) noexcept
+{
+    std::free(block);
+}
+
+namespace dorn::test {
+
+FailingNew::FailingNew(std::size_t nth)
+{
+    callsLeft.store(nth);
+}
+
+FailingNew::~FailingNew()
+{
+    callsLeft.store(0);
+}
+
+bool FailingNew::hasFailed() const
+{
+    return callsLeft.load() == 0;
+}
+
+} // namespace dorn::test
