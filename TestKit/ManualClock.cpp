@@ -2,14 +2,12 @@
 #include "ManualClock.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <climits>
-#include <poll.h>
-#include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <system_error>
 #include <unistd.h>
+#include <vector>
 
 namespace dorn::testkit {
 namespace {
@@ -164,36 +162,27 @@ void ManualClock::waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expe
     }
 }
 
-int ManualClock::waitEvents(int epollDescriptor, epoll_event* events, int capacity, Deadline until)
+int ManualClock::waitDescriptors(std::span<pollfd> entries, Deadline until)
 {
-    if (until == noDeadline) {
-        return m_real.waitEvents(epollDescriptor, events, capacity, noDeadline);
-    }
     host::Clock& real = m_real; // this clock may have ended when its sleeper wakes up
-    sleepOn(epollDescriptor, POLLIN, until);
-    return real.waitEvents(epollDescriptor, events, capacity, atOnce);
-}
-
-bool ManualClock::waitDescriptor(int descriptor, short events, Deadline until)
-{
     if (until == noDeadline) {
-        return m_real.waitDescriptor(descriptor, events, noDeadline);
+        return real.waitDescriptors(entries, noDeadline);
     }
-    host::Clock& real = m_real; // as above
-    sleepOn(descriptor, events, until);
-    return real.waitDescriptor(descriptor, events, atOnce);
+    sleepOn(entries, until);
+    return real.waitDescriptors(entries, atOnce);
 }
 
-void ManualClock::sleepOn(int descriptor, short events, Deadline until)
+void ManualClock::sleepOn(std::span<const pollfd> entries, Deadline until)
 {
     if (until <= monotonic()) {
         return; // the usual look without waiting; needs no bell
     }
     const Bell bell;
+    std::vector<pollfd> withBell(entries.begin(), entries.end());
+    withBell.push_back({bell.descriptor(), POLLIN, 0});
     const Registration registration(*this, {.until = until, .bell = bell.descriptor()});
-    std::array<pollfd, 2> entries{pollfd{descriptor, events, 0}, pollfd{bell.descriptor(), POLLIN, 0}};
     if (registration.isAhead()) {
-        poll(entries.data(), entries.size(), -1);
+        m_real.waitDescriptors(withBell, noDeadline);
     }
 }
 

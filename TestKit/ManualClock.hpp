@@ -12,6 +12,7 @@
 #include <list>
 #include <mutex>
 #include <optional>
+#include <span>
 
 namespace dorn::testkit {
 
@@ -46,15 +47,14 @@ public:
     host::Nanoseconds wall() const override;
     void waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expected, host::Deadline until,
                    bool shared) override;
-    int waitEvents(int epollDescriptor, epoll_event* events, int capacity, host::Deadline until) override;
-    bool waitDescriptor(int descriptor, short events, host::Deadline until) override;
+    int waitDescriptors(std::span<pollfd> entries, host::Deadline until) override;
 
 private:
     struct Sleeper;
     class Registration;
 
     void wakeExpired(std::unique_lock<std::mutex>& lock);
-    void sleepOn(int descriptor, short events, host::Deadline until);
+    void sleepOn(std::span<const pollfd> entries, host::Deadline until);
 
     host::Clock& m_real{host::Clock::get()};
     mutable std::mutex m_mutex;

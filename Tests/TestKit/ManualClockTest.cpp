@@ -6,10 +6,11 @@
 #include "NodeTest.hpp"
 
 #include <array>
+#include <atomic>
 #include <chrono>
+#include <csignal>
 #include <latch>
 #include <poll.h>
-#include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <thread>
 #include <unistd.h>
@@ -31,33 +32,29 @@ protected:
     ManualClock m_clock;
 };
 
-/// An eventfd, and an epoll descriptor that watches it.
+/// Two eventfds; the second can be signalled.
 class Watched {
 public:
-    Watched() : m_event(eventfd(0, EFD_CLOEXEC)), m_epoll(epoll_create1(EPOLL_CLOEXEC))
-    {
-        epoll_event event{EPOLLIN, {nullptr}};
-        epoll_ctl(m_epoll, EPOLL_CTL_ADD, m_event, &event);
-    }
     ~Watched()
     {
-        close(m_epoll);
+        close(m_quiet);
         close(m_event);
     }
+    Watched() = default;
     Watched(const Watched&) = delete;
     Watched& operator=(const Watched&) = delete;
 
     int event() const { return m_event; }
     void signal() const { eventfd_write(m_event, 1); }
-    int waitEvents(Deadline until) const
+    int wait(Deadline until) const
     {
-        std::array<epoll_event, 4> events{};
-        return Clock::get().waitEvents(m_epoll, events.data(), events.size(), until);
+        std::array<pollfd, 2> entries{pollfd{m_quiet, POLLIN, 0}, pollfd{m_event, POLLIN, 0}};
+        return Clock::get().waitDescriptors(entries, until);
     }
 
 private:
-    int m_event;
-    int m_epoll;
+    int m_quiet = eventfd(0, EFD_CLOEXEC);
+    int m_event = eventfd(0, EFD_CLOEXEC);
 };
 
 TEST_F(ManualClockTest, StandsStill)
@@ -171,11 +168,11 @@ TEST_F(ManualClockTest, SemaphoreTimeOutFollowsTheClock)
     AaSemDestroy(&semaphore);
 }
 
-TEST_F(ManualClockTest, EventEndsAWaitForEvents)
+TEST_F(ManualClockTest, EventEndsAWaitForSeveralDescriptors)
 {
     const Watched watched;
     int count = -1;
-    std::jthread waiter([&] { count = watched.waitEvents(after(10s)); });
+    std::jthread waiter([&] { count = watched.wait(after(10s)); });
     ASSERT_TRUE(m_clock.waitForSleepers());
 
     watched.signal();
@@ -184,11 +181,11 @@ TEST_F(ManualClockTest, EventEndsAWaitForEvents)
     EXPECT_EQ(count, 1);
 }
 
-TEST_F(ManualClockTest, DeadlineEndsAWaitForEvents)
+TEST_F(ManualClockTest, DeadlineEndsAWaitForSeveralDescriptors)
 {
     const Watched watched;
     int count = -1;
-    std::jthread waiter([&] { count = watched.waitEvents(after(10s)); });
+    std::jthread waiter([&] { count = watched.wait(after(10s)); });
     ASSERT_TRUE(m_clock.waitForSleepers());
 
     m_clock.advance(10s);
@@ -197,15 +194,15 @@ TEST_F(ManualClockTest, DeadlineEndsAWaitForEvents)
     EXPECT_EQ(count, 0);
 }
 
-TEST_F(ManualClockTest, EventsThatAreThereAreSeenThoughTheDeadlineHasPassed)
+TEST_F(ManualClockTest, DescriptorsThatAreReadyAreSeenThoughTheDeadlineHasPassed)
 {
     const Watched watched;
-    EXPECT_EQ(watched.waitEvents(m_clock.monotonic()), 0);
+    EXPECT_EQ(watched.wait(m_clock.monotonic()), 0);
 
     watched.signal();
 
-    EXPECT_EQ(watched.waitEvents(m_clock.monotonic()), 1);
-    EXPECT_EQ(watched.waitEvents(noDeadline), 1);
+    EXPECT_EQ(watched.wait(m_clock.monotonic()), 1);
+    EXPECT_EQ(watched.wait(noDeadline), 1);
 }
 
 TEST_F(ManualClockTest, DescriptorEndsAWaitForIt)
@@ -245,13 +242,39 @@ TEST_F(ManualClockTest, DescriptorThatIsReadyIsSeenThoughTheDeadlineHasPassed)
     EXPECT_TRUE(Clock::get().waitDescriptor(watched.event(), POLLIN, noDeadline));
 }
 
+TEST_F(ManualClockTest, SignalDoesNotEndAWaitForDescriptors)
+{
+    static std::atomic<int> signals{0};
+    signals.store(0);
+    struct sigaction action {};
+    struct sigaction before {};
+    action.sa_handler = [](int) { signals.fetch_add(1); };
+    sigaction(SIGUSR1, &action, &before);
+    const Watched watched;
+    const Deadline until = after(10s);
+    std::thread interrupter([&, self = pthread_self()] {
+        EXPECT_TRUE(m_clock.waitForSleepers());
+        while (signals.load() < 200) { // more than can come before the wait has begun
+            pthread_kill(self, SIGUSR1);
+            std::this_thread::yield();
+        }
+        EXPECT_EQ(m_clock.nextDeadline(), until);
+        watched.signal();
+    });
+
+    EXPECT_EQ(watched.wait(until), 1);
+
+    interrupter.join();
+    sigaction(SIGUSR1, &before, nullptr);
+}
+
 TEST_F(ManualClockTest, NextDeadlineIsTheEarliest)
 {
     const Watched watched;
     const Deadline late = after(20s);
     const Deadline early = after(10s);
-    const std::jthread first([&] { watched.waitEvents(late); });
-    const std::jthread second([&] { watched.waitEvents(early); });
+    const std::jthread first([&] { watched.wait(late); });
+    const std::jthread second([&] { watched.wait(early); });
     ASSERT_TRUE(m_clock.waitForSleepers(2));
 
     EXPECT_EQ(m_clock.nextDeadline(), early);
@@ -274,7 +297,7 @@ TEST(ManualClockLifeTest, EndLetsSleepersGo)
     {
         ManualClock clock;
         const Deadline until = clock.monotonic() + 10s;
-        onDescriptor = std::jthread([&watched, until] { watched.waitEvents(until); });
+        onDescriptor = std::jthread([&watched, until] { watched.wait(until); });
         onWord = std::jthread([semaphore] { AaSemTake(semaphore, 10'000'000); });
         ASSERT_TRUE(clock.waitForSleepers(2));
     }

@@ -6,8 +6,8 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
-
-struct epoll_event;
+#include <poll.h>
+#include <span>
 
 namespace dorn::host {
 
@@ -32,14 +32,14 @@ public:
     /// @param shared whether the word lies in memory that other processes map
     virtual void waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expected, Deadline until, bool shared) = 0;
 
-    /// Waits for events of an epoll descriptor, at most until @p until.
-    /// @return the number of events stored; 0 when the time has passed or a signal came.
-    virtual int waitEvents(int epollDescriptor, epoll_event* events, int capacity, Deadline until) = 0;
+    /// Waits until one of the descriptors has one of the events that its entry asks for or fails, at most until
+    /// @p until. The entries are those of `poll`; a negative descriptor is passed over. A signal does not end the wait.
+    /// @return the number of entries with something in `revents`; 0 when the time has passed; at once -1 with `errno`
+    /// set when they cannot be waited for, as when they are more than the process may have open.
+    virtual int waitDescriptors(std::span<pollfd> entries, Deadline until) = 0;
 
-    /// Waits until @p descriptor has one of the `poll` @p events or fails, at most until @p until. A signal does not
-    /// end the wait.
-    /// @return whether it has; false when the time has passed.
-    virtual bool waitDescriptor(int descriptor, short events, Deadline until) = 0;
+    /// The same for one descriptor. @return whether it has one of the `poll` @p events, or has failed.
+    bool waitDescriptor(int descriptor, short events, Deadline until);
 
     /// The clock in use.
     static Clock& get() { return *s_current.load(std::memory_order_acquire); }

@@ -9,7 +9,6 @@
 #include <linux/futex.h>
 #include <poll.h>
 #include <pthread.h>
-#include <sys/epoll.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -56,36 +55,23 @@ public:
         pthread_setcanceltype(cancelType, nullptr);
     }
 
-    int waitEvents(int epollDescriptor, epoll_event* events, int capacity, Deadline until) override
-    {
-        const int milliseconds = until == noDeadline ? -1 : 0;
-        if (until == noDeadline || until <= Nanoseconds(0)) {
-            return std::max(epoll_wait(epollDescriptor, events, capacity, milliseconds), 0);
-        }
-        const timespec left = timeLeft(until, monotonic());
-        const int count = epoll_pwait2(epollDescriptor, events, capacity, &left, nullptr);
-        if (count < 0 && errno == ENOSYS) { // Linux before 5.11, and emulated processors
-            pollOnce(epollDescriptor, POLLIN, until);
-            return std::max(epoll_wait(epollDescriptor, events, capacity, 0), 0);
-        }
-        return std::max(count, 0);
-    }
-
-    bool waitDescriptor(int descriptor, short events, Deadline until) override
+    int waitDescriptors(std::span<pollfd> entries, Deadline until) override
     {
         int count = 0;
         do {
-            count = pollOnce(descriptor, events, until);
+            count = pollOnce(entries, until);
         } while (count < 0 && errno == EINTR);
-        return count > 0;
+        return count;
     }
 
 private:
-    int pollOnce(int descriptor, short events, Deadline until) const
+    int pollOnce(std::span<pollfd> entries, Deadline until) const
     {
-        pollfd entry{descriptor, events, 0};
+        if (until == noDeadline || until <= Deadline(0)) { // needs no time
+            return poll(entries.data(), entries.size(), until == noDeadline ? -1 : 0);
+        }
         const timespec left = timeLeft(until, monotonic());
-        return ppoll(&entry, 1, until == noDeadline ? nullptr : &left, nullptr);
+        return ppoll(entries.data(), entries.size(), &left, nullptr);
     }
 };
 
@@ -94,6 +80,12 @@ SystemClock systemClock;
 } // namespace
 
 constinit std::atomic<Clock*> Clock::s_current{&systemClock};
+
+bool Clock::waitDescriptor(int descriptor, short events, Deadline until)
+{
+    pollfd entry{descriptor, events, 0};
+    return waitDescriptors({&entry, 1}, until) > 0;
+}
 
 Deadline Clock::after(std::int64_t timeout) const
 {

@@ -166,7 +166,8 @@ std::unique_ptr<UnixEndpoint> UnixEndpoint::open(const RunDirectory& directory, 
     }
     const int descriptor = listener.get();
     std::unique_ptr<UnixEndpoint> endpoint(new UnixEndpoint(directory, cpid, std::move(listener), waitSet, sink));
-    return waitSet.add(descriptor, *endpoint) ? std::move(endpoint) : nullptr;
+    waitSet.add(descriptor, *endpoint);
+    return endpoint;
 }
 
 UnixEndpoint::UnixEndpoint(const RunDirectory& directory, TAaSysComCpid cpid, UnixSocket listener, WaitSet& waitSet,
@@ -250,12 +251,11 @@ void UnixEndpoint::accept(UnixSocket socket)
     if (!isCredible(socket, credentials)) {
         return;
     }
-    auto connection = std::make_unique<Connection>(*this, std::move(socket), credentials.pid);
-    if (m_waitSet.add(connection->descriptor(), *connection)) {
-        m_connections.push_back(std::move(connection));
-        if (!m_isEnding) {
-            m_connections.back()->onReadable(); // what was sent before the connection was taken
-        }
+    Connection& connection =
+        *m_connections.emplace_back(std::make_unique<Connection>(*this, std::move(socket), credentials.pid));
+    m_waitSet.add(connection.descriptor(), connection);
+    if (!m_isEnding) {
+        connection.onReadable(); // what was sent before the connection was taken
     }
 }
 

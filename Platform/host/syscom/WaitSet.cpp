@@ -2,11 +2,7 @@
 #include "syscom/WaitSet.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <cstdint>
-#include <poll.h>
-#include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <sys/syscall.h>
 #include <system_error>
@@ -15,36 +11,25 @@
 namespace dorn::host {
 namespace {
 
-constexpr int eventsAtOnce = 16;
-
 /// How long sources are left alone when one of them cannot be served.
 constexpr std::chrono::milliseconds holdOffTime{10};
 
 } // namespace
 
-WaitSet::WaitSet() : m_epoll(epoll_create1(EPOLL_CLOEXEC)), m_bell(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+WaitSet::WaitSet() : m_bell(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
 {
-    // Edge-triggered, so that a ring costs the waiter no read.
-    epoll_event event{EPOLLIN | EPOLLET, {nullptr}};
-    if (m_epoll < 0 || m_bell < 0 || epoll_ctl(m_epoll, EPOLL_CTL_ADD, m_bell, &event) != 0) {
-        const int error = errno;
-        close(m_epoll);
-        close(m_bell);
-        throw std::system_error(error, std::generic_category(), "message queue");
+    if (!m_bell) {
+        throw std::system_error(errno, std::generic_category(), "message queue");
     }
-}
-
-WaitSet::~WaitSet()
-{
-    close(m_epoll);
-    close(m_bell);
+    m_watched = {{{m_bell.get(), POLLIN, 0}}, {nullptr}};
+    m_waitedFor = m_watched;
 }
 
 void WaitSet::ring() noexcept
 {
     const int saved = errno;
     const std::uint64_t one = 1;
-    syscall(SYS_write, m_bell, &one, sizeof one); // unlike `write` no cancellation point: nobody waits here
+    syscall(SYS_write, m_bell.get(), &one, sizeof one); // unlike `write` no cancellation point: nobody waits here
     errno = saved;
 }
 
@@ -75,20 +60,43 @@ void WaitSet::wait(Deadline until)
     if (!isServing(until)) {
         return;
     }
-    std::array<epoll_event, eventsAtOnce> events; // NOLINT: filled by the call
-    const std::uint32_t removalsBefore = m_removals.load(std::memory_order_acquire);
-    const int count = Clock::get().waitEvents(m_epoll, events.data(), eventsAtOnce, until);
-    if (count == 0 || (count == 1 && !events[0].data.ptr)) {
+    takeOverChanges();
+    int ready = Clock::get().waitDescriptors(m_waitedFor.descriptors, until);
+    if (ready < 0) {
+        holdOff();
         return;
     }
-    const std::lock_guard lock(m_mutex);
-    if (m_removals.load(std::memory_order_relaxed) != removalsBefore) {
-        return; // an event may name a source that has ended; the others are reported again
+    if (ready > 0 && m_waitedFor.descriptors.front().revents != 0) {
+        silenceBell();
+        --ready;
     }
-    for (int index = 0; index < count; ++index) {
-        if (auto* const source = static_cast<WaitSource*>(events[static_cast<std::size_t>(index)].data.ptr)) {
-            m_lastServed = source;
-            source->onReadable();
+    if (ready > 0) {
+        serveReadable();
+    }
+}
+
+void WaitSet::takeOverChanges()
+{
+    if (m_changes.load(std::memory_order_acquire) != m_changesKnown) {
+        const std::lock_guard lock(m_mutex);
+        m_waitedFor = m_watched;
+        m_changesKnown = m_changes.load(std::memory_order_relaxed);
+    }
+}
+
+void WaitSet::serveReadable()
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_changes.load(std::memory_order_relaxed) != m_changesKnown) {
+        return; // a source may have ended; whatever is readable is found so again
+    }
+    const std::size_t count = m_waitedFor.sources.size() - 1;
+    ++m_turns; // another is the first each time, as the first may leave no room for what the others have
+    for (std::size_t offset = 0; offset < count; ++offset) {
+        const std::size_t place = 1 + (m_turns + offset) % count;
+        if (m_waitedFor.descriptors[place].revents != 0) {
+            m_lastServed = m_waitedFor.sources[place];
+            m_lastServed->onReadable();
         }
     }
 }
@@ -106,32 +114,47 @@ void WaitSet::serveLast()
 
 void WaitSet::waitForRing(Deadline until, const std::atomic<bool>& isRung)
 {
-    std::uint64_t rings = 0;
-    [[maybe_unused]] const ssize_t drained = read(m_bell, &rings, sizeof rings);
+    silenceBell();
     if (!isRung.load()) {
-        Clock::get().waitDescriptor(m_bell, POLLIN, until);
+        Clock::get().waitDescriptor(m_bell.get(), POLLIN, until);
     }
 }
 
-bool WaitSet::add(int descriptor, WaitSource& source)
+void WaitSet::silenceBell()
 {
-    const std::lock_guard lock(m_mutex); // what the source is was written before the waiting thread looks at it
-    epoll_event event{EPOLLIN, {&source}};
-    if (epoll_ctl(m_epoll, EPOLL_CTL_ADD, descriptor, &event) != 0) {
-        return false;
-    }
-    m_sources.fetch_add(1, std::memory_order_relaxed);
-    return true;
+    std::uint64_t rings = 0;
+    [[maybe_unused]] const ssize_t drained = read(m_bell.get(), &rings, sizeof rings);
+}
+
+void WaitSet::add(int descriptor, WaitSource& source)
+{
+    const std::lock_guard lock(m_mutex);
+    m_watched.descriptors.reserve(m_watched.descriptors.size() + 1); // so that both grow or neither
+    m_watched.sources.push_back(&source);
+    m_watched.descriptors.push_back({descriptor, POLLIN, 0});
+    noteChange();
 }
 
 void WaitSet::remove(int descriptor)
 {
     m_lastServed = nullptr;
-    if (epoll_ctl(m_epoll, EPOLL_CTL_DEL, descriptor, nullptr) == 0) { // else it could not be added
-        m_sources.fetch_sub(1, std::memory_order_relaxed);
+    auto& [descriptors, sources] = m_watched;
+    const auto found = std::find_if(descriptors.begin(), descriptors.end(),
+                                    [descriptor](const pollfd& entry) { return entry.fd == descriptor; });
+    if (found == descriptors.end()) {
+        return;
     }
-    // After the removal: who has seen this count is told of no source that has ended.
-    m_removals.fetch_add(1, std::memory_order_acq_rel);
+    sources.erase(sources.begin() + (found - descriptors.begin()));
+    descriptors.erase(found);
+    noteChange();
+}
+
+/// Has the waiting thread look again: it would not notice the new, and keep the old from being closed.
+void WaitSet::noteChange()
+{
+    m_sourceCount.store(m_watched.sources.size() - 1, std::memory_order_relaxed);
+    m_changes.fetch_add(1, std::memory_order_release);
+    ring();
 }
 
 } // namespace dorn::host

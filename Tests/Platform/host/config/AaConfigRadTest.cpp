@@ -342,13 +342,9 @@ public:
     {
         m_real.waitWhile(word, expected, until, shared);
     }
-    int waitEvents(int epoll, epoll_event* events, int capacity, dorn::host::Deadline until) override
+    int waitDescriptors(std::span<pollfd> entries, dorn::host::Deadline until) override
     {
-        return m_real.waitEvents(epoll, events, capacity, until);
-    }
-    bool waitDescriptor(int descriptor, short events, dorn::host::Deadline until) override
-    {
-        return m_real.waitDescriptor(descriptor, events, until);
+        return m_real.waitDescriptors(entries, until);
     }
     const std::vector<std::uint32_t>& seen() const { return m_seen; }
 

@@ -24,13 +24,9 @@ public:
         m_sleeps.notify_all();
         m_real.waitWhile(word, expected, until, shared);
     }
-    int waitEvents(int epoll, epoll_event* events, int capacity, Deadline until) override
+    int waitDescriptors(std::span<pollfd> entries, Deadline until) override
     {
-        return m_real.waitEvents(epoll, events, capacity, until);
-    }
-    bool waitDescriptor(int descriptor, short events, Deadline until) override
-    {
-        return m_real.waitDescriptor(descriptor, events, until);
+        return m_real.waitDescriptors(entries, until);
     }
 
     /// Waits until there have been more than @p count sleeps; the latest may just be about to begin.

@@ -177,11 +177,10 @@ public:
                    bool /*shared*/) override
     {
     }
-    int waitEvents(int /*epoll*/, epoll_event* /*events*/, int /*capacity*/, Deadline /*until*/) override { return 0; }
-    bool waitDescriptor(int /*descriptor*/, short /*events*/, Deadline until) override
+    int waitDescriptors(std::span<pollfd> /*entries*/, Deadline until) override
     {
         waits.push_back(until - monotonic());
-        return false;
+        return 0;
     }
 
     std::vector<Nanoseconds> waits;

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
@@ -13,9 +14,10 @@
 #include <new>
 #include <poll.h>
 #include <pthread.h>
-#include <sys/epoll.h>
+#include <span>
 #include <sys/eventfd.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
 
@@ -24,42 +26,37 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A descriptor that is readable once it has been rung, and an epoll descriptor that watches it.
+/// A descriptor that is readable once it has been rung.
 class Bell {
 public:
-    Bell()
-    {
-        epoll_event event{EPOLLIN, {nullptr}};
-        epoll_ctl(m_epoll, EPOLL_CTL_ADD, m_bell, &event);
-    }
-    ~Bell()
-    {
-        close(m_epoll);
-        close(m_bell);
-    }
+    ~Bell() { close(m_bell); }
+    Bell() = default;
     Bell(const Bell&) = delete;
     Bell& operator=(const Bell&) = delete;
 
     int descriptor() const { return m_bell; }
-    int epoll() const { return m_epoll; }
     void ring() const { eventfd_write(m_bell, 1); }
 
 private:
     int m_bell = eventfd(0, EFD_CLOEXEC);
-    int m_epoll = epoll_create1(EPOLL_CLOEXEC);
 };
 
 class SystemClockTest : public ::testing::Test {
 protected:
     Deadline in(Nanoseconds time) const { return m_clock.monotonic() + time; }
-    int waitEvents(Deadline until) const
+    /// Waits until one of the bells is readable.
+    int waitForBells(Deadline until)
     {
-        std::array<epoll_event, 4> events{};
-        return m_clock.waitEvents(m_bell.epoll(), events.data(), 4, until);
+        for (pollfd& entry : m_entries) {
+            entry.revents = 0;
+        }
+        return m_clock.waitDescriptors(m_entries, until);
     }
 
     Clock& m_clock = Clock::get();
     Bell m_bell;
+    Bell m_other;
+    std::array<pollfd, 2> m_entries{pollfd{m_bell.descriptor(), POLLIN, 0}, pollfd{m_other.descriptor(), POLLIN, 0}};
     std::atomic<std::uint32_t> m_word{0};
 };
 
@@ -158,58 +155,79 @@ TEST_F(SystemClockTest, WakeUpReachesTheWaitOfAnotherProcess)
     munmap(memory, sizeof(std::atomic<std::uint32_t>));
 }
 
-TEST_F(SystemClockTest, WaitForEventsEndsAtItsDeadlineAndNotBefore)
+TEST_F(SystemClockTest, WaitForDescriptorsEndsAtItsDeadlineAndNotBefore)
 {
     for (const Nanoseconds time : {Nanoseconds(1), Nanoseconds(50us), Nanoseconds(5ms)}) {
         const Deadline until = in(time);
 
-        EXPECT_EQ(waitEvents(until), 0);
+        EXPECT_EQ(waitForBells(until), 0);
 
         EXPECT_GE(m_clock.monotonic(), until);
     }
 }
 
-TEST_F(SystemClockTest, WaitForEventsEndsWithAnEvent)
+TEST_F(SystemClockTest, WaitForDescriptorsEndsWhenOneIsReadyAndTellsWhich)
+{
+    m_other.ring();
+
+    for (const Deadline until : {Deadline(0), in(20s), noDeadline}) {
+        EXPECT_EQ(waitForBells(until), 1);
+        EXPECT_EQ(m_entries[0].revents, 0);
+        EXPECT_EQ(m_entries[1].revents, POLLIN);
+    }
+}
+
+TEST_F(SystemClockTest, WaitForDescriptorsTellsOfAllThatAreReady)
 {
     m_bell.ring();
+    m_other.ring();
 
-    EXPECT_EQ(waitEvents(Deadline(0)), 1);
-    EXPECT_EQ(waitEvents(in(20s)), 1);
-    EXPECT_EQ(waitEvents(noDeadline), 1);
+    EXPECT_EQ(waitForBells(noDeadline), 2);
+
+    EXPECT_EQ(m_entries[0].revents, POLLIN);
+    EXPECT_EQ(m_entries[1].revents, POLLIN);
 }
 
-TEST_F(SystemClockTest, EventsBeyondTheCapacityAreLeftForTheNextWait)
+TEST_F(SystemClockTest, WaitForNoDescriptorEndsAtItsDeadlineAndNotBefore)
 {
-    const Bell other;
-    epoll_event event{EPOLLIN, {nullptr}};
-    ASSERT_EQ(epoll_ctl(m_bell.epoll(), EPOLL_CTL_ADD, other.descriptor(), &event), 0);
+    const Deadline until = in(5ms);
+
+    EXPECT_EQ(m_clock.waitDescriptors({}, until), 0);
+    EXPECT_GE(m_clock.monotonic(), until);
+
     m_bell.ring();
-    other.ring();
-
-    EXPECT_EQ(m_clock.waitEvents(m_bell.epoll(), &event, 1, noDeadline), 1);
-    EXPECT_EQ(waitEvents(noDeadline), 2);
+    m_entries[0].fd = -1;
+    EXPECT_EQ(waitForBells(Deadline(0)), 0);
 }
 
-TEST_F(SystemClockTest, WaitForEventsOfNoDescriptorEndsAtOnce)
+TEST_F(SystemClockTest, WaitForMoreDescriptorsThanTheProcessMayHaveFailsAtOnce)
 {
-    epoll_event event{};
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    rlimit one = before;
+    one.rlim_cur = 1;
+    setrlimit(RLIMIT_NOFILE, &one);
 
-    EXPECT_EQ(m_clock.waitEvents(-1, &event, 1, noDeadline), 0);
+    errno = 0;
+    EXPECT_EQ(waitForBells(noDeadline), -1);
+
+    EXPECT_EQ(errno, EINVAL);
+    setrlimit(RLIMIT_NOFILE, &before);
 }
 
-TEST_F(SystemClockTest, EventThatComesLaterEndsTheWait)
+TEST_F(SystemClockTest, DescriptorThatBecomesReadyEndsTheWait)
 {
-    std::thread ringer([this] { m_bell.ring(); });
+    std::thread ringer([this] { m_other.ring(); });
 
-    EXPECT_EQ(waitEvents(noDeadline), 1);
+    EXPECT_EQ(waitForBells(noDeadline), 1);
 
     ringer.join();
 }
 
 TEST_F(SystemClockTest, PastDeadlineOnlyLooks)
 {
-    EXPECT_EQ(waitEvents(Deadline(0)), 0);
-    EXPECT_EQ(waitEvents(in(-1s)), 0);
+    EXPECT_EQ(waitForBells(Deadline(0)), 0);
+    EXPECT_EQ(waitForBells(in(-1s)), 0);
     EXPECT_FALSE(m_clock.waitDescriptor(m_bell.descriptor(), POLLIN, Deadline(0)));
     m_clock.waitWhile(m_word, 0, in(-1s), false);
 }
@@ -258,27 +276,7 @@ private:
     struct sigaction m_before {};
 };
 
-TEST_F(SystemClockTest, SignalEndsAWaitForEvents)
-{
-    static std::atomic<bool> hasCome{false};
-    hasCome.store(false);
-    const SignalHandler handler([](int) { hasCome.store(true); });
-    std::atomic<bool> isOver{false};
-    std::thread interrupter([&, self = pthread_self()] {
-        while (!isOver.load()) { // until one meets the wait
-            pthread_kill(self, SIGUSR1);
-            std::this_thread::yield();
-        }
-    });
-
-    EXPECT_EQ(waitEvents(noDeadline), 0);
-
-    isOver.store(true);
-    interrupter.join();
-    EXPECT_TRUE(hasCome.load());
-}
-
-TEST_F(SystemClockTest, SignalDoesNotEndAWaitForADescriptor)
+TEST_F(SystemClockTest, SignalDoesNotEndAWaitForDescriptors)
 {
     static std::atomic<int> signals{0};
     signals.store(0);
@@ -291,12 +289,12 @@ TEST_F(SystemClockTest, SignalDoesNotEndAWaitForADescriptor)
         m_bell.ring();
     });
 
-    EXPECT_TRUE(m_clock.waitDescriptor(m_bell.descriptor(), POLLIN, noDeadline));
+    EXPECT_EQ(waitForBells(noDeadline), 1);
 
     interrupter.join();
 }
 
-TEST_F(SystemClockTest, SignalDoesNotProlongAWaitForADescriptor)
+TEST_F(SystemClockTest, SignalDoesNotProlongAWaitForDescriptors)
 {
     const SignalHandler handler([](int) {});
     std::atomic<bool> isOver{false};
@@ -308,7 +306,7 @@ TEST_F(SystemClockTest, SignalDoesNotProlongAWaitForADescriptor)
     });
     const Deadline until = in(5ms);
 
-    EXPECT_FALSE(m_clock.waitDescriptor(m_bell.descriptor(), POLLIN, until));
+    EXPECT_EQ(waitForBells(until), 0);
 
     EXPECT_GE(m_clock.monotonic(), until);
     isOver.store(true);
@@ -366,8 +364,8 @@ TEST_F(SystemClockTest, ThreadThatIsCancelledInAWaitUnwinds)
     }
     EXPECT_TRUE(unwinds([this] { m_clock.waitWhile(m_word, 0, noDeadline, false); }));
     EXPECT_TRUE(unwinds([this] { m_clock.waitWhile(m_word, 0, in(60s), false); }));
-    EXPECT_TRUE(unwinds([this] { waitEvents(noDeadline); }));
-    EXPECT_TRUE(unwinds([this] { waitEvents(in(60s)); }));
+    EXPECT_TRUE(unwinds([this] { waitForBells(noDeadline); }));
+    EXPECT_TRUE(unwinds([this] { waitForBells(in(60s)); }));
     EXPECT_TRUE(unwinds([this] { m_clock.waitDescriptor(m_bell.descriptor(), POLLIN, noDeadline); }));
 }
 
@@ -377,8 +375,7 @@ public:
     Nanoseconds monotonic() const override { return 1ns; }
     Nanoseconds wall() const override { return 2ns; }
     void waitWhile(std::atomic<std::uint32_t>&, std::uint32_t, Deadline, bool) override {}
-    int waitEvents(int, epoll_event*, int, Deadline) override { return 0; }
-    bool waitDescriptor(int, short, Deadline) override { return false; }
+    int waitDescriptors(std::span<pollfd>, Deadline) override { return 0; }
 };
 
 TEST_F(SystemClockTest, AnotherClockIsUsedWithinItsScope)
