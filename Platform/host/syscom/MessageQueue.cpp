@@ -165,8 +165,8 @@ WaitSet& MessageQueue::waitSet()
 
 Message* MessageQueue::receive(Deadline until, const std::span<const std::uint16_t>* filter)
 {
-    lookAtDescriptors();
     for (;;) {
+        lookAtDescriptors();
         if (Message* const message = filter ? takeFirstOf(*filter) : takeFirst()) {
             ++m_takenSinceLook;
             return message;
@@ -211,6 +211,7 @@ bool MessageQueue::serveLastDescriptor()
     }
     const Message* const lastBefore = m_last;
     waitSet().serveLast();
+    ++m_takenSinceLook; // a selective receive may pass over all that come from there
     return m_last != lastBefore;
 }
 
