@@ -15,7 +15,7 @@ public:
     /// Takes the events of regions; derived from by clients.
     class AbstractCpriVsbCallback : public CallbackFunctor {};
 
-    /// A hyperframe has brought an enabled ingress region other bytes than the one before.
+    /// A hyperframe has brought an enabled ingress region its first bytes, or others than the one before.
     [[gnu::init_priority(101)]] inline static const std::string CPRI_VSB_BYTES_RECEIVED_EVENT_NAME =
         "CpriVsbBytesReceivedEvent";
     /// The bytes that were written to an enabled egress region have left with a hyperframe for the first time.
