@@ -512,6 +512,20 @@ TAaSysComSicad AaSysComSicadGet(TAaSysComCpid cpid, TAaSysComNid nid)
     return (nid << 16) | cpid;
 }
 
+std::uint32_t AaSysComNmapGetBoard(TAaSysComSicad sicad)
+{
+    const auto& boards = RecordingPlatform::get().boards;
+    const auto found = boards.find(sicad);
+    return found == boards.end() ? 0 : found->second;
+}
+
+std::uint32_t AaSysComNmapGetCpu(TAaSysComSicad sicad)
+{
+    const auto& cpus = RecordingPlatform::get().cpus;
+    const auto found = cpus.find(sicad);
+    return found == cpus.end() ? 0 : found->second;
+}
+
 void* AaSysComMsgCreate(TAaSysComMsgId id, std::uint16_t payloadSize, TAaSysComSicad receiver)
 {
     note(formatted("AaSysComMsgCreate(%u, %u, 0x%X)", id, static_cast<unsigned>(payloadSize), receiver));

@@ -46,6 +46,8 @@ public:
     std::function<TAaSysComCpid(TAaSysComCpid)>
         grantCpid; ///< what AaSysComUserRegister() grants; unset: what was asked
     TAaSysComNid nid = 0x0F01;
+    std::map<TAaSysComSicad, std::uint32_t> boards; ///< what the node map gives for an address
+    std::map<TAaSysComSicad, std::uint32_t> cpus;
     EAaProEuSchedulingPolicy policy = EAaProEuSchedulingPolicy_Fifo;
     std::optional<EAaProEuSchedulingPolicy> policyOfFailure; ///< what a call that fails stores; unset: nothing
     std::map<std::uint32_t, std::uint32_t> parameters;       ///< R&D parameters by identifier
