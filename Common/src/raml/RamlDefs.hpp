@@ -3,7 +3,8 @@
 /// The enumerations of RAML documents and the texts that stand for them on the wire.
 ///
 /// The functions that read a text compare it whole and case-sensitively. The empty text gives the enumeration's NONE
-/// member and a text that is not known its INVALID member; nothing throws.
+/// member and a text that is not known its INVALID member; nothing throws. A variable of an enumeration may hold any
+/// number of its size; what is none of its members is passed over wherever it is written.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +16,7 @@
 namespace RAML {
 
 /// What came of reading a document.
-enum RAML_ParsingResult {
+enum RAML_ParsingResult : std::int32_t {
     RAML_OK = 0,
     RAML_MALFORMED_XML = 1,       ///< the text is not well-formed XML
     RAML_INVALID_FILE_FORMAT = 2, ///< the file is empty
@@ -24,10 +25,15 @@ enum RAML_ParsingResult {
 };
 
 /// Which plan a block of configuration data belongs to: "actual", "plan" (the candidate), "defaults".
-enum RAML_PlanType { RAML_PLAN_ACTUAL = 0, RAML_PLAN_CANDIDATE = 1, RAML_PLAN_DEFAULTS = 2, RAML_PLAN_NONE = 3 };
+enum RAML_PlanType : std::int32_t {
+    RAML_PLAN_ACTUAL = 0,
+    RAML_PLAN_CANDIDATE = 1,
+    RAML_PLAN_DEFAULTS = 2,
+    RAML_PLAN_NONE = 3
+};
 
 /// How much of the configuration a block holds.
-enum RAML_ScopeType {
+enum RAML_ScopeType : std::int32_t {
     RAML_SCOPE_ALL = 0,
     RAML_SCOPE_HIERARCHY = 1,
     RAML_SCOPE_CHANGES = 2,
@@ -37,7 +43,7 @@ enum RAML_ScopeType {
 };
 
 /// What is to be done with a managed object.
-enum RAML_MOOperationType {
+enum RAML_MOOperationType : std::int32_t {
     RAML_OP_QUERY = 0,
     RAML_OP_CREATE = 1,
     RAML_OP_DELETE = 2,
@@ -51,7 +57,7 @@ enum RAML_MOOperationType {
 };
 
 /// How far below a managed object an operation reaches.
-enum RAML_MOLevelScopeType {
+enum RAML_MOLevelScopeType : std::int32_t {
     RAML_LSCOPE_NONE = 0,
     RAML_LSCOPE_WHOLE_SUBTREE = 1,
     RAML_LSCOPE_FIRST_LEVEL_ONLY = 2,
@@ -101,10 +107,15 @@ enum RAML_MOFuncScopeType : std::int32_t {
 };
 
 /// Which kind of data an operation is limited to: "CM" configuration, "PM" performance management.
-enum RAML_MOFilterType { RAML_FILTER_NONE = 0, RAML_FILTER_CM = 1, RAML_FILTER_PM = 2, RAML_FILTER_INVALID = 3 };
+enum RAML_MOFilterType : std::int32_t {
+    RAML_FILTER_NONE = 0,
+    RAML_FILTER_CM = 1,
+    RAML_FILTER_PM = 2,
+    RAML_FILTER_INVALID = 3
+};
 
 /// What is to be done with an item of a list.
-enum RAML_ListItemOperationType {
+enum RAML_ListItemOperationType : std::int32_t {
     RAML_LIST_ITEM_OP_NONE = 0,
     RAML_LIST_ITEM_OP_CREATE = 1,
     RAML_LIST_ITEM_OP_DELETE = 2,
@@ -112,7 +123,7 @@ enum RAML_ListItemOperationType {
 };
 
 /// Kind of a parameter of a managed object (list, simple value) or of an element of a list (bare value, item).
-enum RAML_ParamType { RAML_LIST = 0, RAML_LIST_P = 1, RAML_P = 2, RAML_ITEM = 3 };
+enum RAML_ParamType : std::int32_t { RAML_LIST = 0, RAML_LIST_P = 1, RAML_P = 2, RAML_ITEM = 3 };
 
 /// Rank of each class of managed objects that is valid; objects of a lesser rank come first. Supplied by the caller.
 using TmlMoHierarchyMap = std::map<std::string, int>;

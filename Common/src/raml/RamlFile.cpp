@@ -40,17 +40,20 @@ std::int32_t append(AaFile& file, std::string& text, std::int32_t size)
 bool readAll(AaFile& file, std::string& text)
 {
     constexpr std::int32_t step = 1 << 16;
+    constexpr int maximumSteps = 1 << 10;
     const std::int32_t size = AaFileGetSize(&file); // 0 for what is no ordinary file, whatever it holds
-    if (size < 0) {
+    if (size < 0 || size > INT32_MAX - step) {
         return false;
     }
-    std::int32_t wanted = std::min(size, INT32_MAX - step) + step; // more than there is, so that one read does
-    std::int32_t count = append(file, text, wanted);
-    while (count == wanted && text.size() <= static_cast<std::size_t>(INT32_MAX - step)) {
+    std::int32_t wanted = size + step; // more than there is, so that one read does
+    for (int count = 0; count < maximumSteps; ++count) {
+        const std::int32_t taken = append(file, text, wanted);
+        if (taken < wanted) {
+            return taken >= 0;
+        }
         wanted = step;
-        count = append(file, text, wanted);
     }
-    return count >= 0 && count < wanted;
+    return false;
 }
 
 } // namespace

@@ -7,7 +7,7 @@
 
 namespace RAML {
 
-/// Reads a whole file, of up to 2 GiB - 1 byte.
+/// Reads a whole file: almost 2 GiB of an ordinary one, and 64 MiB of what does not tell its size.
 /// @param name path of the target; a relative one counts from the working directory
 /// @param[out] text the file's bytes
 /// @return false when the file cannot be opened, read to its end or held in memory.
