@@ -1,21 +1,29 @@
 // SPDX-License-Identifier: MIT
 #include "TestBoard.hpp"
 
+#include "TreeBlobWriter.hpp"
 #include "description/TreeBlob.hpp"
 #include "fault/FaultStore.hpp"
+#include "node/BoardRoot.hpp"
 #include "node/PerNode.hpp"
 
+#include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <span>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 namespace dorn::testkit {
 namespace {
 
-constexpr const char* treePath = "/proc/device-tree";
-constexpr const char* boardPath = "/proc/device-tree/board";
+constexpr const char* blobPath = "/boot/board.dtb"; // on the target, though the drivers are told where it lies here
+constexpr const char* boardNode = "board";
 
 struct TextRow {
     std::string_view node;
@@ -81,11 +89,6 @@ constexpr std::array<CellsRow, 29> cellsRows{{
     {"file-systems/file-system@2", "dorn,mode", {1}},
 }};
 
-std::string bytesOf(const board::TreeBytes& value)
-{
-    return {reinterpret_cast<const char*>(value.data()), value.size()};
-}
-
 /// Most significant byte first.
 std::string cellBytes(std::span<const std::uint32_t> cells)
 {
@@ -98,38 +101,45 @@ std::string cellBytes(std::span<const std::uint32_t> cells)
     return bytes;
 }
 
-std::string below(const std::string& node, const std::string& name)
+board::TreeBytes bytesOf(const std::string& value)
 {
-    return node.empty() ? name : node + "/" + name;
+    const auto* const data = reinterpret_cast<const std::byte*>(value.data());
+    return {data, data + value.size()};
 }
 
-void unpack(TestBoard& board, const board::TreeNode& node, const std::string& path)
+/// The part of a path in front of its last slash, and the part behind it.
+std::pair<std::string, std::string> split(const std::string& path)
 {
-    for (const board::TreeProperty& property : node.properties) {
-        board.bytes(path, property.name, bytesOf(property.value));
-    }
-    for (const board::TreeNode& child : node.children) {
-        unpack(board, child, below(path, child.name));
-    }
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? std::pair(std::string(), path)
+                                      : std::pair(path.substr(0, slash), path.substr(slash + 1));
+}
+
+template <class Entries>
+auto findNamed(Entries& entries, const std::string& name)
+{
+    return std::find_if(entries.begin(), entries.end(), [&name](const auto& entry) { return entry.name == name; });
 }
 
 } // namespace
 
-TestBoard::TestBoard(const TestNode& node) : m_node(node)
+TestBoard::TestBoard() : m_path(host::boardPath(blobPath)), m_tree{"", {}, {{boardNode, {}, {}}}}
 {
     for (const TextRow& row : textRows) {
-        text(std::string(row.node), std::string(row.property), std::string(row.value));
+        setProperty(std::string(row.node), std::string(row.property), std::string(row.value) + '\0');
     }
     for (const CellsRow& row : cellsRows) {
-        bytes(std::string(row.node), std::string(row.property), cellBytes(std::span(row.values).first(row.count)));
+        setProperty(std::string(row.node), std::string(row.property),
+                    cellBytes(std::span(row.values).first(row.count)));
     }
-    std::filesystem::create_directories(m_node.boardPath(boardPath + std::string("/watchdog")));
+    node("watchdog");
+    write();
 }
 
-TestBoard::TestBoard(const TestNode& node, const std::string& blobPath) : m_node(node)
+TestBoard::TestBoard(const std::string& otherBlob)
+    : m_path(host::boardPath(blobPath)), m_tree(board::readTreeBlob(otherBlob, boardNode))
 {
-    const board::TreeNode root = board::readTreeBlob(blobPath, "board");
-    unpack(*this, root.children.at(0), "");
+    write();
 }
 
 TestBoard& TestBoard::text(const std::string& node, const std::string& property, const std::string& value)
@@ -145,13 +155,20 @@ TestBoard& TestBoard::cells(const std::string& node, const std::string& property
 
 TestBoard& TestBoard::bytes(const std::string& node, const std::string& property, const std::string& value)
 {
-    m_node.writeBoardFile(below(below(boardPath, node), property), value);
+    setProperty(node, property, value);
+    write();
     return *this;
 }
 
 TestBoard& TestBoard::remove(const std::string& path)
 {
-    std::filesystem::remove_all(m_node.boardPath(below(boardPath, path)));
+    const auto [parentPath, name] = split(path);
+    board::TreeNode& parent = path.empty() ? m_tree : node(parentPath);
+    std::erase_if(parent.children, [&, wanted = path.empty() ? boardNode : name](const board::TreeNode& child) {
+        return child.name == wanted;
+    });
+    std::erase_if(parent.properties, [&, wanted = name](const board::TreeProperty& one) { return one.name == wanted; });
+    write();
     return *this;
 }
 
@@ -164,9 +181,38 @@ void TestBoard::fail(const std::string& function, std::int32_t code, std::uint32
     host::PerNode<board::FaultStore>::get().set(*known, code, times);
 }
 
-std::string TestBoard::treeDirectory() const
+void TestBoard::write() const
 {
-    return m_node.boardPath(treePath);
+    std::filesystem::create_directories(std::filesystem::path(m_path).parent_path());
+    std::ofstream file(m_path, std::ios::binary | std::ios::trunc);
+    file << treeBlob(m_tree) << std::flush;
+    if (!file || setenv("DORN_BOARD", m_path.c_str(), 1) != 0) {
+        throw std::system_error(errno, std::generic_category(), m_path);
+    }
+}
+
+/// The node at @p path, made if it is missing.
+board::TreeNode& TestBoard::node(const std::string& path)
+{
+    if (path.empty()) {
+        return m_tree.children.empty() ? m_tree.children.emplace_back(board::TreeNode{boardNode, {}, {}})
+                                       : m_tree.children.front();
+    }
+    const auto [parentPath, name] = split(path);
+    board::TreeNode& parent = node(parentPath);
+    const auto found = findNamed(parent.children, name);
+    return found != parent.children.end() ? *found : parent.children.emplace_back(board::TreeNode{name, {}, {}});
+}
+
+void TestBoard::setProperty(const std::string& path, const std::string& property, const std::string& value)
+{
+    board::TreeNode& owner = node(path);
+    const auto found = findNamed(owner.properties, property);
+    if (found != owner.properties.end()) {
+        found->value = bytesOf(value);
+    } else {
+        owner.properties.push_back({property, bytesOf(value)});
+    }
 }
 
 } // namespace dorn::testkit

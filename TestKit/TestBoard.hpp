@@ -3,7 +3,7 @@
 /// The hardware of a TestNode, as its drivers see it.
 #pragma once
 
-#include "TestNode.hpp"
+#include "description/DeviceTree.hpp"
 
 #include <cstdint>
 #include <initializer_list>
@@ -11,9 +11,10 @@
 
 namespace dorn::testkit {
 
-/// Describes a board to the drivers of a node: an unpacked device tree below the board root, where they look for one.
+/// Describes a board to the drivers of the TestNode that was made last: writes a device-tree blob and names it in
+/// `DORN_BOARD`, which the end of the node sets back.
 ///
-///     TestBoard board(m_node);                                        // a small Tarn board
+///     TestBoard board;                                                // a small Tarn board
 ///     board.cells("units/unit@0", "dorn,hw-sw-id", {0x00A00123});     // that differs in this
 ///     board.remove("watchdog");                                       // and has no watchdog
 ///
@@ -24,9 +25,9 @@ public:
     /// A Tarn board with everything that drivers ask for: unit 0, the local module and one at port 1, boot loader,
     /// board-management unit (FPGA 1), FPGA 0x10002, RapidIO device 0x10 with 1 MiB at 0x80000000, file systems 1 and 2
     /// (read-only), watchdog.
-    explicit TestBoard(const TestNode& node);
+    TestBoard();
     /// The board of a blob that `dtc` has compiled. @throws board::TreeError
-    TestBoard(const TestNode& node, const std::string& blobPath);
+    explicit TestBoard(const std::string& blobPath);
 
     /// Gives a node a property, and makes the node when it is missing.
     TestBoard& text(const std::string& node, const std::string& property, const std::string& value);
@@ -41,11 +42,18 @@ public:
     /// @param function "ddal_fpga_update_mod"; another word throws std::invalid_argument
     void fail(const std::string& function, std::int32_t code, std::uint32_t times = 1) const;
 
-    /// The path of the unpacked tree on this machine: what `DORN_BOARD` may name.
-    std::string treeDirectory() const;
+    /// Where the blob lies: the value of `DORN_BOARD`.
+    const std::string& path() const { return m_path; }
+    /// The tree as it is now.
+    const board::TreeNode& tree() const { return m_tree; }
 
 private:
-    const TestNode& m_node;
+    void write() const;
+    board::TreeNode& node(const std::string& path);
+    void setProperty(const std::string& path, const std::string& property, const std::string& value);
+
+    std::string m_path;
+    board::TreeNode m_tree;
 };
 
 } // namespace dorn::testkit

@@ -281,7 +281,7 @@ TEST_F(FailNthTest, EveryFunctionOfTheSeamsHasAWrapper)
 
 TEST_F(FailNthTest, DriverFunctionsFailToo)
 {
-    const TestBoard board(m_node);
+    const TestBoard board;
     const FailNth<ddal_fpga_get_active_version> failure(1);
     std::uint32_t version = 0;
 
@@ -292,7 +292,7 @@ TEST_F(FailNthTest, DriverFunctionsFailToo)
 
 TEST_F(FailNthTest, FailingCloseOfACopyHandleCloses)
 {
-    const TestBoard board(m_node);
+    const TestBoard board;
     std::int32_t handle = -1;
     ASSERT_EQ(ddal_rio_copy_open_fd(0, 0x10, DDAL_RIO_READ, &handle), DDAL_OK);
     {

@@ -33,7 +33,7 @@ TEST_F(TestBoardTest, NodeWithoutOneHasNoBoard)
 
 TEST_F(TestBoardTest, SmallTarnBoardIsWhatDriversFind)
 {
-    const TestBoard board(m_node);
+    const TestBoard board;
     std::uint32_t hwSwId = 0;
 
     EXPECT_EQ(unitId(), "NAXE");
@@ -43,7 +43,7 @@ TEST_F(TestBoardTest, SmallTarnBoardIsWhatDriversFind)
 
 TEST_F(TestBoardTest, PropertiesAreReplaced)
 {
-    TestBoard board(m_node);
+    TestBoard board;
     board.text("units/unit@0", "dorn,unit-id", "KIVN").cells("units/unit@0", "dorn,hw-sw-id", {0x00A00123});
     std::uint32_t hwSwId = 0;
 
@@ -54,7 +54,7 @@ TEST_F(TestBoardTest, PropertiesAreReplaced)
 
 TEST_F(TestBoardTest, NodesAndPropertiesAreTakenAway)
 {
-    TestBoard board(m_node);
+    TestBoard board;
     board.remove("watchdog").remove("units/unit@0/dorn,unit-id");
 
     EXPECT_EQ(ddal_watchdog_reboot(), DDAL_ERROR_NOT_FOUND);
@@ -63,7 +63,7 @@ TEST_F(TestBoardTest, NodesAndPropertiesAreTakenAway)
 
 TEST_F(TestBoardTest, PropertyMayBeAnyBytes)
 {
-    TestBoard board(m_node);
+    TestBoard board;
     board.bytes("units/unit@0", "dorn,unit-id", "no terminator");
 
     EXPECT_EQ(unitId(), "(failed)");
@@ -71,7 +71,7 @@ TEST_F(TestBoardTest, PropertyMayBeAnyBytes)
 
 TEST_F(TestBoardTest, BlobIsUnpackedAndCanBeChanged)
 {
-    TestBoard board(m_node, DORN_TARN_BOARD);
+    TestBoard board(DORN_TARN_BOARD);
     board.cells("fpgas/fpga@10002", "dorn,version", {7});
     std::uint32_t version = 0;
 
@@ -82,7 +82,7 @@ TEST_F(TestBoardTest, BlobIsUnpackedAndCanBeChanged)
 
 TEST_F(TestBoardTest, FunctionFailsAsOftenAsItWasTold)
 {
-    const TestBoard board(m_node);
+    const TestBoard board;
     board.fail("ddal_boot_get_uboot_id", DDAL_ERROR_TIMEOUT, 2);
     std::int32_t location = -1;
 
@@ -94,18 +94,40 @@ TEST_F(TestBoardTest, FunctionFailsAsOftenAsItWasTold)
 
 TEST_F(TestBoardTest, FunctionThatThereIsNotIsRefused)
 {
-    const TestBoard board(m_node);
+    const TestBoard board;
 
     EXPECT_THROW(board.fail("ddal_fly", 1), std::invalid_argument);
 }
 
-TEST_F(TestBoardTest, TreeDirectoryCanBeNamedAsTheBoard)
+TEST_F(TestBoardTest, EndOfTheNodeTakesTheNameAway)
 {
-    const TestBoard board(m_node);
+    {
+        const TestNode other;
+        const TestBoard board;
+        EXPECT_EQ(std::getenv("DORN_BOARD"), board.path());
+        EXPECT_EQ(unitId(), "NAXE");
+    }
+    EXPECT_EQ(std::getenv("DORN_BOARD"), nullptr);
+    EXPECT_EQ(unitId(), "(failed)");
+}
 
-    setenv("DORN_BOARD", board.treeDirectory().c_str(), 1);
+TEST_F(TestBoardTest, NodesAreMadeWhereTheyAreMissing)
+{
+    TestBoard board;
+    board.cells("units/unit@7", "reg", {7}).text("units/unit@7", "dorn,unit-id", "RUDA");
+    std::array<char, 8> text{};
 
-    EXPECT_EQ(unitId(), "NAXE");
+    EXPECT_EQ(ddal_devicetree_get_unit_id(7, 7, text.data()), DDAL_OK);
+    EXPECT_STREQ(text.data(), "RUDA");
+}
+
+TEST_F(TestBoardTest, WholeBoardCanBeTakenAway)
+{
+    TestBoard board;
+    board.remove("");
+
+    EXPECT_TRUE(board.tree().children.empty());
+    EXPECT_EQ(unitId(), "(failed)");
 }
 
 } // namespace

@@ -62,9 +62,9 @@ TreeProperty readProperty(const void* fdt, int offset)
 {
     const char* name = nullptr;
     int length = 0;
-    const void* const value = required(fdt_getprop_by_offset(fdt, offset, &name, &length), length);
+    const void* const value = fdt_getprop_by_offset(fdt, offset, &name, &length);
+    const auto* const bytes = static_cast<const std::byte*>(required(value, length));
     requireTreeName(name);
-    const auto* const bytes = static_cast<const std::byte*>(value);
     return {name, TreeBytes(bytes, bytes + length)};
 }
 
@@ -72,8 +72,8 @@ TreeProperty readProperty(const void* fdt, int offset)
 TreeNode readNodeAlone(const void* fdt, int offset)
 {
     int length = 0;
-    const char* const name = required(fdt_get_name(fdt, offset, &length), length);
-    TreeNode node{std::string(name, static_cast<std::size_t>(length)), {}, {}};
+    const char* const name = fdt_get_name(fdt, offset, &length);
+    TreeNode node{std::string(required(name, length), static_cast<std::size_t>(length)), {}, {}};
     int property = 0;
     fdt_for_each_property_offset(property, fdt, offset)
     {
