@@ -207,8 +207,8 @@ TEST_F(OwnWorkerTest, CallbackMayRaiseEvents)
     m_gauge.initialize();
 
     m_gauge.raise(Gauge::HIGH, Reading(0));
-    for (int round = 0; round < 5; ++round) {
-        finish(); // each event has raised the next one by then
+    for (int round = 0; round < 6; ++round) {
+        finish(); // one more has been delivered by then, and has raised the next
     }
 
     EXPECT_EQ(m_values, countUpTo(6));
