@@ -65,7 +65,9 @@ void write(std::ostream& stream, const RAML_ListType& list)
     }
     stream << "      <list name=\"" << list.name << "\">" << std::endl;
     for (const RAML_ListElementType::pointer& element : list.listElements) {
-        write(stream, *element);
+        if (element) {
+            write(stream, *element);
+        }
     }
     stream << "      </list>";
 }

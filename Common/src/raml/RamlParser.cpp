@@ -484,9 +484,10 @@ TBoolean RamlParser::GetAttributeValue(AaGpuXmlNode* node, const std::string& at
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::GetAttributeNode %s",
                    attributeName.c_str());
-    AaGpuXmlNode* child = node ? firstChildOf(*node) : nullptr;
-    for (; child; child = child->AaGpuXmlGetNext()) {
-        if (child->AaGpuXmlGetType() == AA_GPU_XML_ATTRIBUTE_NODE && attributeName == child->AaGpuXmlGetName()) {
+    const AaGpuXmlNode* child = node ? firstChildOf(*node) : nullptr;
+    // The attributes are the first children: behind them there may be a million others to look at in vain.
+    for (; child && child->AaGpuXmlGetType() == AA_GPU_XML_ATTRIBUTE_NODE; child = child->AaGpuXmlGetNext()) {
+        if (attributeName == child->AaGpuXmlGetName()) {
             AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
                            "RamlParser::GetAttributeNode attribute node found");
             value = child->AaGpuXmlGetValue();

@@ -14,6 +14,7 @@ struct alignas(XmlNode) XmlTree::Block {
     XmlTree* tree;
     Block* previous;
 };
+static_assert(alignof(XmlNode) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
 
 std::unique_ptr<AaGpuXmlNode> XmlTree::create(std::string_view text, Unit columnUnit)
 {
@@ -39,7 +40,7 @@ XmlTree::~XmlTree()
 {
     while (Block* const block = m_lastBlock) {
         m_lastBlock = block->previous;
-        ::operator delete(block, std::align_val_t(alignof(Block)));
+        ::operator delete(block);
     }
 }
 
@@ -48,7 +49,7 @@ void XmlTree::addBlock()
     constexpr std::uint32_t least = 32;
     constexpr std::uint32_t greatest = 1U << 15U;
     const std::uint32_t capacity = std::clamp(m_capacity * 2, least, greatest);
-    void* const memory = ::operator new(sizeof(Block) + capacity * sizeof(XmlNode), std::align_val_t(alignof(Block)));
+    void* const memory = ::operator new(sizeof(Block) + capacity * sizeof(XmlNode));
     m_lastBlock = new (memory) Block{this, m_lastBlock};
     m_nodes = reinterpret_cast<XmlNode*>(m_lastBlock + 1);
     m_capacity = capacity;
