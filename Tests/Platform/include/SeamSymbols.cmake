@@ -45,9 +45,10 @@ function(dorn_archive_symbols out types)
             ERROR_QUIET)
         string(REPLACE ";" "," lines "${lines}")
         string(REPLACE "[" "(" lines "${lines}") # brackets would hold a CMake list together
-        string(REGEX MATCHALL " [${types}] [a-zA-Z_][a-zA-Z0-9_:]*" lines "${lines}")
+        # Behind a name comes '(' or a line end; a template's symbol begins with its result, "AaGpuXmlNode*& std::..."
+        string(REGEX MATCHALL " [${types}] [a-zA-Z_][a-zA-Z0-9_:]*[(\n]" lines "${lines}")
         foreach(line IN LISTS lines)
-            string(SUBSTRING "${line}" 3 -1 symbol)
+            string(REGEX REPLACE "^...(.*).$" "\\1" symbol "${line}")
             list(APPEND symbols "${symbol}")
         endforeach()
         list(REMOVE_DUPLICATES symbols)
