@@ -59,6 +59,13 @@ ClockS::ClockS()
       m_phaseLockMonitoring(EventThread::worker()),
       m_timer(ERadHwapi_CLOCKS)
 {
+    GetArgumentParser().SetArgumentInfo("-v Switch this service's prints on\n");
+}
+
+unsigned int ClockS::PreStartup()
+{
+    SetVerbose(GetArgumentParser().ReadArgument("v") == "arg on" ? 1 : 0);
+    return 1;
 }
 
 void ClockS::Init()

@@ -27,6 +27,7 @@ public:
     ClockS();
 
 private:
+    unsigned int PreStartup() override;
     void Init() override;
     void HandleTimeOut(StepTimeOutMsg timeOut);
     void HandleShow(ClockShowReqMsg request);

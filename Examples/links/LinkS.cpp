@@ -66,6 +66,13 @@ LinkS::LinkS()
       m_obsai(m_obsaiLinks, EventThread::worker()),
       m_timer(ERadHwapi_CPR)
 {
+    GetArgumentParser().SetArgumentInfo("-v Switch this service's prints on\n");
+}
+
+unsigned int LinkS::PreStartup()
+{
+    SetVerbose(GetArgumentParser().ReadArgument("v") == "arg on" ? 1 : 0);
+    return 1;
 }
 
 void LinkS::Init()

@@ -27,6 +27,7 @@ public:
     LinkS();
 
 private:
+    unsigned int PreStartup() override;
     void Init() override;
     void HandleTimeOut(StepTimeOutMsg timeOut);
     void HandleShow(LinkShowReqMsg request);

@@ -19,6 +19,13 @@ SfpS::SfpS()
       m_sfp(EventThread::worker()),
       m_timer(ERadHwapi_SFP)
 {
+    GetArgumentParser().SetArgumentInfo("-v Switch this service's prints on\n");
+}
+
+unsigned int SfpS::PreStartup()
+{
+    SetVerbose(GetArgumentParser().ReadArgument("v") == "arg on" ? 1 : 0);
+    return 1;
 }
 
 void SfpS::Init()

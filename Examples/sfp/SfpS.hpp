@@ -19,6 +19,7 @@ public:
     SfpS();
 
 private:
+    unsigned int PreStartup() override;
     void Init() override;
     void HandleTimeOut(StepTimeOutMsg timeOut);
     void HandleShow(SfpShowReqMsg request);
