@@ -15,6 +15,7 @@ void addMsgNoun(Program& program);
 void addLogNoun(Program& program);
 void addAlarmNoun(Program& program);
 void addRedundancyNoun(Program& program);
+void addBoardNoun(Program& program);
 void addCompletionNoun(Program& program);
 
 /// Adds them all, in the order of the help.
@@ -27,6 +28,7 @@ inline void addNouns(Program& program)
     addLogNoun(program);
     addAlarmNoun(program);
     addRedundancyNoun(program);
+    addBoardNoun(program);
     addCompletionNoun(program);
 }
 

@@ -61,6 +61,13 @@ CLI::App& Program::addNoun(const std::string& name, const std::string& descripti
     return noun;
 }
 
+CLI::App& Program::addPart(CLI::App& noun, const std::string& name, const std::string& description)
+{
+    CLI::App& part = *noun.add_subcommand(name, description);
+    part.group("Parts, with verbs of their own")->require_subcommand(1)->footer("");
+    return part;
+}
+
 CLI::App& Program::addVerb(CLI::App& noun, const VerbText& text, Action action)
 {
     CLI::App& verb = *noun.add_subcommand(text.name, text.description);

@@ -41,6 +41,8 @@ public:
 
     /// Adds a noun that has verbs.
     CLI::App& addNoun(const std::string& name, const std::string& description);
+    /// Adds a part of a noun, which has verbs of its own: `dorn board link show`. addVerb() takes it for a noun.
+    CLI::App& addPart(CLI::App& noun, const std::string& name, const std::string& description);
     /// Adds a verb to a noun. The action keeps alive what the options are stored in.
     CLI::App& addVerb(CLI::App& noun, const VerbText& text, Action action);
     /// Adds a noun that is a verb at the same time.

@@ -37,7 +37,8 @@ protected:
 
 TEST_F(CompletionTest, NounsAreProposed)
 {
-    EXPECT_EQ(proposals({""}), "service\nrad\ntag\nmsg\nlog\nalarm\nredundancy\ncompletion\n--help\n-h\n--version\n");
+    EXPECT_EQ(proposals({""}),
+              "service\nrad\ntag\nmsg\nlog\nalarm\nredundancy\nboard\ncompletion\n--help\n-h\n--version\n");
     EXPECT_EQ(proposals({"r"}), "rad\nredundancy\n");
 }
 
@@ -45,6 +46,14 @@ TEST_F(CompletionTest, VerbsAreProposedBehindTheirNoun)
 {
     EXPECT_EQ(proposals({"tag", ""}), "list\nget\nset\nwatch\n--help\n-h\n");
     EXPECT_EQ(proposals({"tag", "w"}), "watch\n");
+}
+
+TEST_F(CompletionTest, VerbsOfAPartAreProposedBehindIt)
+{
+    EXPECT_EQ(proposals({"board", "s"}), "sfp\n");
+    EXPECT_EQ(proposals({"board", "sfp", ""}), "show\nplug\npull\n--help\n-h\n");
+    EXPECT_EQ(proposals({"board", "link", "break", ""}, "cpri0\nobsai0\n"), "cpri0\nobsai0\n");
+    EXPECT_EQ(proposals({"board", "link", "break", "cpri0", "--only", ""}, "cpri0\n"), "");
 }
 
 TEST_F(CompletionTest, OptionsAreProposedBehindTheirVerb)

@@ -63,6 +63,7 @@ TEST_F(ProgramTest, HelpNamesEveryNoun)
               "  log                     The log of the node: the latest lines of all its processes by time\n"
               "  alarm                   The alarms of the node\n"
               "  redundancy              The unit's part in a redundant pair\n"
+              "  board                   The hardware of the board, and what happens to it\n"
               "  completion              Completion of this command in a shell\n"
               "\n"
               "Exit status: 0 fine, 1 the answer is no, 2 wrong use.\n"
@@ -83,6 +84,32 @@ TEST_F(ProgramTest, HelpOfANounNamesItsVerbs)
                                   "Verbs:\n"
                                   "  bash                    Prints the script for bash\n"
                                   "  zsh                     Prints the script for zsh\n");
+}
+
+TEST_F(ProgramTest, HelpOfAPartNamesItsVerbs)
+{
+    EXPECT_EQ(run("dorn board sfp --help"), Outcome::Fine);
+    EXPECT_EQ(m_console.answer(),
+              "The SFP cages and their modules\n"
+              "Usage: dorn board sfp VERB [options]\n"
+              "\n"
+              "Options:\n"
+              "  -h,--help               Shows this help\n"
+              "\n"
+              "Verbs:\n"
+              "  show                    Shows the cages, and what the SFP service has been told of them\n"
+              "  plug                    Plugs a module into a cage\n"
+              "  pull                    Pulls the module out of a cage\n");
+}
+
+TEST_F(ProgramTest, HelpOfANounNamesItsParts)
+{
+    EXPECT_EQ(run("dorn board --help"), Outcome::Fine);
+    EXPECT_THAT(m_console.answer(),
+                HasSubstr("Parts, with verbs of their own:\n"
+                          "  sfp                     The SFP cages and their modules\n"
+                          "  link                    The baseband links and their fibres\n"
+                          "  clock                   The clock reference, the oscillator and what follows them\n"));
 }
 
 TEST_F(ProgramTest, HelpOfAVerbShowsArgumentsOptionsAndExample)
@@ -123,10 +150,11 @@ TEST_P(WrongUseTest, IsExplainedAndStatus2)
 INSTANTIATE_TEST_SUITE_P(
     Lines, WrongUseTest,
     ::testing::Values(
-        WrongUseCase{"dorn", "dorn: 'dorn' needs a noun: alarm, completion, log, msg, rad, redundancy, service, "
+        WrongUseCase{"dorn", "dorn: 'dorn' needs a noun: alarm, board, completion, log, msg, rad, redundancy, service, "
                              "tag\nTry 'dorn --help'\n"},
-        WrongUseCase{"dorn foo", "dorn: unknown noun 'foo'; there are alarm, completion, log, msg, rad, redundancy, "
-                                 "service, tag\nTry 'dorn --help'\n"},
+        WrongUseCase{"dorn foo",
+                     "dorn: unknown noun 'foo'; there are alarm, board, completion, log, msg, rad, redundancy, "
+                     "service, tag\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn --foo", "dorn: unknown option '--foo' of 'dorn'\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn rad", "dorn: 'dorn rad' needs a verb: get, list, set, watch\nTry 'dorn rad --help'\n"},
         WrongUseCase{"dorn rad lst",
@@ -207,9 +235,10 @@ TEST_F(ProgramTest, EveryVerbHasAnExampleThatIsUnderstood)
 
 TEST_F(ProgramTest, VerbsThatOnlyReadMakeNothing)
 {
-    for (const std::string line : {"dorn service list", "dorn rad list", "dorn rad get FIRM", "dorn rad set FIRM 1",
-                                   "dorn rad watch", "dorn tag list", "dorn tag get a", "dorn tag watch",
-                                   "dorn msg send 1", "dorn msg watch", "dorn log", "dorn log -f"}) {
+    for (const std::string line :
+         {"dorn service list", "dorn rad list", "dorn rad get FIRM", "dorn rad set FIRM 1", "dorn rad watch",
+          "dorn tag list", "dorn tag get a", "dorn tag watch", "dorn msg send 1", "dorn msg watch", "dorn log",
+          "dorn log -f", "dorn board sfp show", "dorn board link show", "dorn board clock show"}) {
         EXPECT_EQ(run(line), Outcome::No) << line;
         EXPECT_TRUE(std::filesystem::is_empty(m_node.runDirectory())) << line;
     }

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "ClockText.hpp"
+
+#include "ClockNames.hpp"
+#include "Table.hpp"
+
+#include <array>
+#include <cstdio>
+
+namespace dorn::tool {
+namespace {
+
+using namespace examples;
+
+/// The name of a number, the number where there is none.
+std::string orNumber(const char* name, std::uint32_t number)
+{
+    return *name != '\0' ? name : std::to_string(number);
+}
+
+std::string decimal(double value, int digits, const char* unit)
+{
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%.*f %s", digits, value, unit);
+    return text.data();
+}
+
+std::string pllText(const SClockShowResp& clock)
+{
+    return orNumber(nameIn(swPllStateNames, clock.pllState), clock.pllState);
+}
+
+std::string timerText(const SClockShowResp& clock)
+{
+    return orNumber(nameIn(timerSyncStateNames, clock.timerState), clock.timerState);
+}
+
+std::string phaseLockText(const SClockShowResp& clock)
+{
+    return orNumber(phaseLockStatusName(clock.phaseLockStatus), clock.phaseLockStatus);
+}
+
+std::string calibrationText(const SClockShowResp& clock)
+{
+    return orNumber(nameIn(calibrationStatusNames, clock.calibrationStatus), clock.calibrationStatus);
+}
+
+std::string dacText(const SClockShowResp& clock)
+{
+    return orNumber(nameIn(dacStatusNames, clock.dacStatus), clock.dacStatus);
+}
+
+double degrees(std::int32_t thousandths)
+{
+    return static_cast<double>(thousandths) / 1000;
+}
+
+Cell goodOrBad(bool isGood, const std::string& text)
+{
+    return {text, isGood ? Colour::Green : Colour::Red};
+}
+
+} // namespace
+
+std::string clockTable(const SClockShowResp& clock, const Console& console)
+{
+    const bool isTracking = pllText(clock).starts_with("track");
+    Table table({"CLOCK", "VALUE"});
+    table.add({"reference", goodOrBad(clock.hasReference != 0, clock.hasReference != 0 ? "present" : "lost")});
+    table.add({"PLL", goodOrBad(isTracking, pllText(clock))});
+    table.add({"system timer", goodOrBad(timerText(clock) == "in-sync", timerText(clock))});
+    table.add({"phase lock", goodOrBad(phaseLockText(clock) == "ok", phaseLockText(clock))});
+    table.add({"phase error", decimal(clock.phaseError, 1, "ns at the PLL's latest change")});
+    table.add({"time error", decimal(clock.timeError, 1, "ns")});
+    table.add({"frequency error", decimal(clock.frequencyError, 3, "ppb")});
+    table.add({"DAC", goodOrBad(dacText(clock) == "ok", dacText(clock) + ", " + std::to_string(clock.controlValue))});
+    table.add({"calibration", calibrationText(clock)});
+    table.add({"sensors", goodOrBad(clock.areSensorsOk != 0, clock.areSensorsOk != 0 ? "ok" : "not ok")});
+    table.add({"oven", decimal(degrees(clock.ocxoTemperature), 1, "C")});
+    table.add({"outer oven", decimal(degrees(clock.outerTemperature), 1, "C")});
+    table.add({"oven current", std::to_string(clock.ovenCurrent) + " mA"});
+    return table.text(console);
+}
+
+Json clockJson(const SClockShowResp& clock)
+{
+    return {{"reference", clock.hasReference != 0},
+            {"pll", pllText(clock)},
+            {"timer", timerText(clock)},
+            {"phaseLock", phaseLockText(clock)},
+            {"phaseError", clock.phaseError},
+            {"timeError", clock.timeError},
+            {"frequencyError", clock.frequencyError},
+            {"dac", {{"status", dacText(clock)}, {"value", clock.controlValue}}},
+            {"calibration", calibrationText(clock)},
+            {"sensors", clock.areSensorsOk != 0},
+            {"ovenTemperature", degrees(clock.ocxoTemperature)},
+            {"outerOvenTemperature", degrees(clock.outerTemperature)},
+            {"ovenCurrent", clock.ovenCurrent}};
+}
+
+} // namespace dorn::tool

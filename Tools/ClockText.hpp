@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+/// @file ClockText.hpp
+/// The board's clocks as people and programs see them.
+#pragma once
+
+#include "ClockMessages.hpp"
+#include "Console.hpp"
+#include "Json.hpp"
+
+#include <string>
+
+namespace dorn::tool {
+
+std::string clockTable(const examples::SClockShowResp& clock, const Console& console);
+Json clockJson(const examples::SClockShowResp& clock);
+
+} // namespace dorn::tool

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include "LinkText.hpp"
+
+#include "LinkNames.hpp"
+#include "Table.hpp"
+#include "Values.hpp"
+
+#include <algorithm>
+
+namespace dorn::tool {
+namespace {
+
+using namespace examples;
+
+/// The name of a number, the number where there is none.
+std::string orNumber(const char* name, std::uint32_t number)
+{
+    return *name != '\0' ? name : std::to_string(number);
+}
+
+std::string nameOf(const SLink& link)
+{
+    return printable({link.name.begin(), std::find(link.name.begin(), link.name.end(), '\0')});
+}
+
+std::string rxText(const SLink& link)
+{
+    return orNumber(linkRxStateName(link.standard, link.rxState), link.rxState);
+}
+
+/// "-" where the standard has no such states.
+std::string txText(const SLink& link)
+{
+    return link.standard == ELinkStandard_Cpri ? "-" : orNumber(nameIn(obsaiTxStateNames, link.txState), link.txState);
+}
+
+bool isUp(const SLink& link)
+{
+    return link.rxState + 1 ==
+           (link.standard == ELinkStandard_Cpri ? cpriRxStateNames.size() : obsaiRxStateNames.size());
+}
+
+/// The names of the bits that are set.
+template <std::size_t count>
+std::vector<std::string> namesOf(const std::array<const char*, count>& names, std::uint32_t bits)
+{
+    std::vector<std::string> set;
+    for (std::size_t bit = 0; bit < count; ++bit) {
+        if ((bits >> bit & 1U) != 0) {
+            set.emplace_back(names[bit]);
+        }
+    }
+    return set;
+}
+
+std::string listText(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names) {
+        text += (text.empty() ? "" : ", ") + name;
+    }
+    return text.empty() ? "-" : text;
+}
+
+} // namespace
+
+std::string linkTable(const std::vector<SLink>& links, const Console& console)
+{
+    Table table({"LINK", "ID", "RX", "TX", "DELAY", "EVENTS", "BROKEN", "CONDITIONS"});
+    for (const SLink& link : links) {
+        table.add({nameOf(link),
+                   std::to_string(link.uniqueId),
+                   {rxText(link), isUp(link) ? Colour::Green : Colour::Red},
+                   txText(link),
+                   std::to_string(link.delay),
+                   std::to_string(link.eventCount),
+                   listText(namesOf(linkPartNames, link.brokenParts)),
+                   listText(namesOf(linkConditionNames, link.conditions))});
+    }
+    return table.text(console);
+}
+
+Json linksJson(const std::vector<SLink>& links)
+{
+    Json list = Json::array();
+    for (const SLink& link : links) {
+        list.push_back({{"name", nameOf(link)},
+                        {"standard", orNumber(nameIn(linkStandardNames, link.standard), link.standard)},
+                        {"id", link.uniqueId},
+                        {"rx", rxText(link)},
+                        {"tx", link.standard == ELinkStandard_Cpri ? Json(nullptr) : Json(txText(link))},
+                        {"delay", link.delay},
+                        {"events", link.eventCount},
+                        {"broken", namesOf(linkPartNames, link.brokenParts)},
+                        {"conditions", namesOf(linkConditionNames, link.conditions)}});
+    }
+    return list;
+}
+
+std::string linkNames(const std::vector<SLink>& links)
+{
+    std::string text;
+    for (const SLink& link : links) {
+        text += nameOf(link) + "\n";
+    }
+    return text;
+}
+
+} // namespace dorn::tool

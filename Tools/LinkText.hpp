@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+/// @file LinkText.hpp
+/// Baseband links as people and programs see them.
+#pragma once
+
+#include "Console.hpp"
+#include "Json.hpp"
+#include "LinkMessages.hpp"
+
+#include <string>
+#include <vector>
+
+namespace dorn::tool {
+
+std::string linkTable(const std::vector<examples::SLink>& links, const Console& console);
+Json linksJson(const std::vector<examples::SLink>& links);
+/// The names of the links, one a line.
+std::string linkNames(const std::vector<examples::SLink>& links);
+
+} // namespace dorn::tool
