@@ -4,13 +4,17 @@
 #include "AaConfigTag.h"
 #include "Board.hpp"
 #include "ClimateMessages.hpp"
+#include "ClockMessages.hpp"
 #include "ComfortMessages.hpp"
 #include "DoorbellMessages.hpp"
 #include "LedMessages.hpp"
+#include "LinkMessages.hpp"
 #include "Peer.hpp"
 #include "RadWait.hpp"
 #include "RedundancyMessages.hpp"
+#include "SfpMessages.hpp"
 #include "TestNode.hpp"
+#include "boundaryIf/swpllstatemonitor/SwPllTypes.hpp"
 #include "config/RadStore.hpp"
 #include "log/LogReader.hpp"
 #include "node/EeTable.hpp"
@@ -21,6 +25,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <deque>
@@ -29,6 +34,7 @@
 #include <functional>
 #include <iterator>
 #include <stdexcept>
+#include <thread>
 
 namespace dorn::demonstration {
 namespace {
@@ -82,6 +88,9 @@ private:
     void askForComfort();
     void letForwardingTimeOut();
     void raiseAlarm();
+    void plugModule();
+    void breakLink();
+    void loseReference();
     void switchOver();
     void killAndRestart();
     void refuseSecond();
@@ -167,6 +176,9 @@ void Demonstration::startServices()
     start("ClimateS", {"--redundancy"}); // the redundancy manager is there already
     start("ComfortS");
     start("DoorbellS");
+    start("SfpS");
+    start("LinkS");
+    start("ClockS");
     const auto led = find("LedS");
     require(led && led->alive, "LedS is not listed as alive");
 }
@@ -274,6 +286,88 @@ void Demonstration::raiseAlarm()
     require(AaConfigTagSetU32(ambientTag, 25) == 0, "the tag cannot be set");
 }
 
+void plug(std::uint32_t cage, bool isPlugged)
+{
+    testkit::Peer hand;
+    hand.send<SfpPlugReqMsg>(sfpServiceCpid, {.transactionId = 11, .cage = cage, .isPlugged = isPlugged ? 1U : 0U});
+    require(hand.expect<SfpPlugRespMsg>(stepBound)->status == ESfpPlugStatus_Done, "the cage takes no module");
+}
+
+void Demonstration::plugModule()
+{
+    setSwitch(ERadHwapi_SFP, 1);
+    plug(1, true);
+    awaitLine("SFP module of link 1 plugged");
+    plug(1, false);
+    awaitLine("SFP module of link 1 pulled");
+}
+
+void setBroken(const LinkName& name, std::uint32_t parts)
+{
+    testkit::Peer hand;
+    hand.send<LinkBreakReqMsg>(linkServiceCpid, {.transactionId = 12, .name = name, .brokenParts = parts});
+    require(hand.expect<LinkBreakRespMsg>(stepBound)->status == ELinkBreakStatus_Done, "the link stays as it is");
+}
+
+void Demonstration::breakLink()
+{
+    setSwitch(ERadHwapi_CPR, 1);
+    setBroken({"cpri0"}, ELinkPart_Receive | ELinkPart_Transmit);
+    for (const char* const lost : {"receives: XACQ1", "LOS begins", "LOF begins"}) {
+        awaitLine(std::string("Link cpri0 ") + lost);
+    }
+    setBroken({"cpri0"}, 0);
+    for (const char* const found : {"receives: XACQ2", "receives: XSYNC1", "receives: XSYNC2", "receives: HFNSYNC"}) {
+        awaitLine(std::string("Link cpri0 ") + found);
+    }
+    setBroken({"obsai0"}, ELinkPart_Receive);
+    awaitLine("Link obsai0 receives: UNSYNC");
+    setBroken({"obsai0"}, 0);
+    awaitLine("Link obsai0 receives: FRAME");
+}
+
+/// Asks the clock service again and again until its answer is as it is to be.
+SClockShowResp clockWhen(const std::function<bool(const SClockShowResp&)>& isMet, const std::string& otherwise)
+{
+    testkit::Peer peer;
+    const auto until = host::Clock::get().monotonic() + stepBound;
+    for (;;) {
+        peer.send<ClockShowReqMsg>(clockServiceCpid, {.transactionId = 13});
+        const SClockShowResp clock = *peer.expect<ClockShowRespMsg>(stepBound);
+        if (isMet(clock)) {
+            return clock;
+        }
+        require(host::Clock::get().monotonic() < until, otherwise);
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+}
+
+void setReference(bool isThere)
+{
+    testkit::Peer hand;
+    const std::uint32_t action = isThere ? EClockAction_RestoreReference : EClockAction_LoseReference;
+    hand.send<ClockActReqMsg>(clockServiceCpid, {.transactionId = 14, .action = action, .amount = 0});
+    require(hand.expect<ClockActRespMsg>(stepBound)->status == EClockActStatus_Done, "the reference stays as it is");
+}
+
+void Demonstration::loseReference()
+{
+    using namespace vel::hwapi::common::bif::swpllstatemonitor;
+    setSwitch(ERadHwapi_CLOCKS, 1);
+    clockWhen([](const SClockShowResp& clock) { return clock.pllState == ESwPllState_TrackMax; },
+              "the PLL does not lock");
+    setReference(false);
+    awaitLine("Clock PLL: holdover");
+    const double begin = clockWhen([](const SClockShowResp&) { return true; }, "").timeError;
+    const SClockShowResp drifted =
+        clockWhen([begin](const SClockShowResp& clock) { return std::fabs(clock.timeError - begin) > 20; },
+                  "the time does not drift without reference");
+    std::printf("                  | %.1f ns off at %.2f ppb\n", drifted.timeError, drifted.frequencyError);
+    require(drifted.pllState == ESwPllState_Holdover, "the PLL does not stay in holdover");
+    setReference(true);
+    awaitLine("Clock PLL: acquire3");
+}
+
 void Demonstration::switchOver()
 {
     testkit::Peer peer;
@@ -314,7 +408,7 @@ void Demonstration::endAll()
 
 bool Demonstration::run()
 {
-    step("six services start as processes of their own and wait for messages", [this] { startServices(); });
+    step("nine services start as processes of their own and wait for messages", [this] { startServices(); });
     step("an operator switches prints on, and off again, while the services run", [this] { switchPrintsOn(); });
     step("a message to ClimateS is answered", [this] { askClimate(); });
     step("a configuration tag warms the air: ClimateS has LedS show amber", [this] { warmUp(); });
@@ -324,6 +418,9 @@ bool Demonstration::run()
     step("a question is forwarded to ClimateS; its limit follows a configuration tag", [this] { askForComfort(); });
     step("ClimateS hangs: the forwarded question is given up when its time is out", [this] { letForwardingTimeOut(); });
     step("heat raises an alarm, which arrives at the fault manager", [this] { raiseAlarm(); });
+    step("an SFP module is plugged and pulled: its driver's events reach the service", [this] { plugModule(); });
+    step("a CPRI and an OBSAI link lose their light, and synchronise again step by step", [this] { breakLink(); });
+    step("the clock reference is lost: the PLL goes into holdover, the oscillator drifts", [this] { loseReference(); });
     step("the redundancy manager drives ClimateS through a switch-over and back", [this] { switchOver(); });
     step("ClimateS is killed, listed as dead, started again and finds its cpid free", [this] { killAndRestart(); });
     step("a second LedS is refused while the first lives", [this] { refuseSecond(); });

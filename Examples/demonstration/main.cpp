@@ -40,6 +40,7 @@ void listenTo(int signal)
 constexpr const char* hint =
     "From a second terminal: ./dorn service list    ./dorn rad set HWA/ClimateS 1\n"
     "  ./dorn tag set board.climate.ambient --u32 90    ./dorn alarm list    ./dorn redundancy switch active\n"
+    "  ./dorn board sfp plug 1    ./dorn board link break cpri0    ./dorn board clock lose-reference\n"
     "  echo > build/release/board/var/run/doorbell    ./dorn msg watch    ./dorn log -f\n";
 
 /// Starts the board where the environment says and shows it until it is told to end.
@@ -53,12 +54,16 @@ int showLive()
     for (const char* name : {"FaultManager", "RedundancyManager", "LedS", "ComfortS", "DoorbellS"}) {
         board.start(name);
     }
+    for (const char* name : {"SfpS", "LinkS", "ClockS"}) {
+        board.start(name, {"-v"});
+    }
     // ClimateS registers with the redundancy manager, and would wait ten seconds for one that is not there yet.
     const bool isManaged = testkit::waitForRad(ERadHwapiState_HwCtrlSState, 2, std::chrono::seconds(5));
     board.start("ClimateS",
                 isManaged ? std::vector<std::string>{"-v", "--redundancy"} : std::vector<std::string>{"-v"});
     {
-        LiveView view({ERadHwapi_LED, ERadHwapi_ClimateS, ERadHwapi_ALRM}, hint);
+        LiveView view(
+            {ERadHwapi_LED, ERadHwapi_ClimateS, ERadHwapi_ALRM, ERadHwapi_SFP, ERadHwapi_CPR, ERadHwapi_CLOCKS}, hint);
         while (!isToEnd.load() && !board.running().empty()) {
             view.update();
         }
