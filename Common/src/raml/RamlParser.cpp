@@ -10,7 +10,7 @@
 #include "raml/dataclasses/RAML_ParameterType.hpp"
 
 #include <array>
-#include <string_view>
+#include <cstring>
 #include <utility>
 
 namespace RAML {
@@ -25,6 +25,11 @@ constexpr auto scopeTypes = std::to_array<NamedValue<RAML_ScopeType>>({{"selecti
                                                                        {"changes", RAML_SCOPE_CHANGES},
                                                                        {"all", RAML_SCOPE_ALL}});
 static_assert(scopeTypes.size() == 4);
+
+bool isSame(const char* text, const char* other)
+{
+    return std::strcmp(text, other) == 0;
+}
 
 AaGpuXmlNode* firstChildOf(const AaGpuXmlNode& node)
 {
@@ -105,19 +110,19 @@ void RamlParser::in_raml(AaGpuXmlNode* node, RAML_Type& document, RAML_ParsingRe
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_raml");
     mCurrentElement = node;
-    std::string version;
-    if (!GetAttributeValue(node, "version", version)) {
+    const char* const version = findAttribute(node, "version");
+    if (!version) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                        "Validation constraint violation: missing required attribute 'version' in element [ %s ].",
                        node->AaGpuXmlGetName());
-    } else if (version != "2.1" && version != "2.1E") {
+    } else if (!isSame(version, "2.1") && !isSame(version, "2.1E")) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                        "Validation constraint violation: RAML version mismatch.");
     }
-    std::string xmlns;
-    if (!GetAttributeValue(node, "xmlns", xmlns)) {
+    const char* const xmlns = findAttribute(node, "xmlns");
+    if (!xmlns) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                        "Validation constraint violation: missing required attribute 'xmlns' in element [%s].",
@@ -126,8 +131,8 @@ void RamlParser::in_raml(AaGpuXmlNode* node, RAML_Type& document, RAML_ParsingRe
     if (result != RAML_OK) {
         return;
     }
-    document.version = std::move(version);
-    document.xmlns = std::move(xmlns);
+    document.version = version;
+    document.xmlns = xmlns;
     AaGpuXmlNode* child = getNextSiblingNode(firstChildOf(*node), AA_GPU_XML_ELEMENT_NODE, "cmData");
     while (child) {
         mCurrentElement = child;
@@ -157,13 +162,13 @@ void RamlParser::in_cmData(AaGpuXmlNode* node, const RAML_CMDataType::pointer& c
     }
     cmData->managedObjects.reserve(countElements(node, "managedObject"));
     for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
-        const std::string_view tag = child->AaGpuXmlGetName();
-        if (tag == "header") {
+        const char* const tag = child->AaGpuXmlGetName();
+        if (isSame(tag, "header")) {
             in_header(child, cmData->header, result);
             if (result != RAML_OK) {
                 break;
             }
-        } else if (tag == "managedObject") {
+        } else if (isSame(tag, "managedObject")) {
             RAML_ManagedObjectType::pointer mo = RAML_ManagedObjectType::create();
             in_mo(child, mo, result);
             if (result == RAML_OK) {
@@ -185,8 +190,8 @@ void RamlParser::in_cmDataAttributesOnly(AaGpuXmlNode* node, const RAML_CMDataTy
                                          RAML_ParsingResult& result)
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_cmDataAttributesOnly");
-    std::string type;
-    if (!GetAttributeValue(node, "type", type)) {
+    const char* const type = findAttribute(node, "type");
+    if (!type) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                        "Validation constraint violation: missing required attribute 'type' in element [%s].",
@@ -202,15 +207,16 @@ void RamlParser::in_cmDataAttributesOnly(AaGpuXmlNode* node, const RAML_CMDataTy
         return;
     }
     cmData->type = plan;
-    const std::string scope = attributeOf(node, "scope");
+    const char* const scope = attributeOf(node, "scope");
     cmData->domain = attributeOf(node, "domain");
-    std::string adaptationVersionMajor;
-    if (!GetAttributeValue(node, "adaptationVersionMajor", adaptationVersionMajor)) {
+    const char* adaptationVersionMajor = findAttribute(node, "adaptationVersionMajor");
+    if (!adaptationVersionMajor) {
+        adaptationVersionMajor = "";
         AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
                        "Mandatory attribute 'adaptationVersionMajor' missing. Defaulting to [%s]",
-                       adaptationVersionMajor.c_str());
+                       adaptationVersionMajor);
     }
-    cmData->adaptationVersionMajor = std::move(adaptationVersionMajor);
+    cmData->adaptationVersionMajor = adaptationVersionMajor;
     cmData->name = attributeOf(node, "name");
     cmData->id = attributeOf(node, "id");
     const RAML_ScopeType scopeType = getScopeType(scope);
@@ -221,12 +227,13 @@ void RamlParser::in_header(AaGpuXmlNode* node, RAML_HeaderType& header, RAML_Par
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_header");
     for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
-        if (std::string_view(child->AaGpuXmlGetName()) != "log") {
+        if (!isSame(child->AaGpuXmlGetName(), "log")) {
             reportUnexpectedTag(node, child, result);
             continue;
         }
-        RAML_LogType log;
-        if (!GetAttributeValue(child, "dateTime", log.dateTime) || !GetAttributeValue(child, "action", log.action)) {
+        const char* const dateTime = findAttribute(child, "dateTime");
+        const char* const action = dateTime ? findAttribute(child, "action") : nullptr;
+        if (!action) {
             result = RAML_SYNTAX_ERROR;
             AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                            "Validation constraint violation: missing required attribute 'dateTime' and/or 'action' in "
@@ -234,12 +241,14 @@ void RamlParser::in_header(AaGpuXmlNode* node, RAML_HeaderType& header, RAML_Par
                            child->AaGpuXmlGetName());
             return;
         }
+        RAML_LogType& log = header.logs.emplace_back();
+        log.dateTime = dateTime;
+        log.action = action;
         log.user = attributeOf(child, "user");
         log.appInfo = attributeOf(child, "appInfo");
         log.text = child->AaGpuXmlGetValue();
         AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "%s: %8s (%s)  %s\n", log.dateTime.c_str(),
                        log.action.c_str(), log.user.c_str(), log.text.c_str());
-        header.logs.push_back(std::move(log));
     }
 }
 
@@ -264,24 +273,24 @@ void RamlParser::in_mo(AaGpuXmlNode* node, const RAML_ManagedObjectType::pointer
         return;
     }
     for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
-        const std::string_view tag = child->AaGpuXmlGetName();
-        if (tag == "p") {
+        const char* const tag = child->AaGpuXmlGetName();
+        if (isSame(tag, "p")) {
             if (!readMoParameter(child, *mo, result)) {
                 return;
             }
-        } else if (tag == "list") {
+        } else if (isSame(tag, "list")) {
             in_list(child, mo, result);
             if (result != RAML_OK) {
                 return;
             }
-        } else if (tag == "defaults" || tag == "extension") {
-            AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "Optional tag '%s' ignored!", tag.data());
+        } else if (isSame(tag, "defaults") || isSame(tag, "extension")) {
+            AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "Optional tag '%s' ignored!", tag);
         } else {
             result = RAML_SYNTAX_ERROR;
             AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                            "Validation constraint violation: tag name mismatch in element [%s]. Detected unexpected "
                            "tag [%s]",
-                           tag.data(), tag.data());
+                           tag, tag);
         }
     }
 }
@@ -289,45 +298,45 @@ void RamlParser::in_mo(AaGpuXmlNode* node, const RAML_ManagedObjectType::pointer
 /// Reads a managed object's attributes. @return whether its children are to be read.
 bool RamlParser::readMoAttributes(AaGpuXmlNode* node, RAML_ManagedObjectType& mo, RAML_ParsingResult& result)
 {
-    std::string className;
-    if (!GetAttributeValue(node, "class", className)) {
+    const char* const className = findAttribute(node, "class");
+    if (!className) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                        "Validation constraint violation: missing required attribute 'class' in element [%s].",
                        node->AaGpuXmlGetName());
         return false;
     }
-    std::string distName;
-    if (!GetAttributeValue(node, "distName", distName)) {
+    const char* const distName = findAttribute(node, "distName");
+    if (!distName) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                        "Validation constraint violation: missing required attribute 'distName' in element [%s].",
                        node->AaGpuXmlGetName());
         return false;
     }
-    mo.setClassName(std::move(className));
-    mo.setDistName(std::move(distName));
-    const std::string operation = attributeOf(node, "operation");
+    mo.setClassName(className);
+    mo.setDistName(distName);
+    const char* const operation = attributeOf(node, "operation");
     mo.setVersion(attributeOf(node, "version"));
     mo.setId(attributeOf(node, "id"));
     mo.setVendor(attributeOf(node, "vendor"));
     mo.setTimeStamp(attributeOf(node, "timeStamp"));
     mo.setName(attributeOf(node, "name"));
     mo.setOperationName(attributeOf(node, "actionName"));
-    const std::string levelScope = attributeOf(node, "levelScope");
-    const std::string funcScope = attributeOf(node, "funcScope");
-    const std::string filter = attributeOf(node, "filter");
+    const char* const levelScope = attributeOf(node, "levelScope");
+    const char* const funcScope = attributeOf(node, "funcScope");
+    const char* const filter = attributeOf(node, "filter");
     mo.setSequenceNo(attributeOf(node, "sequenceNo"));
     mo.setOperation(operation);
     mo.setLevelScope(levelScope);
     mo.setFuncScope(funcScope);
     mo.setFilter(filter);
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
-                   "Raml2.1 attributes in MO: class [%s], operation [%s], distName [%s]", mo.mClassname.c_str(),
-                   operation.c_str(), mo.mDistName.c_str());
+                   "Raml2.1 attributes in MO: class [%s], operation [%s], distName [%s]", className, operation,
+                   distName);
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
                    "Raml2.1E attributes in MO: levelScope [%s], funcScope [%s], filter [%s], sequenceNo [%s]",
-                   levelScope.c_str(), funcScope.c_str(), filter.c_str(), mo.mSequenceNumber.c_str());
+                   levelScope, funcScope, filter, mo.mSequenceNumber.c_str());
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
                    "Raml2.1E attributes in MO: levelScope [%d], funcScope [%d], filter [%d], sequenceNo [%s]",
                    mo.mLevelScope, mo.mFuncScope, mo.mFilter, mo.mSequenceNumber.c_str());
@@ -336,16 +345,16 @@ bool RamlParser::readMoAttributes(AaGpuXmlNode* node, RAML_ManagedObjectType& mo
     }
     result = RAML_SYNTAX_ERROR;
     AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
-                   "MO of class '%s' with distName '%s' has incorrect operation type = '%s'", mo.mClassname.c_str(),
-                   mo.mDistName.c_str(), operation.c_str());
+                   "MO of class '%s' with distName '%s' has incorrect operation type = '%s'", className, distName,
+                   operation);
     return false;
 }
 
 /// Reads a simple parameter. @return whether the managed object's other children are to be read.
 bool RamlParser::readMoParameter(AaGpuXmlNode* node, RAML_ManagedObjectType& mo, RAML_ParsingResult& result)
 {
-    std::string name = attributeOf(node, "name");
-    if (name.empty()) {
+    const char* const name = attributeOf(node, "name");
+    if (*name == '\0') {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                        "Validation constraint violation: missing required attribute 'name' in element [%s]. Detected "
@@ -354,8 +363,8 @@ bool RamlParser::readMoParameter(AaGpuXmlNode* node, RAML_ManagedObjectType& mo,
         return false;
     }
     const char* const value = node->AaGpuXmlGetValue();
-    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "--p: '%s'    '%s'", name.c_str(), value);
-    mo.addMOparams(RAML_ParameterType::create(std::move(name), value));
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "--p: '%s'    '%s'", name, value);
+    mo.addMOparams(RAML_ParameterType::create(name, value));
     return true;
 }
 
@@ -363,22 +372,24 @@ void RamlParser::in_list(AaGpuXmlNode* node, const RAML_ManagedObjectType::point
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_list");
     const RAML_ListType::pointer list = RAML_ListType::create();
-    if (!GetAttributeValue(node, "name", list->name)) {
+    const char* const name = findAttribute(node, "name");
+    if (!name) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                        "Validation constraint violation: missing required attribute 'name' in element [%s]",
                        node->AaGpuXmlGetName());
         return;
     }
-    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "--list: %s\n", list->name.c_str());
+    list->name = name;
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "--list: %s\n", name);
     for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
-        const std::string_view tag = child->AaGpuXmlGetName();
-        if (tag == "item") {
+        const char* const tag = child->AaGpuXmlGetName();
+        if (isSame(tag, "item")) {
             in_item(child, list, result);
             if (result != RAML_OK) {
                 return;
             }
-        } else if (tag == "p") {
+        } else if (isSame(tag, "p")) {
             if (!readListParameter(child, *list, result)) {
                 return;
             }
@@ -387,7 +398,7 @@ void RamlParser::in_list(AaGpuXmlNode* node, const RAML_ManagedObjectType::point
             AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                            "Validation constraint violation: tag name mismatch in element [list]. Detected unexpected "
                            "tag [%s]",
-                           tag.data());
+                           tag);
             return;
         }
     }
@@ -399,18 +410,17 @@ void RamlParser::in_list(AaGpuXmlNode* node, const RAML_ManagedObjectType::point
 /// Reads a bare value. @return whether the list's other children are to be read.
 bool RamlParser::readListParameter(AaGpuXmlNode* node, RAML_ListType& list, RAML_ParsingResult& result)
 {
-    const std::string name = attributeOf(node, "name");
-    if (!name.empty()) {
+    const char* const name = attributeOf(node, "name");
+    if (*name != '\0') {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
-                       "Validation constraint violation: prohibited attribute [%s] present in element [%s]",
-                       name.c_str(), node->AaGpuXmlGetName());
+                       "Validation constraint violation: prohibited attribute [%s] present in element [%s]", name,
+                       node->AaGpuXmlGetName());
         return false;
     }
     RAML_ListParameterType::pointer element = RAML_ListParameterType::create();
     element->value = node->AaGpuXmlGetValue();
-    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "----p '%s'    '%s'", name.c_str(),
-                   element->value.c_str());
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "----p '%s'    '%s'", name, element->value.c_str());
     list.add(std::move(element));
     return true;
 }
@@ -420,25 +430,23 @@ void RamlParser::in_item(AaGpuXmlNode* node, const RAML_ListType::pointer& list,
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_item");
     RAML_ItemType::pointer item = RAML_ItemType::create();
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "----item\n");
-    const std::string operation = attributeOf(node, "operation");
+    const char* const operation = attributeOf(node, "operation");
     item->setListItemOperation(operation);
-    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "ListItem with attribute operation [%s]",
-                   operation.c_str());
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "ListItem with attribute operation [%s]", operation);
     for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
-        const std::string_view tag = child->AaGpuXmlGetName();
-        if (tag != "p") {
+        const char* const tag = child->AaGpuXmlGetName();
+        if (!isSame(tag, "p")) {
             result = RAML_SYNTAX_ERROR;
             AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                            "Validation constraint violation: tag name mismatch in element [item]. Detected unexpected "
                            "tag [%s]",
-                           tag.data());
+                           tag);
             return;
         }
-        RAML_ItemParameterType& parameter = item->params.emplace_back();
-        GetAttributeValue(child, "name", parameter.name);
-        parameter.value = child->AaGpuXmlGetValue();
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "------p: '%s'    '%s'", parameter.name.c_str(),
-                       parameter.value.c_str());
+        const char* const name = attributeOf(child, "name");
+        const char* const value = child->AaGpuXmlGetValue();
+        item->params.push_back({name, value});
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "------p: '%s'    '%s'", name, value);
     }
     list->add(std::move(item));
 }
@@ -449,7 +457,7 @@ AaGpuXmlNode* RamlParser::getNextSiblingNode(AaGpuXmlNode* start, EAaGpuXmlNodeT
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::getNextSiblingNode");
     AaGpuXmlNode* node = start;
-    while (node && (node->AaGpuXmlGetType() != type || (name && std::string_view(node->AaGpuXmlGetName()) != name))) {
+    while (node && (node->AaGpuXmlGetType() != type || (name && !isSame(node->AaGpuXmlGetName(), name)))) {
         node = node->AaGpuXmlGetNext();
     }
     return node;
@@ -482,27 +490,35 @@ std::size_t RamlParser::countElements(const AaGpuXmlNode* parent, const char* na
 
 TBoolean RamlParser::GetAttributeValue(AaGpuXmlNode* node, const std::string& attributeName, std::string& value)
 {
-    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::GetAttributeNode %s",
-                   attributeName.c_str());
+    const char* const found = findAttribute(node, attributeName.c_str());
+    if (!found) {
+        return 0;
+    }
+    value = found;
+    return 1;
+}
+
+/// An attribute's value; null when it is not there.
+const char* RamlParser::findAttribute(const AaGpuXmlNode* node, const char* attributeName)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::GetAttributeNode %s", attributeName);
     const AaGpuXmlNode* child = node ? firstChildOf(*node) : nullptr;
     // The attributes are the first children: behind them there may be a million others to look at in vain.
     for (; child && child->AaGpuXmlGetType() == AA_GPU_XML_ATTRIBUTE_NODE; child = child->AaGpuXmlGetNext()) {
-        if (attributeName == child->AaGpuXmlGetName()) {
+        if (isSame(child->AaGpuXmlGetName(), attributeName)) {
             AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
                            "RamlParser::GetAttributeNode attribute node found");
-            value = child->AaGpuXmlGetValue();
-            return 1;
+            return child->AaGpuXmlGetValue();
         }
     }
-    return 0;
+    return nullptr;
 }
 
-/// An attribute's value; empty when it is not there.
-std::string RamlParser::attributeOf(AaGpuXmlNode* node, const std::string& attributeName)
+/// An attribute's value; the empty text when it is not there.
+const char* RamlParser::attributeOf(const AaGpuXmlNode* node, const char* attributeName)
 {
-    std::string value;
-    GetAttributeValue(node, attributeName, value);
-    return value;
+    const char* const found = findAttribute(node, attributeName);
+    return found ? found : "";
 }
 
 void RamlParser::reportUnexpectedTag(const AaGpuXmlNode* parent, const AaGpuXmlNode* child, RAML_ParsingResult& result)

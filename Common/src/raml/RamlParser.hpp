@@ -90,7 +90,8 @@ private:
     AaGpuXmlNode* firstElementIn(const AaGpuXmlNode* parent);
     AaGpuXmlNode* nextElement(const AaGpuXmlNode* element);
     std::size_t countElements(const AaGpuXmlNode* parent, const char* name);
-    std::string attributeOf(AaGpuXmlNode* node, const std::string& attributeName);
+    const char* findAttribute(const AaGpuXmlNode* node, const char* attributeName);
+    const char* attributeOf(const AaGpuXmlNode* node, const char* attributeName);
     static void reportUnexpectedTag(const AaGpuXmlNode* parent, const AaGpuXmlNode* child, RAML_ParsingResult& result);
 
     std::unique_ptr<AaGpuXmlNode> mDocumentNode; ///< root of the last document's tree; null when it was not well-formed

@@ -242,6 +242,12 @@ const char* readXmlReference(const char* at, std::string& to)
     throw XmlMarkupFault{at, "there is a reference to an unknown entity", XmlMarkupFault::Kind::UnknownEntity};
 }
 
+const char* checkXmlReference(const char* at)
+{
+    std::string read;
+    return readXmlReference(at, read);
+}
+
 const char* skipXmlReference(const char* at)
 {
     constexpr const char* reason = "'&' begins no reference, or one that does not end";

@@ -123,6 +123,9 @@ const char* skipXmlNameToken(const char* at, const char* reason);
 /// @param[in,out] to the character is appended here
 const char* readXmlReference(const char* at, std::string& to);
 
+/// Steps over a reference that could be read.
+const char* checkXmlReference(const char* at);
+
 /// Steps over a reference to a character or to any entity.
 const char* skipXmlReference(const char* at);
 

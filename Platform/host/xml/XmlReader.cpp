@@ -19,7 +19,6 @@ constexpr std::string_view cdataEnd = "]]>";
 /// Steps over text to the next '<'. @param[in,out] isPlain made false when the text reads otherwise than it is written
 const char* skipText(const char* at, bool& isPlain)
 {
-    std::string ignored;
     for (;;) {
         while (isXmlByte(*at, PlainTextByte)) {
             ++at;
@@ -28,7 +27,7 @@ const char* skipText(const char* at, bool& isPlain)
         case '<':
             return at;
         case '&':
-            at = readXmlReference(at, ignored);
+            at = checkXmlReference(at);
             isPlain = false;
             break;
         case '\r':
@@ -53,7 +52,6 @@ const char* skipText(const char* at, bool& isPlain)
 /// @param[in,out] isPlain made false when the value reads otherwise than it is written
 const char* skipValue(const char* at, char quote, bool& isPlain)
 {
-    std::string ignored;
     for (;;) {
         while (isXmlByte(*at, PlainValueByte)) {
             ++at;
@@ -66,7 +64,7 @@ const char* skipValue(const char* at, char quote, bool& isPlain)
         case '\0':
             throw XmlMarkupFault{at, wrongAttribute};
         case '&':
-            at = readXmlReference(at, ignored);
+            at = checkXmlReference(at);
             isPlain = false;
             break;
         case '\t':
@@ -270,7 +268,7 @@ char* XmlReader::readEndTag(char* at)
     for (; *name != '\0' && *name == *place; ++name) {
         ++place;
     }
-    if (*name != '\0' || skipXmlNameRest(place) != place) {
+    if (*name != '\0' || (*place != '>' && skipXmlNameRest(place) != place)) {
         throw XmlMarkupFault{at + 2, "an end tag has another name than its element"};
     }
     place = skipXmlBlanks(place);
@@ -298,7 +296,9 @@ char* XmlReader::readContent(char* at)
         appendContent(at, end, true, m_pieces);
         return readInterruption(end);
     default:
-        endPiece(at, end);
+        if (end != behindBlanks || !m_pieces.empty()) { // seldom: most often there is an indentation
+            endPiece(at, end);
+        }
         return readStartTag(end);
     }
 }
