@@ -36,6 +36,16 @@ AaGpuXmlNode* firstChildOf(const AaGpuXmlNode& node)
     return node.AaGpuXmlHasChildren() ? *node.AaGpuXmlGetFirstChildren() : nullptr;
 }
 
+/// How many of a node's children may become elements of a vector in the model.
+std::size_t elementsIn(const AaGpuXmlNode& node)
+{
+    std::size_t count = 0;
+    for (const AaGpuXmlNode* child = firstChildOf(node); child; child = child->AaGpuXmlGetNext()) {
+        count += child->AaGpuXmlGetType() == AA_GPU_XML_ELEMENT_NODE ? 1 : 0;
+    }
+    return count;
+}
+
 } // namespace
 
 RamlParser::RamlParser()
@@ -272,6 +282,7 @@ void RamlParser::in_mo(AaGpuXmlNode* node, const RAML_ManagedObjectType::pointer
     if (!readMoAttributes(node, *mo, result)) {
         return;
     }
+    mo->mParameters.reserve(elementsIn(*node));
     for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
         const char* const tag = child->AaGpuXmlGetName();
         if (isSame(tag, "p")) {
@@ -382,6 +393,7 @@ void RamlParser::in_list(AaGpuXmlNode* node, const RAML_ManagedObjectType::point
     }
     list->name = name;
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "--list: %s\n", name);
+    list->listElements.reserve(elementsIn(*node));
     for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
         const char* const tag = child->AaGpuXmlGetName();
         if (isSame(tag, "item")) {
