@@ -9,19 +9,21 @@ namespace {
 
 using testing::ElementsAre;
 
-std::string unitId(std::uint32_t length)
-{
-    std::string buffer(length, '#');
-    EXPECT_EQ(ApiGetUnitId(2, buffer.data(), length), 1U);
-    return buffer;
-}
+class MacroTest : public AutodetTest {
+protected:
+    MacroTest() { m_platform.parameters[ERadHwapi_SimulateMacroREC] = 1; }
 
-std::string unitCode(std::uint32_t length)
-{
-    std::string buffer(length, '#');
-    EXPECT_EQ(ApiGetUnitProductionCode(2, buffer.data(), length), 1U);
-    return buffer;
-}
+    static std::string unitId(std::uint32_t size)
+    {
+        return ask([](char* buffer, std::uint32_t length) { return ApiGetUnitId(2, buffer, length); }, size);
+    }
+
+    static std::string unitCode(std::uint32_t size)
+    {
+        return ask([](char* buffer, std::uint32_t length) { return ApiGetUnitProductionCode(2, buffer, length); },
+                   size);
+    }
+};
 
 struct MacroUnit {
     const char* id;
@@ -36,11 +38,10 @@ void PrintTo(const MacroUnit& row, std::ostream* stream)
     *stream << row.id;
 }
 
-class MacroUnitTest : public AutodetTest, public testing::WithParamInterface<MacroUnit> {
+class MacroUnitTest : public MacroTest, public testing::WithParamInterface<MacroUnit> {
 protected:
     MacroUnitTest()
     {
-        m_platform.parameters[ERadHwapi_SimulateMacroREC] = 1;
         m_drivers.units[2] = {GetParam().id, 0x204007, "900001A.101", "L1200000001"};
         m_drivers.units[0] = m_drivers.units[2];
     }
@@ -156,11 +157,10 @@ void PrintTo(const MacroModule& row, std::ostream* stream)
     *stream << row.id;
 }
 
-class MacroModuleTest : public AutodetTest, public testing::WithParamInterface<MacroModule> {
+class MacroModuleTest : public MacroTest, public testing::WithParamInterface<MacroModule> {
 protected:
     MacroModuleTest()
     {
-        m_platform.parameters[ERadHwapi_SimulateMacroREC] = 1;
         m_drivers.module = {GetParam().id, "900201A.101", "M1200000002"};
         m_drivers.extModules[6] = m_drivers.module;
     }
@@ -221,10 +221,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, MacroModuleTest,
                          testing::Values(MacroModule{"LAUA", "VIGA", 25, "900225A"},
                                          MacroModule{"LAUB", "VIGB", 26, "900226A"}));
 
-class OtherUnitTest : public AutodetTest {
-protected:
-    OtherUnitTest() { m_platform.parameters[ERadHwapi_SimulateMacroREC] = 1; }
-};
+class OtherUnitTest : public MacroTest {};
 
 TEST_F(OtherUnitTest, IsShownAsItIs)
 {

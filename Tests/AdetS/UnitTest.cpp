@@ -67,6 +67,8 @@ TEST_F(UnitTest, EmptyOwnIdIsNotKept)
 
     m_drivers.units[0].id = "TARN";
     EXPECT_EQ(ask(ApiGetLocalUnitId, 5), inBuffer("TARN", 5));
+    m_drivers.units[0].id = "OTHER";
+    EXPECT_EQ(ask(ApiGetLocalUnitId, 5), inBuffer("TARN", 5));
 }
 
 // ------------------------------------------------------------------------------------------------------------ HW/SW id
