@@ -241,16 +241,16 @@ struct ModuleRow {
 };
 
 inline constexpr ModuleRow ModuleList[] = {
-    {EModuleVersion_Matin_1, "MATA"},  {EModuleVersion_Matin_2, "MATB"},      {EModuleVersion_Matin_3, "MATC"},
-    {EModuleVersion_Matin_4, "MATD"},  {EModuleVersion_Lauds_1, "LAUA"},      {EModuleVersion_Lauds_2, "LAUB"},
-    {EModuleVersion_Lauds_3, "LAUC"},  {EModuleVersion_Lauds_4, "LAUD"},      {EModuleVersion_Terce_1, "TRCA"},
-    {EModuleVersion_Terce_2, "TRCB"},  {EModuleVersion_Terce_3, "TRCC"},      {EModuleVersion_Terce_4, "TRCD"},
-    {EModuleVersion_Terce_5, "TRCDN"}, {EModuleVersion_Nones_1, "NONA"},      {EModuleVersion_Nones_2, "NONB"},
-    {EModuleVersion_Nones_3, "NONC"},  {EModuleVersion_Nones_4, "NOND"},      {EModuleVersion_Vigil_1, "VIGA"},
-    {EModuleVersion_Vigil_2, "VIGB"},  {EModuleVersion_Vigil_3, "VIGC"},      {EModuleVersion_Vigil_4, "VIGD"},
-    {EModuleVersion_Vigil_5, "VIGDN"}, {EModuleVersion_Compline_1, "CMPA"},   {EModuleVersion_Compline_2, "CMPB"},
-    {EModuleVersion_Tarn, "TARN"},     {EModuleVersion_Tarn_Master, "TARNM"}, {EModuleVersion_Tarn_Slave, "TARNS"},
-    {EModuleVersion_Undern_1, "UNDA"}, {EModuleVersion_Vesper_4X4, "VESP4"},  {EModuleVersion_Gloam_1, "GLMA"},
+    {EModuleVersion_Matin_1, "MATA"},  {EModuleVersion_Matin_2, "MATB"},     {EModuleVersion_Matin_3, "MATC"},
+    {EModuleVersion_Matin_4, "MATD"},  {EModuleVersion_Lauds_1, "LAUA"},     {EModuleVersion_Lauds_2, "LAUB"},
+    {EModuleVersion_Lauds_3, "LAUC"},  {EModuleVersion_Lauds_4, "LAUD"},     {EModuleVersion_Terce_1, "TRCA"},
+    {EModuleVersion_Terce_2, "TRCB"},  {EModuleVersion_Terce_3, "TRCC"},     {EModuleVersion_Terce_4, "TRCD"},
+    {EModuleVersion_Terce_5, "TRCDN"}, {EModuleVersion_Nones_1, "NONA"},     {EModuleVersion_Nones_2, "NONB"},
+    {EModuleVersion_Nones_3, "NONC"},  {EModuleVersion_Nones_4, "NOND"},     {EModuleVersion_Vigil_1, "VIGA"},
+    {EModuleVersion_Vigil_2, "VIGB"},  {EModuleVersion_Vigil_3, "VIGC"},     {EModuleVersion_Vigil_4, "VIGD"},
+    {EModuleVersion_Vigil_5, "VIGDN"}, {EModuleVersion_Compline_1, "CMPA"},  {EModuleVersion_Compline_2, "CMPB"},
+    {EModuleVersion_Tarn, "TARN"},     {EModuleVersion_Tarn_Master, "TARM"}, {EModuleVersion_Tarn_Slave, "TARS"},
+    {EModuleVersion_Undern_1, "UNDA"}, {EModuleVersion_Vesper_4X4, "VESP"},  {EModuleVersion_Gloam_1, "GLMA"},
 };
 static_assert(std::size(ModuleList) == 30);
 
