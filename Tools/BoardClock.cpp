@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "BoardParts.hpp"
+#include "BoardVerbs.hpp"
 
 #include "ClockText.hpp"
 #include "Manager.hpp"

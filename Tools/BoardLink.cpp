@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "BoardParts.hpp"
+#include "BoardVerbs.hpp"
 
 #include "LinkNames.hpp"
 #include "LinkText.hpp"

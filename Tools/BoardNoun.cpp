@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: MIT
+#include "BoardVerbs.hpp"
 #include "Nouns.hpp"
-
-#include "BoardParts.hpp"
 #include "Program.hpp"
+
+#include <CLI/CLI.hpp>
 
 namespace dorn::tool {
 
 void addBoardNoun(Program& program)
 {
     CLI::App& noun = program.addNoun("board", "The hardware of the board, and what happens to it");
+    addBoardShow(program, noun);
+    addBoardFault(program, noun);
     addBoardSfp(program, noun);
     addBoardLink(program, noun);
     addBoardClock(program, noun);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "BoardParts.hpp"
+#include "BoardVerbs.hpp"
 
 #include "Manager.hpp"
 #include "Program.hpp"

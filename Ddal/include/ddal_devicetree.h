@@ -5,7 +5,7 @@
 /// - A *unit* is a plug-in unit of the base station. Unit 0 is the one this software runs on; the others are those that
 ///   the board knows of, by the numbers that it gives them.
 /// - A *module* is the mechanical module that holds the unit. Beside the local one there are external modules, by the
-///   number of the port that leads to them.
+///   number of the port that leads to them; port 0 leads to the local one.
 ///
 /// Identities do not change while the board runs, so callers may keep them. A query costs at most a few file reads.
 #ifndef DDAL_DEVICETREE_H

@@ -10,7 +10,7 @@
 /// - A function returns #DDAL_OK or one of the codes of #ddal_result; a driver may return codes of its own. Callers
 ///   compare with #DDAL_OK and print the rest, so that any other value is a failure and none needs a meaning here.
 /// - Every function may be called from any thread, from several at once, and from several processes of the board at
-///   once. None calls back, none waits for another caller.
+///   once. None calls back.
 /// - What a function returns through pointers is set when it returns #DDAL_OK and untouched otherwise. All pointers are
 ///   the caller's, none is kept after the call, and null is #DDAL_ERROR_INVALID_ARGUMENT.
 /// - A length that is called `maxLength` counts characters without the terminating zero: the buffer has `maxLength` + 1

@@ -21,12 +21,13 @@ struct PartCase {
     const char* sentence;
 };
 
-constexpr std::array<PartCase, 5> cases{{
+constexpr std::array<PartCase, 6> cases{{
     {NodePart::Services, "ees", "no services have run here"},
     {NodePart::RadParameters, "rad/control", "no R&D parameters have been registered here"},
     {NodePart::Tags, "tags/data.mdb", "no tags have been set here"},
     {NodePart::Messages, "cpids", "no services have run here"},
     {NodePart::Log, "log.control", "no log has been written here"},
+    {NodePart::DriverFaults, "board.faults", "no driver function has been told to fail here"},
 }};
 
 class NodePlaceTest : public ::testing::TestWithParam<PartCase> {

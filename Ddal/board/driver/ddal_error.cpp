@@ -2,41 +2,11 @@
 #include "ddal_error.h"
 
 #include "driver/DriverText.hpp"
-
-#include <array>
-
-namespace {
-
-using namespace dorn::board;
-
-constexpr std::array<const char*, 14> resultTexts{
-    "no error",
-    "failed",
-    "invalid argument",
-    "board description cannot be read",
-    "board description is malformed",
-    "not found",
-    "handle is not open for this",
-    "address is not in the device's memory",
-    "file cannot be used",
-    "input/output error",
-    "no resources left",
-    "device is busy",
-    "device does not answer",
-    "not supported",
-};
-static_assert(resultTexts.size() == DDAL_ERROR_NOT_SUPPORTED + 1);
-
-std::string resultText(std::int32_t code)
-{
-    const bool isKnown = code >= 0 && static_cast<std::size_t>(code) < resultTexts.size();
-    return isKnown ? resultTexts[static_cast<std::size_t>(code)] : "unknown error " + std::to_string(code);
-}
-
-} // namespace
+#include "driver/ResultText.hpp"
 
 int32_t ddal_strerror(int32_t code, char* buffer, uint32_t maxLength)
 {
+    using namespace dorn::board;
     if (buffer) {
         *buffer = '\0';
     }

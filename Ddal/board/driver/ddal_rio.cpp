@@ -2,17 +2,21 @@
 #include "ddal_rio.h"
 
 #include "description/DescribedBoard.hpp"
+#include "device/RioPort.hpp"
 #include "driver/DriverCall.hpp"
 #include "driver/RioHandles.hpp"
 #include "node/PerNode.hpp"
-
-#include <limits>
 
 namespace {
 
 using namespace dorn::board;
 
 constexpr std::uint32_t ownPort = 0;
+
+RioPort rioPort(std::uint32_t number)
+{
+    return RioPort(DescribedBoard::get().part("rapidio", number));
+}
 
 RioHandles& handles()
 {
@@ -38,15 +42,7 @@ std::shared_ptr<const RioHandle> requireHandle(std::int32_t number, ddal_rio_mod
 
 int32_t ddal_rio_get_own_id(uint16_t* id)
 {
-    return driverCall(DriverFunction("ddal_rio_get_own_id"), [&] {
-        std::uint16_t& result = require(id);
-        const BoardNode port = DescribedBoard::get().part("rapidio", ownPort);
-        const std::uint32_t own = port.cell("dorn,own-id");
-        if (own > std::numeric_limits<std::uint16_t>::max()) {
-            port.failAt("dorn,own-id", "is " + std::to_string(own) + ", and RapidIO ids have 16 bits");
-        }
-        result = static_cast<std::uint16_t>(own);
-    });
+    return driverCall(DriverFunction("ddal_rio_get_own_id"), [&] { require(id) = rioPort(ownPort).ownId(); });
 }
 
 int32_t ddal_rio_copy_open_fd(uint32_t port, uint16_t deviceId, uint32_t mode, int32_t* handle)
@@ -56,8 +52,7 @@ int32_t ddal_rio_copy_open_fd(uint32_t port, uint16_t deviceId, uint32_t mode, i
         if (mode > DDAL_RIO_READ_WRITE) {
             throw BoardFailure(DDAL_ERROR_INVALID_ARGUMENT, "there is no mode " + std::to_string(mode));
         }
-        const BoardNode device = DescribedBoard::get().part("rapidio", port).numberedChild(deviceId);
-        result = handles().add({RioDevice(port, device), mode});
+        result = handles().add({rioPort(port).device(deviceId), mode});
     });
 }
 

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+/// @file FaultText.hpp
+/// Driver functions that have been told to fail, as people and programs see them.
+#pragma once
+
+#include "Console.hpp"
+#include "Json.hpp"
+#include "fault/FaultStore.hpp"
+
+#include <string>
+#include <vector>
+
+namespace dorn::tool {
+
+/// A table of faults, of which there is at least one.
+std::string faultsTable(const std::vector<board::DriverFault>& faults, const Console& console);
+/// "ddal_fpga_update_mod: the next 3 calls fail with 12 (device does not answer)"
+std::string faultText(const board::DriverFault& fault);
+/// `left` is null for a function of which every call fails.
+Json faultJson(const board::DriverFault& fault);
+
+} // namespace dorn::tool
