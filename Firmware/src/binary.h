@@ -111,7 +111,7 @@ enum EBinaryCopyResult {
 int32_t binary_copy_without_trailer(const char* source, const char* destination);
 
 /// Reads the trailer of an image.
-/// @param trailerBeginning receives T as soon as it is known, even if it then turns out to be invalid
+/// @param trailerBeginning receives T, even if it turns out to be invalid; 0 when it could not be read
 /// @param trailer receives the bytes from T to the end of the file, the word included, and a NUL behind them; the
 /// caller
 ///   ends it with `free`. Null when the result is not 0.

@@ -21,6 +21,7 @@ struct Freer {
 std::uint32_t get_trailer(const char* fileName, std::uint32_t* trailerBeginning, char** trailer)
 {
     *trailer = nullptr;
+    *trailerBeginning = 0;
     const OwnedFile file(AaFileOpen(fileName, "r"));
     if (!file) {
         syslog(LOG_INFO, "%s(): Could not open file: %s", __func__, fileName);

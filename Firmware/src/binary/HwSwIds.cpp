@@ -2,12 +2,14 @@
 #include "binary.h"
 
 #include "AaGpuXml.hpp"
+#include "binary/HwSwId.hpp"
 #include "binary/Unsigned32.hpp"
 
 #include <optional>
 #include <string_view>
 #include <syslog.h>
 
+using vel::hwapi::firmware::isSameButMinor;
 using vel::hwapi::firmware::toUnsigned32;
 
 namespace {
@@ -36,7 +38,6 @@ std::optional<std::uint32_t> findHwSwId(const AaGpuXmlNode& list, Match isMatch)
 
 std::uint32_t scan_hwswid(const AaGpuXmlNode* trailerNode, std::uint32_t hwSwId, std::int32_t minor)
 {
-    constexpr std::uint32_t minorVersions = 0x100;
     const AaGpuXmlNode* const list = FindXmlTag(trailerNode, "HwSwIdList");
     if (!list) {
         return BINARY_HWSWID_NOT_FOUND;
@@ -49,8 +50,8 @@ std::uint32_t scan_hwswid(const AaGpuXmlNode* trailerNode, std::uint32_t hwSwId,
         syslog(LOG_INFO, "%s(): HwSwId minor difference is not allowed", function);
         return BINARY_HWSWID_NOT_FOUND;
     }
-    const auto differsInMinor = [hwSwId](std::uint32_t listed) { return (listed ^ hwSwId) < minorVersions; };
-    if (const std::optional<std::uint32_t> id = findHwSwId(*list, differsInMinor)) {
+    const auto isSame = [hwSwId](std::uint32_t listed) { return isSameButMinor(listed, hwSwId); };
+    if (const std::optional<std::uint32_t> id = findHwSwId(*list, isSame)) {
         syslog(LOG_INFO, "%s(): Found matching HwSwId with minor version difference: 0x%x", function, *id);
         return BINARY_OK;
     }

@@ -33,15 +33,13 @@ void PrintTo(const Answer& answer, std::ostream* stream)
     *stream << answer.result << " from " << answer.beginning << ": " << answer.trailer;
 }
 
-constexpr std::uint32_t untouched = 0xDEADBEEF;
-
 class GetTrailerTest : public FirmwareTest {
 protected:
     /// @param length of the trailer region, so that bytes behind a NUL are looked at too
     Answer read(std::size_t length = 0) const
     {
         char anything = 'x';
-        Answer answer{0, untouched, "none"};
+        Answer answer{0, 0xDEADBEEF, "none"};
         char* trailer = &anything;
         answer.result = get_trailer(path, &answer.beginning, &trailer);
         if (trailer) {
@@ -88,7 +86,7 @@ TEST_F(GetTrailerTest, OffsetMayLieInTheWord)
 
 TEST_F(GetTrailerTest, FileThatIsMissing)
 {
-    EXPECT_EQ(read(), (Answer{70406, untouched, "none"}));
+    EXPECT_EQ(read(), (Answer{70406, 0, "none"}));
     EXPECT_THAT(m_syslog.texts(), ElementsAre(notOpened));
 }
 
@@ -99,7 +97,7 @@ TEST_F(GetTrailerTest, FileThatIsShorterThanTheWord)
         const std::size_t before = lines->texts().size();
         write(std::string(size, 'x'));
 
-        EXPECT_EQ(read(), (Answer{70406, untouched, "none"}));
+        EXPECT_EQ(read(), (Answer{70406, 0, "none"}));
 
         const std::string length = std::to_string(size);
         const std::vector<std::string> all = lines->texts();
@@ -113,7 +111,7 @@ TEST_F(GetTrailerTest, WordThatIsReadInPart)
     write(goodImage());
     const FailNth<AaFileRead> shortRead(1, 3);
 
-    EXPECT_EQ(read(), (Answer{70406, untouched, "none"}));
+    EXPECT_EQ(read(), (Answer{70406, 0, "none"}));
     EXPECT_THAT(m_syslog.texts(), ElementsAre(opened, trailerLines(goodImage())[1], notRead));
 }
 
@@ -122,7 +120,7 @@ TEST_F(GetTrailerTest, WordThatCannotBeRead)
     write(goodImage());
     const FailNth<AaFileRead> failure(1);
 
-    EXPECT_EQ(read(), (Answer{70406, untouched, "none"}));
+    EXPECT_EQ(read(), (Answer{70406, 0, "none"}));
     EXPECT_EQ(m_syslog.texts().back(), notRead);
 }
 
@@ -131,7 +129,7 @@ TEST_F(GetTrailerTest, PositionThatCannotBeMovedToTheWord)
     write(goodImage());
     const FailNth<AaFileSetPosition> failure(1);
 
-    EXPECT_EQ(read(), (Answer{70406, untouched, "none"}));
+    EXPECT_EQ(read(), (Answer{70406, 0, "none"}));
     EXPECT_EQ(m_syslog.texts().back(), notPositioned);
 }
 
@@ -255,7 +253,7 @@ TEST_F(GetTrailerTest, DirectoryIsNoImage)
 {
     std::filesystem::create_directories(m_node.boardPath(path));
 
-    EXPECT_EQ(read(), (Answer{70406, untouched, "none"}));
+    EXPECT_EQ(read(), (Answer{70406, 0, "none"}));
     EXPECT_EQ(m_syslog.texts().front(), opened);
 }
 
@@ -264,7 +262,7 @@ TEST_F(GetTrailerTest, PipeIsNoImageAndHoldsNobodyUp)
     std::filesystem::create_directories(std::filesystem::path(m_node.boardPath(path)).parent_path());
     ASSERT_EQ(mkfifo(m_node.boardPath(path).c_str(), 0600), 0);
 
-    EXPECT_EQ(read(), (Answer{70406, untouched, "none"}));
+    EXPECT_EQ(read(), (Answer{70406, 0, "none"}));
     EXPECT_THAT(m_syslog.texts(), ElementsAre(opened, "info get_trailer(): FileSize: -1, 0xffffffff", notPositioned));
 }
 
