@@ -103,11 +103,13 @@ Outcome listNames(Console& console)
 
 Outcome clear(const FaultOptions& options)
 {
-    const auto function = options.function.empty() ? std::nullopt : std::optional(functionOf(options.function));
-    for (const DriverFault& fault : readFaults()) {
-        if (!function || fault.function.number() == function->number()) {
-            host::PerNode<FaultStore>::get().clear(fault.function);
-        }
+    std::vector<DriverFault> faults = readFaults();
+    if (!options.function.empty()) {
+        const auto number = functionOf(options.function).number();
+        std::erase_if(faults, [number](const DriverFault& fault) { return fault.function.number() != number; });
+    }
+    for (const DriverFault& fault : faults) {
+        host::PerNode<FaultStore>::get().clear(fault.function);
     }
     return Outcome::Fine;
 }
