@@ -68,7 +68,7 @@ protected:
     {
         return passTimeUntil(m_clock, [this] {
             m_running.sync();
-            return !isTimeAwaited(m_clock);
+            return !awaitedTime(m_clock);
         });
     }
 

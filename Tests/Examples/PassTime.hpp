@@ -4,35 +4,41 @@
 #pragma once
 
 #include "Bound.hpp"
+#include "EventThread.hpp"
 #include "ManualClock.hpp"
 
 #include <chrono>
+#include <optional>
 
 namespace dorn::examples {
 
-/// Whether somebody waits for a time to come.
-inline bool isTimeAwaited(const testkit::ManualClock& clock)
+/// The time for which somebody waits.
+inline std::optional<host::Deadline> awaitedTime(const testkit::ManualClock& clock)
 {
     const auto next = clock.nextDeadline();
-    return next && *next != host::noDeadline;
+    return next && *next != host::noDeadline ? next : std::nullopt;
 }
 
-/// Lets time pass, from one deadline to the next, until @p isMet.
-/// @return false when it is not within a generous bound of real time.
+/// Lets time pass, a step of the service's hardware after the other, until @p isMet. It is asked after every step, when
+/// the events of that step have been delivered.
+/// @return false when it is not met within a generous bound of real time.
 template <class Condition>
 [[nodiscard]] bool passTimeUntil(testkit::ManualClock& clock, const Condition& isMet)
 {
     const auto end = std::chrono::steady_clock::now() + testkit::generousBound;
-    while (!isMet()) {
-        if (std::chrono::steady_clock::now() > end) {
-            return false;
+    while (std::chrono::steady_clock::now() < end) {
+        const auto next = awaitedTime(clock); // armed when a step has raised its events
+        {
+            const EventThread delivered;
         }
-        const auto next = clock.nextDeadline();
-        if (next && *next != host::noDeadline && *next > clock.monotonic()) {
+        if (isMet()) {
+            return true;
+        }
+        if (next && *next > clock.monotonic()) {
             clock.advance(*next - clock.monotonic());
         }
     }
-    return true;
+    return false;
 }
 
 } // namespace dorn::examples

@@ -59,7 +59,7 @@ TEST_F(SfpSTest, CagesAreShown)
     EXPECT_EQ(cages[1].isDetected, 0U);
     EXPECT_EQ(cages[1].eventCount, 0U);
     EXPECT_EQ(cages[3].physicalLinkId, 0xFFU);
-    EXPECT_FALSE(isTimeAwaited(m_clock)) << "nothing moves";
+    EXPECT_FALSE(awaitedTime(m_clock)) << "nothing moves";
 }
 
 TEST_F(SfpSTest, ModuleThatIsPluggedIsDetectedAndThenNothingMoves)
@@ -73,7 +73,7 @@ TEST_F(SfpSTest, ModuleThatIsPluggedIsDetectedAndThenNothingMoves)
     EXPECT_EQ(cages[1].module, ESfpModule_Ready);
     EXPECT_EQ(cages[1].eventCount, 1U);
     EXPECT_EQ(cages[0].eventCount, 0U);
-    EXPECT_FALSE(isTimeAwaited(m_clock));
+    EXPECT_FALSE(awaitedTime(m_clock));
 }
 
 TEST_F(SfpSTest, ModuleThatIsPulledIsGone)
@@ -121,7 +121,7 @@ TEST_F(SfpSTest, MissingTimerIsLoggedAndTheNextPluggingTriesAgain)
         EXPECT_EQ(plug(0, true), ESfpPlugStatus_Done);
     }
     EXPECT_THAT(m_log.texts(), Contains("Error 0x200a8 No timer: the simulated hardware stands still"));
-    EXPECT_FALSE(isTimeAwaited(m_clock));
+    EXPECT_FALSE(awaitedTime(m_clock));
 
     plug(1, true);
 
