@@ -50,7 +50,7 @@ TEST_F(CompletionTest, VerbsAreProposedBehindTheirNoun)
 
 TEST_F(CompletionTest, VerbsOfAPartAreProposedBehindIt)
 {
-    EXPECT_EQ(proposals({"board", "s"}), "sfp\n");
+    EXPECT_EQ(proposals({"board", "s"}), "show\nsfp\n");
     EXPECT_EQ(proposals({"board", "sfp", ""}), "show\nplug\npull\n--help\n-h\n");
     EXPECT_EQ(proposals({"board", "link", "break", ""}, "cpri0\nobsai0\n"), "cpri0\nobsai0\n");
     EXPECT_EQ(proposals({"board", "link", "break", "cpri0", "--only", ""}, "cpri0\n"), "");

@@ -95,8 +95,8 @@ private:
     static void reportUnexpectedTag(const AaGpuXmlNode* parent, const AaGpuXmlNode* child, RAML_ParsingResult& result);
 
     std::unique_ptr<AaGpuXmlNode> mDocumentNode; ///< root of the last document's tree; null when it was not well-formed
-    const AaGpuXmlNode* mCurrentElement = nullptr; ///< of that tree
     bool mDefaultConfigRequired = true;
+    const AaGpuXmlNode* mCurrentElement = nullptr; ///< of the document's tree
 };
 
 } // namespace RAML
