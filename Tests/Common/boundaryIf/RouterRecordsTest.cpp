@@ -55,6 +55,24 @@ TEST(RouterRecordsTest, StatisticsAreOptional)
     expectOptional(Field<Stats, Link>{&Stats::SetInputLink, &Stats::GetInputLink, &Stats::IsSetInputLink}, &link);
 }
 
+TEST(RouterRecordsTest, AxcMapDoesNotMixUpItsFields)
+{
+    Map map;
+    map.SetInitialTimestamp(1);
+    map.SetAirframeStartBasicFrameNumber(2);
+    map.SetAirframeStartHyperFrameNumber(3);
+    map.SetAxcContainerStartBit(4);
+    map.SetAxcContainerStartWord(5);
+
+    EXPECT_EQ(map.GetInitialTimestamp(), 1U);
+    EXPECT_EQ(map.GetAirframeStartBasicFrameNumber(), 2U);
+    EXPECT_EQ(map.GetAirframeStartHyperFrameNumber(), 3U);
+    EXPECT_EQ(map.GetAxcContainerStartBit(), 4U);
+    EXPECT_EQ(map.GetAxcContainerStartWord(), 5U);
+    EXPECT_FALSE(map.IsSetAirStandard());
+    EXPECT_FALSE(map.IsSetIqSampleFormat());
+}
+
 TEST(RouterRecordsTest, StatisticsDoNotMixUpTheirFields)
 {
     Stats stats;
