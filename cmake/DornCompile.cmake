@@ -19,8 +19,11 @@ if(DORN_WERROR)
     add_compile_options(-Werror)
 endif()
 
-# __FILE__ is relative to the root of the tree, in log lines and exceptions alike.
-add_compile_options("-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=")
+# __FILE__ is relative to the root of the tree, in log lines and exceptions alike. A compiler cache may name the sources
+# from the build folder, so that clones of the tree share what they have compiled.
+file(RELATIVE_PATH sourcesFromBuild "${CMAKE_BINARY_DIR}" "${CMAKE_SOURCE_DIR}")
+string(REGEX REPLACE "/$" "" sourcesFromBuild "${sourcesFromBuild}")
+add_compile_options("-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=" "-fmacro-prefix-map=${sourcesFromBuild}/=")
 
 if(DORN_SANITIZE)
     add_compile_options(-fsanitize=${DORN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
