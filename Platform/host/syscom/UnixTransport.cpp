@@ -11,6 +11,8 @@
 #include <mutex>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace dorn::host {
 namespace {
@@ -50,7 +52,7 @@ public:
     {
         Deadline until = Deadline(0); // reckoned only when there is no room
         for (;;) {
-            if (::send(m_socket.get(), frame.data(), frame.size(), MSG_NOSIGNAL | MSG_DONTWAIT) >= 0) {
+            if (sendAtOnce(frame) >= 0) {
                 return 0;
             }
             const int error = errno;
@@ -67,6 +69,13 @@ public:
     }
 
 private:
+    /// Never waits, so the thread need not be cancelled here: send(2) of the C library would mark it as ready for that
+    /// before and after each message.
+    long sendAtOnce(std::span<const std::byte> frame) const
+    {
+        return syscall(SYS_sendto, m_socket.get(), frame.data(), frame.size(), MSG_NOSIGNAL | MSG_DONTWAIT, nullptr, 0);
+    }
+
     UnixSocket m_socket;
 };
 
