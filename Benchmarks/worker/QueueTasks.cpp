@@ -1,32 +1,17 @@
 // SPDX-License-Identifier: MIT
 /// @file QueueTasks.cpp
 /// Registers what one writes without a library: a queue with a mutex and a condition variable.
+#include "worker/Job.hpp"
 #include "worker/Tasks.hpp"
 
 #include <condition_variable>
 #include <deque>
-#include <functional>
 #include <memory>
 #include <mutex>
 
 namespace {
 
 using namespace dorn::benchmarks;
-
-class Job {
-public:
-    virtual ~Job() = default;
-    virtual void run() = 0;
-};
-
-class Approach : public Job {
-public:
-    explicit Approach(Goal& goal) : m_goal(goal) {}
-    void run() override { m_goal.approach(); }
-
-private:
-    Goal& m_goal;
-};
 
 class QueueRunner {
 public:
@@ -39,7 +24,7 @@ public:
     QueueRunner(const QueueRunner&) = delete;
     QueueRunner& operator=(const QueueRunner&) = delete;
 
-    void assign(Goal& goal) { push(std::make_unique<Approach>(goal)); }
+    void assign(Goal& goal) { push(std::make_unique<Job>(goal)); }
     void finish() {}
 
 private:
