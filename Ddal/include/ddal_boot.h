@@ -32,7 +32,8 @@ int32_t ddal_boot_get_uboot_version(char* version);
 /// before. Returns when the flash has been written, which takes seconds on a real board.
 /// @param path the image, without trailer, as the flash takes it
 /// @return #DDAL_OK; #DDAL_ERROR_BAD_FILE when the file cannot be read or is empty; #DDAL_ERROR_NO_RESOURCE when it is
-///   larger than the flash. After a failure the old boot loader is still there unless the driver says otherwise.
+///   larger than the flash; #DDAL_ERROR_BUSY while somebody else writes there. After a failure the old boot loader is
+///   still there unless the driver says otherwise.
 int32_t ddal_boot_update_uboot(const char* path);
 
 #ifdef __cplusplus

@@ -26,7 +26,7 @@ int32_t ddal_fpga_get_active_version(uint32_t fpgaId, uint32_t* version);
 /// @param path the image, without trailer, as the flash takes it
 /// @return #DDAL_OK; #DDAL_ERROR_NOT_FOUND when there is no such FPGA; #DDAL_ERROR_INVALID_ARGUMENT when it has no such
 ///   slot; #DDAL_ERROR_BAD_FILE when the file cannot be read or is empty; #DDAL_ERROR_NO_RESOURCE when it is larger
-///   than the slot.
+///   than the slot; #DDAL_ERROR_BUSY while somebody else writes the slot.
 int32_t ddal_fpga_update_mod(uint32_t fpgaId, uint32_t slot, const char* path);
 
 #ifdef __cplusplus

@@ -33,7 +33,6 @@ public:
     host::Descriptor openOrMake() const;
     /// The content of a small file; nothing when it is not there. @throws BoardFailure
     std::optional<std::string> read() const;
-    bool exists() const { return static_cast<bool>(open()); }
 
     /// Writes all of @p data where @p descriptor, which this file was opened with, stands. @throws BoardFailure
     void write(int descriptor, const void* data, std::size_t size) const;
