@@ -9,7 +9,6 @@
 #include "ddal_unit.h"
 #include "ddal_watchdog.h"
 #include "fault/FaultStore.hpp"
-#include "node/PerNode.hpp"
 
 #include <filesystem>
 #include <fstream>
@@ -194,19 +193,6 @@ TEST(DriverFunctionsTest, TableHasWhatTheSeamDeclares)
     EXPECT_EQ(table.size(), driverFunctionNames.size());
     EXPECT_EQ(table, declaredFunctions());
     EXPECT_EQ(table, Call::functions());
-}
-
-/// An environment in which there can be no run directory.
-TEST(DriverWithoutNodeTest, FunctionsWorkAndSayOnceThatNobodyCanTellThemToFail)
-{
-    const testkit::TestNode node;
-    const testkit::TestBoard board;
-    setenv("DORN_RUN_DIR", "/proc/no/such/place", 1);
-    host::closeNode();
-    std::uint32_t version = 0;
-
-    EXPECT_EQ(ddal_fpga_get_active_version(1, &version), DDAL_OK);
-    EXPECT_EQ(version, 0x107U);
 }
 
 } // namespace

@@ -194,7 +194,7 @@ class DriverIdentityFailureTest : public BoardTest {};
 
 TEST_F(DriverIdentityFailureTest, BoardWithoutTheseThingsSaysSo)
 {
-    m_board.remove("processor").remove("transceivers").remove("rapidio").remove("board-code").remove("modules");
+    m_board.remove("processor").remove("transceivers").remove("rapidio").remove("modules");
     ddal_xcvr_hw_capability capability{{7, 7, 7}};
     std::uint16_t id = 7;
 
