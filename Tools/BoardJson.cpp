@@ -109,7 +109,7 @@ Json fileSystemJson(const FileSystemView& fileSystem)
     return {{"id", fileSystem.id},
             {"label", fileSystem.label},
             {"mountPoint", fileSystem.mountPoint},
-            {"mode", mountModeText(fileSystem.mode)}};
+            {"mode", fileSystem.mode}};
 }
 
 Json sfpModuleJson(const board::SfpModule& module)
