@@ -52,6 +52,11 @@ std::filesystem::path Board::files()
     return DORN_DEMONSTRATION_BOARD;
 }
 
+std::string Board::description()
+{
+    return (programs().parent_path() / "boards" / "tarn-single.dtb").string();
+}
+
 std::filesystem::path Board::makeRoot()
 {
     using std::filesystem::copy_options;

@@ -32,6 +32,8 @@ public:
     static std::string program(const std::string& name);
     /// Where the board's files lie in the source tree.
     static std::filesystem::path files();
+    /// The device tree of the board: the Tarn board that works alone.
+    static std::string description();
     /// Makes a board root beside this program's directory, with the board's files as they are in the source tree and
     /// whatever services have left there. @throws std::filesystem::filesystem_error
     static std::filesystem::path makeRoot();

@@ -16,6 +16,9 @@
 #include "TestNode.hpp"
 #include "boundaryIf/swpllstatemonitor/SwPllTypes.hpp"
 #include "config/RadStore.hpp"
+#include "ddal_devicetree.h"
+#include "ddal_fpga.h"
+#include "fault/FaultStore.hpp"
 #include "log/LogReader.hpp"
 #include "node/EeTable.hpp"
 #include "node/PerNode.hpp"
@@ -24,6 +27,7 @@
 #include "syscom/MessageTap.hpp"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cmath>
 #include <csignal>
@@ -65,6 +69,7 @@ public:
     Demonstration()
     {
         m_node.writeBoardFile("/opt/dorn/dorn.xml", contentOf(Board::files() / "opt/dorn/dorn.xml"));
+        setenv("DORN_BOARD", Board::description().c_str(), 1);
         require(AaConfigEarlyStartup() == 0, "the board's tags cannot be opened");
     }
 
@@ -92,6 +97,7 @@ private:
     void breakLink();
     void loseReference();
     void switchOver();
+    void useDrivers();
     void killAndRestart();
     void refuseSecond();
     void endAll();
@@ -379,6 +385,22 @@ void Demonstration::switchOver()
     }
 }
 
+void Demonstration::useDrivers()
+{
+    constexpr std::uint32_t fpga = 0x10002;
+    std::array<char, 8> unitId{};
+    std::uint32_t version = 0;
+    require(ddal_devicetree_get_unit_id(0, unitId.size() - 1, unitId.data()) == DDAL_OK, "the unit has no id");
+    require(ddal_fpga_get_active_version(fpga, &version) == DDAL_OK, "the FPGA has no version");
+    std::printf("                  | unit %s, FPGA version 0x%X\n", unitId.data(), version);
+
+    m_node.writeBoardFile("/tmp/fpgafile", "an image");
+    host::PerNode<board::FaultStore>::get().set(board::DriverFunction("ddal_fpga_update_mod"), DDAL_ERROR_TIMEOUT, 1);
+    require(ddal_fpga_update_mod(fpga, DDAL_FPGA_SLOT_PRIMARY, "/tmp/fpgafile") == DDAL_ERROR_TIMEOUT,
+            "the FPGA is flashed although it was told to fail");
+    require(ddal_fpga_update_mod(fpga, DDAL_FPGA_SLOT_PRIMARY, "/tmp/fpgafile") == DDAL_OK, "the FPGA is not flashed");
+}
+
 void Demonstration::killAndRestart()
 {
     m_board.service("ClimateS").signal(SIGKILL);
@@ -422,6 +444,7 @@ bool Demonstration::run()
     step("a CPRI and an OBSAI link lose their light, and synchronise again step by step", [this] { breakLink(); });
     step("the clock reference is lost: the PLL goes into holdover, the oscillator drifts", [this] { loseReference(); });
     step("the redundancy manager drives ClimateS through a switch-over and back", [this] { switchOver(); });
+    step("drivers tell what the board is, flash an FPGA, and fail when they are told to", [this] { useDrivers(); });
     step("ClimateS is killed, listed as dead, started again and finds its cpid free", [this] { killAndRestart(); });
     step("a second LedS is refused while the first lives", [this] { refuseSecond(); });
     step("all services are asked to end, and end in state 4", [this] { endAll(); });

@@ -49,6 +49,7 @@ int showLive()
     listenTo(SIGINT);
     listenTo(SIGTERM);
     setenv("DORN_ROOT", Board::makeRoot().c_str(), 0);
+    setenv("DORN_BOARD", Board::description().c_str(), 0);
     setenv("DORN_LOG", "file", 0);
     Board board;
     for (const char* name : {"FaultManager", "RedundancyManager", "LedS", "ComfortS", "DoorbellS"}) {
