@@ -3,6 +3,7 @@
 
 #include "AaConfigTag.h"
 #include "AaSysLog.h"
+#include "OwnUnit.hpp"
 
 #include <array>
 #include <utility>
@@ -35,6 +36,7 @@ unsigned int ClimateS::PreStartup()
 
 void ClimateS::Init()
 {
+    logOwnUnit(GetRadId());
     AddMsgHandler(&ClimateS::HandleTimeOut);
     AddMsgHandler(&ClimateS::HandleStatusReq);
     AddMsgHandler(&ClimateS::HandleLedSetResp);

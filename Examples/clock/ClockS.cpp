@@ -4,6 +4,7 @@
 #include "AaConfigTag.h"
 #include "AaSysLog.h"
 #include "ClimateMessages.hpp"
+#include "OwnUnit.hpp"
 
 #include <array>
 #include <chrono>
@@ -70,6 +71,7 @@ unsigned int ClockS::PreStartup()
 
 void ClockS::Init()
 {
+    logOwnUnit(GetRadId());
     AddMsgHandler(&ClockS::HandleTimeOut);
     AddMsgHandler(&ClockS::HandleShow);
     AddMsgHandler(&ClockS::HandleAct);

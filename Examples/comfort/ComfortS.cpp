@@ -3,6 +3,7 @@
 
 #include "ClimateMessages.hpp"
 #include "ComfortMessages.hpp"
+#include "OwnUnit.hpp"
 #include "reqforwarding/ReqDelegate.hpp"
 
 namespace dorn::examples {
@@ -15,6 +16,7 @@ ComfortS::ComfortS() : Service("ComfortS", comfortServiceCpid, ERadHwapi_GENIO, 
 
 void ComfortS::Init()
 {
+    logOwnUnit(GetRadId());
     AddMsgDelegate(new ReqDelegate<ComfortReqMsg>(m_reqs, &ReqHandler::HandleNewReq, GetRadId()));
     AddMsgDelegate(new ReqDelegate<ClimateStatusRespMsg>(m_reqs, &ReqHandler::HandleForwardedReqResp, GetRadId()));
     AddMsgDelegate(

@@ -37,6 +37,7 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <set>
 #include <stdexcept>
 #include <thread>
 
@@ -77,6 +78,7 @@ public:
 
 private:
     void step(const char* text, const std::function<void()>& action);
+    host::LogLine nextLine(const std::string& ending);
     void awaitLine(const std::string& ending);
     std::optional<host::EeInfo> find(const std::string& name) const;
     void setSwitch(TAaConfigRadId id, std::uint32_t value);
@@ -84,6 +86,7 @@ private:
     void start(const std::string& name, const std::vector<std::string>& arguments = {});
     bool isWaiting(const std::string& name) const;
     void startServices();
+    void awaitUnits();
     void switchPrintsOn();
     void askClimate();
     void warmUp();
@@ -129,21 +132,27 @@ void Demonstration::step(const char* text, const std::function<void()>& action)
 }
 
 /// Waits for a log line whose text ends so, among those that came after the last one that was awaited.
-void Demonstration::awaitLine(const std::string& ending)
+host::LogLine Demonstration::nextLine(const std::string& ending)
 {
     const auto until = host::Clock::get().monotonic() + stepBound;
     do {
         while (!m_unread.empty()) {
-            const host::LogLine line = std::move(m_unread.front());
+            host::LogLine line = std::move(m_unread.front());
             m_unread.pop_front();
             if (line.text.ends_with(ending)) {
-                std::printf("                  | %s %s\n", line.eeName.c_str(), line.text.c_str());
-                return;
+                return line;
             }
         }
         std::ranges::move(m_log.next(until), std::back_inserter(m_unread));
     } while (!m_unread.empty());
     throw std::runtime_error("no log line ends with \"" + ending + "\"");
+}
+
+/// The same, and shows the line.
+void Demonstration::awaitLine(const std::string& ending)
+{
+    const host::LogLine line = nextLine(ending);
+    std::printf("                  | %s %s\n", line.eeName.c_str(), line.text.c_str());
 }
 
 std::optional<host::EeInfo> Demonstration::find(const std::string& name) const
@@ -187,6 +196,18 @@ void Demonstration::startServices()
     start("ClockS");
     const auto led = find("LedS");
     require(led && led->alive, "LedS is not listed as alive");
+    awaitUnits();
+}
+
+/// Waits until every service has told the unit that it runs on.
+void Demonstration::awaitUnits()
+{
+    const std::string unit = "Runs on unit NAXE DN264700001: HW/SW id 0xA00100, type 19, version 51";
+    std::set<std::string> tellers;
+    while (tellers.size() < m_board.running().size()) {
+        tellers.insert(nextLine(unit).eeName);
+    }
+    std::printf("                  | %zu services: %s\n", tellers.size(), unit.c_str());
 }
 
 void Demonstration::switchPrintsOn()
@@ -430,7 +451,8 @@ void Demonstration::endAll()
 
 bool Demonstration::run()
 {
-    step("nine services start as processes of their own and wait for messages", [this] { startServices(); });
+    step("nine services start as processes of their own, tell their unit and wait for messages",
+         [this] { startServices(); });
     step("an operator switches prints on, and off again, while the services run", [this] { switchPrintsOn(); });
     step("a message to ClimateS is answered", [this] { askClimate(); });
     step("a configuration tag warms the air: ClimateS has LedS show amber", [this] { warmUp(); });

@@ -4,6 +4,7 @@
 #include "AaFile.h"
 #include "AaSem.h"
 #include "AaSysLog.h"
+#include "OwnUnit.hpp"
 
 #include <memory>
 #include <poll.h>
@@ -66,6 +67,7 @@ DoorbellS::DoorbellS(int contact)
 
 void DoorbellS::Init()
 {
+    logOwnUnit(GetRadId());
     AaFileCreateDir("/ffs/run");
     AddMsgHandler(&DoorbellS::HandleVisits);
     if (!m_writer.IsSetupDone()) {

@@ -3,6 +3,7 @@
 
 #include "AaSysLog.h"
 #include "FaultNames.hpp"
+#include "OwnUnit.hpp"
 
 #include <algorithm>
 #include <chrono>
@@ -32,6 +33,7 @@ FaultManagerS::FaultManagerS()
 
 void FaultManagerS::Init()
 {
+    logOwnUnit(GetRadId());
     AddMsgHandler(&FaultManagerS::HandleFault);
     AddMsgHandler(&FaultManagerS::HandleList);
     AddMsgHandler(&FaultManagerS::HandleClear);

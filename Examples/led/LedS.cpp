@@ -2,6 +2,7 @@
 #include "LedS.hpp"
 
 #include "AaSysLog.h"
+#include "OwnUnit.hpp"
 
 namespace dorn::examples {
 namespace {
@@ -15,6 +16,7 @@ LedS::LedS() : Service("LedS", ledServiceCpid, ERadHwapi_LED, ERadHwapiState_Led
 
 void LedS::Init()
 {
+    logOwnUnit(GetRadId());
     AddMsgHandler(&LedS::HandleSet);
     show(EFrontLed_Status, ELedColour_Green);
 }

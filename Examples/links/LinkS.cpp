@@ -2,6 +2,7 @@
 #include "LinkS.hpp"
 
 #include "AaSysLog.h"
+#include "OwnUnit.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -77,6 +78,7 @@ unsigned int LinkS::PreStartup()
 
 void LinkS::Init()
 {
+    logOwnUnit(GetRadId());
     AddMsgHandler(&LinkS::HandleTimeOut);
     AddMsgHandler(&LinkS::HandleShow);
     AddMsgHandler(&LinkS::HandleBreak);

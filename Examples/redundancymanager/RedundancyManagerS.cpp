@@ -3,6 +3,7 @@
 
 #include "AaConfigTag.h"
 #include "AaSysLog.h"
+#include "OwnUnit.hpp"
 #include "RedundancyNames.hpp"
 
 #include <array>
@@ -56,6 +57,7 @@ RedundancyManagerS::RedundancyManagerS()
 
 void RedundancyManagerS::Init()
 {
+    logOwnUnit(GetRadId());
     AddMsgHandler(&RedundancyManagerS::HandleRegister);
     AddMsgHandler(&RedundancyManagerS::HandleAcknowledgement);
     AddMsgHandler(&RedundancyManagerS::HandleState);

@@ -2,6 +2,7 @@
 #include "SfpS.hpp"
 
 #include "AaSysLog.h"
+#include "OwnUnit.hpp"
 
 #include <cstring>
 #include <vector>
@@ -30,6 +31,7 @@ unsigned int SfpS::PreStartup()
 
 void SfpS::Init()
 {
+    logOwnUnit(GetRadId());
     AddMsgHandler(&SfpS::HandleTimeOut);
     AddMsgHandler(&SfpS::HandleShow);
     AddMsgHandler(&SfpS::HandlePlug);

@@ -207,6 +207,7 @@ TEST_F(ClockSTest, WhatCannotBeDoneIsRefused)
 
 TEST_F(ClockSTest, AnswerWithoutMemoryIsLogged)
 {
+    m_log.clear(); // of what it has said at its start
     {
         const testkit::FailEvery<AaSysComMsgCreate> noMemory;
         m_hands.send<ClockShowReqMsg>(m_running.address(), {5});

@@ -88,6 +88,7 @@ TEST_F(ComfortSTest, NothingIsKnownWhileTheClimateServiceIsSilent)
 TEST_F(ComfortSTest, EachAskerGetsItsOwnAnswer)
 {
     start();
+    m_log.clear(); // of what it has said at its start
     ask(1);
     ask(2);
     const auto first = m_climate.expect<ClimateStatusReqMsg>();

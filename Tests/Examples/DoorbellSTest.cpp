@@ -3,11 +3,14 @@
 #include "NodeTest.hpp"
 #include "Peer.hpp"
 #include "ServiceUnderTest.hpp"
+#include "TestBoard.hpp"
+#include "new/IdentityCaches.hpp"
 
 #include <array>
 #include <chrono>
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <unistd.h>
@@ -87,6 +90,16 @@ TEST_F(DoorbellSTest, BookThatCannotBeOpenedIsLoggedAndTheNextVisitIsTried)
     ring();
 
     EXPECT_TRUE(waitForVisits(visitor, service.address(), 1));
+}
+
+TEST_F(DoorbellSTest, UnitIsToldAtTheStart)
+{
+    const testkit::TestBoard board;
+    std::construct_at(&vel::hwapi::adet::identityCaches());
+    DoorbellS doorbell(m_contact[0]);
+    ServiceUnderTest service(doorbell);
+
+    EXPECT_TRUE(m_log.waitFor("Vip 0x200b0 Runs on unit NAXE DN264700001: HW/SW id 0xA00100, type 19, version 51"));
 }
 
 } // namespace

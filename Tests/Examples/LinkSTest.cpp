@@ -174,6 +174,7 @@ TEST_F(LinkSTest, EveryKindOfEventIsLogged)
 
 TEST_F(LinkSTest, AnswerWithoutMemoryIsLogged)
 {
+    m_log.clear(); // of what it has said at its start
     {
         const testkit::FailEvery<AaSysComMsgCreate> noMemory;
         m_hands.send<LinkShowReqMsg>(m_running.address(), {5});

@@ -130,6 +130,7 @@ TEST_F(SfpSTest, MissingTimerIsLoggedAndTheNextPluggingTriesAgain)
 
 TEST_F(SfpSTest, AnswerWithoutMemoryIsLogged)
 {
+    m_log.clear(); // of what it has said at its start
     {
         const testkit::FailEvery<AaSysComMsgCreate> noMemory;
         m_hands.send<SfpShowReqMsg>(m_running.address(), {5});
