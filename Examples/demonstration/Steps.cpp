@@ -39,6 +39,7 @@
 #include <iterator>
 #include <set>
 #include <stdexcept>
+#include <sys/wait.h>
 #include <thread>
 
 namespace dorn::demonstration {
@@ -301,6 +302,9 @@ void Demonstration::askForComfort()
 void Demonstration::letForwardingTimeOut()
 {
     m_board.service("ClimateS").signal(SIGSTOP);
+    siginfo_t ignored{};
+    require(waitid(P_PID, static_cast<id_t>(m_board.service("ClimateS").pid()), &ignored, WSTOPPED | WNOWAIT) == 0,
+            "ClimateS does not stop");
     const std::uint32_t answer = comfort();
     m_board.service("ClimateS").signal(SIGCONT);
     require(answer == EComfort_Unknown, "a question is answered that nobody has answered");
