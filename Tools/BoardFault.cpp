@@ -29,6 +29,7 @@ struct FaultOptions {
     bool isClear = false;
     bool asJson = false;
     bool asNames = false;
+    bool asCodes = false;
 };
 
 /// The function that a person named, with or without the prefix that all have. @throws UsageError
@@ -50,7 +51,9 @@ std::int32_t codeOf(const std::string& text)
     const std::uint64_t greatest = isNegative ? 0x80000000U : 0xFFFFFFFFU;
     const auto number = readNumber(isNegative ? text.substr(1) : text);
     if (!number || *number == 0 || *number > greatest) {
-        throw UsageError("--code: '" + text + "' is no result of a function that fails: a number of 32 bits, not 0");
+        throw UsageError("--code: '" + text +
+                         "' is no result of a function that fails: a number of 32 bits, not 0; "
+                         "'dorn board fault --codes' lists those that have a meaning");
     }
     const auto bits = static_cast<std::uint32_t>(*number);
     return static_cast<std::int32_t>(isNegative ? 0U - bits : bits);
@@ -101,6 +104,12 @@ Outcome listNames(Console& console)
     return Outcome::Fine;
 }
 
+Outcome listCodes(Console& console)
+{
+    console.print(codesTable(console));
+    return Outcome::Fine;
+}
+
 Outcome clear(const FaultOptions& options)
 {
     std::vector<DriverFault> faults = readFaults();
@@ -125,8 +134,11 @@ Outcome set(const FaultOptions& options, Console& console)
 Outcome fault(const FaultOptions& options, Console& console)
 {
     const bool isOrder = !options.code.empty() || !options.times.empty() || options.isAlways;
-    if (options.asNames) {
-        return listNames(console);
+    if (options.asNames || options.asCodes) {
+        if (isOrder || options.isClear || options.asJson || !options.function.empty()) {
+            throw UsageError("--names and --codes list what there is, and take nothing else");
+        }
+        return options.asNames ? listNames(console) : listCodes(console);
     }
     if (options.isClear) {
         if (isOrder) {
@@ -157,13 +169,16 @@ void addBoardFault(Program& program, CLI::App& noun)
                          "dorn board fault ddal_fpga_update_mod --code 12 --times 3", "dorn board fault --names"},
                         [options](Console& console) { return fault(*options, console); });
     verb.add_option("FUNCTION", options->function, "The function, with or without 'ddal_'");
-    verb.add_option("--code", options->code, "The result that it returns")->type_name("N");
+    verb.add_option("--code", options->code, "The result that it returns; --codes lists those with a meaning")
+        ->type_name("N");
     CLI::Option* const times =
         verb.add_option("--times", options->times, "The calls that fail; 1 without it")->type_name("N");
     verb.add_flag("--always", options->isAlways, "Every call fails until --clear")->excludes(times);
     verb.add_flag("--clear", options->isClear, "Has FUNCTION work again; all of them without one");
     verb.add_flag("--json", options->asJson, "Prints JSON");
-    verb.add_flag("--names", options->asNames, "Prints the names of all functions, one a line");
+    CLI::Option* const names =
+        verb.add_flag("--names", options->asNames, "Prints the names of all functions, one a line");
+    verb.add_flag("--codes", options->asCodes, "Prints the results that have a meaning")->excludes(names);
 }
 
 } // namespace dorn::tool

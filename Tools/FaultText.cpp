@@ -2,6 +2,7 @@
 #include "FaultText.hpp"
 
 #include "Table.hpp"
+#include "ddal_error.h"
 #include "driver/ResultText.hpp"
 
 namespace dorn::tool {
@@ -36,6 +37,15 @@ std::string faultsTable(const std::vector<board::DriverFault>& faults, const Con
                    board::resultText(fault.code),
                    {leftText(fault), fault.left == 0 ? Colour::Faint : Colour::Red},
                    std::to_string(fault.given)});
+    }
+    return table.text(console);
+}
+
+std::string codesTable(const Console& console)
+{
+    Table table({"CODE", "MEANING"});
+    for (std::int32_t code = DDAL_OK + 1; code <= DDAL_ERROR_NOT_SUPPORTED; ++code) {
+        table.add({std::to_string(code), board::resultText(code)});
     }
     return table.text(console);
 }

@@ -14,6 +14,8 @@ namespace dorn::tool {
 
 /// A table of faults, of which there is at least one.
 std::string faultsTable(const std::vector<board::DriverFault>& faults, const Console& console);
+/// A table of the results of functions that fail, with what each means.
+std::string codesTable(const Console& console);
 /// "ddal_fpga_update_mod: the next 3 calls fail with 12 (device does not answer)"
 std::string faultText(const board::DriverFault& fault);
 /// `left` is null for a function of which every call fails.

@@ -473,20 +473,38 @@ TEST_F(DornBoardFaultTest, NamesAreListed)
     EXPECT_EQ(result.answer.find("ddal_boot_get_uboot_id\n"), 0U);
 }
 
+TEST_F(DornBoardFaultTest, CodesAreListedWithTheirMeanings)
+{
+    const CommandResult result = dorn({"board", "fault", "--codes"});
+
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(std::count(result.answer.begin(), result.answer.end(), '\n'), 14);
+    EXPECT_EQ(result.answer.find("CODE  MEANING\n1     failed\n2     invalid argument\n"), 0U);
+    EXPECT_NE(result.answer.find("\n13    not supported\n"), std::string::npos);
+}
+
 TEST_F(DornBoardFaultTest, WrongUseIsExplained)
 {
     const std::string help = "\nTry 'dorn board fault --help'\n";
+    const std::string codes = "; 'dorn board fault --codes' lists those that have a meaning";
+    const std::string lists = "--names and --codes list what there is, and take nothing else";
     const std::map<std::vector<std::string>, std::string> cases{
+        {{"--names", "strerror"}, lists},
+        {{"--codes", "--code", "1"}, lists},
+        {{"--codes", "--clear"}, lists},
+        {{"--names", "--codes"}, "'--names' and '--codes' do not go together"},
         {{"fly", "--code", "1"}, "there is no driver function 'fly'; 'dorn board fault --names' lists them"},
         {{"strerror"}, "give --code, the result with which 'strerror' is to fail, or --clear"},
         {{"--code", "1"}, "give the FUNCTION that is to fail"},
         {{"--always"}, "give the FUNCTION that is to fail"},
-        {{"strerror", "--code", "0"}, "--code: '0' is no result of a function that fails: a number of 32 bits, not 0"},
-        {{"strerror", "--code", "x"}, "--code: 'x' is no result of a function that fails: a number of 32 bits, not 0"},
+        {{"strerror", "--code", "0"},
+         "--code: '0' is no result of a function that fails: a number of 32 bits, not 0" + codes},
+        {{"strerror", "--code", "x"},
+         "--code: 'x' is no result of a function that fails: a number of 32 bits, not 0" + codes},
         {{"strerror", "--code", "-2147483649"},
-         "--code: '-2147483649' is no result of a function that fails: a number of 32 bits, not 0"},
+         "--code: '-2147483649' is no result of a function that fails: a number of 32 bits, not 0" + codes},
         {{"strerror", "--code", "4294967296"},
-         "--code: '4294967296' is no result of a function that fails: a number of 32 bits, not 0"},
+         "--code: '4294967296' is no result of a function that fails: a number of 32 bits, not 0" + codes},
         {{"strerror", "--code", "1", "--times", "0"}, "--times: 0 calls cannot fail; --clear takes a fault away"},
         {{"strerror", "--clear", "--code", "1"},
          "--clear takes a fault away, and --code, --times and --always make one"},
