@@ -21,7 +21,8 @@ std::string headerFault(std::span<const std::byte> blob, int error)
 {
     const void* const fdt = blob.data();
     if (error == -FDT_ERR_BADMAGIC) {
-        return "is no device tree blob: it begins with " + hexText(fdt_magic(fdt)) + ", not with " + hexText(FDT_MAGIC);
+        return "is no device tree blob, which dtc makes of a source: it begins with " + hexText(fdt_magic(fdt)) +
+               ", not with " + hexText(FDT_MAGIC);
     }
     if (error == -FDT_ERR_BADVERSION) {
         return "is a device tree blob of version " + std::to_string(fdt_version(fdt)) + ", compatible with " +

@@ -72,9 +72,12 @@ TEST_F(DescribedBoardTest, FileThatIsNoBlobIsReported)
     const std::string path = m_node.boardRoot() + "/board.dtb";
     nameBoard(path);
 
-    EXPECT_EQ(failure(), std::tuple(DDAL_ERROR_NO_DESCRIPTION,
-                                    "board description '" + path +
-                                        "' is no device tree blob: it begins with 2f647473, not with d00dfeed"));
+    EXPECT_EQ(
+        failure(),
+        std::tuple(
+            DDAL_ERROR_NO_DESCRIPTION,
+            "board description '" + path +
+                "' is no device tree blob, which dtc makes of a source: it begins with 2f647473, not with d00dfeed"));
 }
 
 TEST_F(DescribedBoardTest, TreeWithoutTheBoardIsReported)

@@ -137,7 +137,8 @@ TEST(TreeBlobTest, OtherFileIsNoBlob)
     TreeBytes blob = goodBlob();
     putCell(blob, offsetof(fdt_header, magic), 0x2f647473); // "/dts"
 
-    EXPECT_EQ(errorOf(blob), "is no device tree blob: it begins with 2f647473, not with d00dfeed");
+    EXPECT_EQ(errorOf(blob),
+              "is no device tree blob, which dtc makes of a source: it begins with 2f647473, not with d00dfeed");
 }
 
 TEST(TreeBlobTest, LaterVersionIsNamed)
