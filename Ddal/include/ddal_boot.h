@@ -20,8 +20,8 @@ typedef enum ddal_boot_location {
 /// Bytes that ddal_boot_get_uboot_version() writes at most, terminating zero included.
 #define DDAL_BOOT_VERSION_SIZE 64
 
-/// Reads where the boot loader was started from. @param location receives a value of #ddal_boot_location, or another
-/// one.
+/// Reads where the boot loader was started from.
+/// @param location receives a value of #ddal_boot_location, or another one
 int32_t ddal_boot_get_uboot_id(int32_t* location);
 
 /// Reads the version of the boot loader in flash: a text that begins with a decimal number.

@@ -19,9 +19,8 @@ extern "C" {
 
 /// Reads the unit id: the short name of the kind of unit, four or five characters on known boards.
 /// @param unit 0 for the local unit
-/// @param maxLength characters that @p buffer holds beside the terminating zero: a caller with 7 bytes passes 6. 0
-/// gives
-///   the empty text.
+/// @param maxLength characters that @p buffer holds beside the terminating zero: a caller with 7 bytes passes 6. With 0
+///   there is only the terminating zero.
 /// @param buffer receives the text, @p maxLength + 1 bytes
 /// @return #DDAL_OK; #DDAL_ERROR_NOT_FOUND when there is no such unit or it has no id; the results of ddal_error.h.
 int32_t ddal_devicetree_get_unit_id(uint32_t unit, uint32_t maxLength, char* buffer);

@@ -41,16 +41,16 @@ int32_t ddal_rio_copy_open_fd(uint32_t port, uint16_t deviceId, uint32_t mode, i
 /// Copies to the device and returns when it has the data.
 /// @param address of the device's memory
 /// @param size bytes; 0 copies nothing and is no failure
-/// @return #DDAL_OK; #DDAL_ERROR_BAD_HANDLE when the handle is not open for this; #DDAL_ERROR_BAD_ADDRESS when the
-/// range
-///   is not within the device's memory: nothing is copied then.
+/// @return #DDAL_OK; #DDAL_ERROR_BAD_HANDLE when the handle is not open for this; #DDAL_ERROR_BAD_ADDRESS when not all
+/// of
+///   the range is in the device's memory: nothing is copied then.
 int32_t ddal_rio_copy_to_fd(int32_t handle, uint64_t address, const void* buffer, uint32_t size);
 
 /// Copies from the device; otherwise as ddal_rio_copy_to_fd(). After a failure the content of @p buffer is anything.
 int32_t ddal_rio_copy_from_fd(int32_t handle, uint64_t address, void* buffer, uint32_t size);
 
-/// Closes a copy handle. @return #DDAL_OK; #DDAL_ERROR_BAD_HANDLE when it is not open. Whatever it returns, the handle
-/// is not open any more.
+/// Closes a copy handle.
+/// @return #DDAL_OK; #DDAL_ERROR_BAD_HANDLE when it is not open. Whatever it returns, the handle is not open any more.
 int32_t ddal_rio_copy_close_fd(int32_t handle);
 
 #ifdef __cplusplus

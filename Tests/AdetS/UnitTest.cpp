@@ -11,8 +11,7 @@ using testing::ElementsAre;
 
 class UnitTest : public AutodetTest {};
 
-// -------------------------------------------------------------------------------------------------------------- unit
-// id
+// ----------------------------------------------------------------------------------------------------------------- id
 
 TEST_F(UnitTest, IdIsWhatTheDriverGives)
 {
@@ -287,8 +286,7 @@ TEST_F(UnitTest, UnknownOwnVersionIsReadFromTheDriverOnEveryCall)
     EXPECT_EQ(driverCalls().size(), 4U);
 }
 
-// ------------------------------------------------------------------------------------------- production code and
-// serial
+// ---------------------------------------------------------------------------------- production code, serial number
 
 TEST_F(UnitTest, ProductionCodeIsWhatTheDriverGives)
 {

@@ -17,9 +17,8 @@
 /// `ERadHwapi_PrintAdetInfo`: "ApiGetUnitId(): ddal_devicetree_get_unit_id() returned '0x5' (not DDAL_OK)".
 ///
 /// Buffers: @p length is the size of @p buffer in bytes. Two rules for how a text gets there:
-/// - ApiGetUnitId(), ApiGetUnitProductionCode() and ApiGetUnitSerialNumber() have the driver write into the buffer,
-/// which
-///   terminates the text: at most @p length - 1 characters. A @p length of 0 is a failure.
+/// - ApiGetUnitId(), ApiGetUnitProductionCode() and ApiGetUnitSerialNumber() have the driver write into the buffer, and
+///   the driver terminates the text: at most @p length - 1 characters. A @p length of 0 is a failure.
 /// - All others copy as `strncpy` does: at most @p length characters, the rest of the buffer filled with zeros, and *no
 ///   terminator when the text fills the buffer*. Give a byte more than the text has and start it at 0. A @p length of 0
 ///   copies nothing and is no failure.
@@ -60,7 +59,7 @@ typedef enum ETarnRatType ADETS_INT32 {
 /// What ApiGetSlotIdFromBoardId() returns for a board id that has no slot.
 #define ADETS_NO_SLOT 255
 
-// --------------------------------------------------------------------------------------------------------- unit: id
+// The id of a unit.
 
 /// Reads the id of a unit, four or five characters. The driver terminates it; only where macro simulation puts five
 /// characters into a buffer of 5 bytes they stand there without terminator.
@@ -70,8 +69,7 @@ TBoolean ApiGetUnitId(uint32_t unitId, char* buffer, uint32_t length);
 /// Copies the id of the own unit, its first 6 characters. Kept.
 TBoolean ApiGetLocalUnitId(char* buffer, uint32_t length);
 
-// -------------------------------------------------------------------------------- unit: HW/SW id and what it decodes
-// to
+// The HW/SW id of a unit and what it decodes to.
 
 /// Reads the HW/SW id of a unit: bits 20 to 23 are its type, bits 12 to 23 its version, the rest is the software's.
 /// @return 0 when the driver has failed
@@ -99,8 +97,7 @@ EUnitVersion ApiGetUnitVersion(uint32_t unitId);
 /// Returns the version of the own unit. Kept; an unknown one is asked for again.
 EUnitVersion ApiGetLocalUnitVersion(void);
 
-// ------------------------------------------------------------------------------------- unit: production code and
-// serial
+// Production code and serial number of a unit.
 
 /// Reads the production code of a unit, at most 12 characters.
 TBoolean ApiGetUnitProductionCode(uint32_t unitId, char* buffer, uint32_t length);
@@ -112,8 +109,7 @@ TBoolean ApiGetUnitSerialNumber(uint32_t unitId, char* buffer, uint32_t length);
 /// Copies the serial number of the own unit. Kept.
 TBoolean ApiGetLocalUnitSerialNumber(char* buffer, uint32_t length);
 
-// ---------------------------------------------------------------------------------------------- place in the base
-// station
+// The place in the base station.
 
 /// Returns the slot of a board by its id, asks no driver. The high digit is the subrack, 1 to 6; the low digit 0, 2, 3,
 /// 4 is slot 0, 1, 2, 3. There is no low digit 1.
@@ -127,8 +123,7 @@ uint8_t ApiGetCurrentBoard(void);
 /// Returns the number of the own CPU, found in the same way. Kept.
 uint8_t ApiGetCurrentCpu(void);
 
-// ------------------------------------------------------------------------------------------------------------ Tarn
-// units
+// Tarn units.
 
 /// Returns the variant of the own board: by the R&D parameter `ERadHwapi_BoardType`, by the driver's board code when
 /// that is 0. Not kept. Traced at severity Debug.
@@ -142,8 +137,7 @@ EModuleVersion ApiGetTarnModuleVersion(void);
 /// `ETarnRatType_FDLte` and no line in the log.
 ETarnRatType ApiGetLocalTarnRatType(void);
 
-// ---------------------------------------------------------------------------------------------------------------
-// modules
+// Modules.
 
 /// Copies the id of the own module, at most 7 characters. Kept.
 TBoolean ApiGetModuleId(char* buffer, uint32_t length);
@@ -153,9 +147,8 @@ TBoolean ApiGetExtModuleId(uint32_t portId, char* buffer, uint32_t length);
 /// Returns the version of the own module. Kept. Each comparison with the catalogue is traced at severity Debug.
 EModuleVersion ApiGetModuleVersion(void);
 /// Returns the version of the external module at a port. Traced in the same way.
-/// @return when the module's id cannot be read or is not in the catalogue: 14, which is a version that modules have,
-/// and
-///   not `EModuleVersion_Unknown`. Users of external modules count on it. A line of severity Warning tells.
+/// @return 14 when the module's id cannot be read or is not in the catalogue. That is a version that modules have, and
+///   not `EModuleVersion_Unknown`: users of external modules count on it. A line of severity Warning tells.
 EModuleVersion ApiGetExtModuleVersion(uint32_t portId);
 
 /// Copies the production code of the own module, at most 12 characters. Kept.
@@ -168,8 +161,7 @@ TBoolean ApiGetModuleSerialNumber(char* buffer, uint32_t length);
 /// Copies the serial number of the external module at a port, at most 16 characters.
 TBoolean ApiGetExtModuleSerialNumber(uint32_t portId, char* buffer, uint32_t length);
 
-// -------------------------------------------------------------------------------------------------------------------
-// die
+// The die of the main processor.
 
 /// Copies the id of the main processor's die, at most 128 hexadecimal digits.
 TBoolean ApiGetDieId(char* buffer, uint32_t length);
