@@ -4,6 +4,7 @@
 #include "AaSysLog.h"
 #include "rad/ERadHwapi.h"
 #include "raml/NamedValue.hpp"
+#include "raml/NodeAttributes.hpp"
 #include "raml/RamlFile.hpp"
 #include "raml/dataclasses/RAML_ItemType.hpp"
 #include "raml/dataclasses/RAML_ListParameterType.hpp"
@@ -120,7 +121,8 @@ void RamlParser::in_raml(AaGpuXmlNode* node, RAML_Type& document, RAML_ParsingRe
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_raml");
     mCurrentElement = node;
-    const char* const version = findAttribute(node, "version");
+    NodeAttributes attributes(node);
+    const char* const version = attributes.find("version");
     if (!version) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
@@ -131,7 +133,7 @@ void RamlParser::in_raml(AaGpuXmlNode* node, RAML_Type& document, RAML_ParsingRe
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                        "Validation constraint violation: RAML version mismatch.");
     }
-    const char* const xmlns = findAttribute(node, "xmlns");
+    const char* const xmlns = attributes.find("xmlns");
     if (!xmlns) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
@@ -143,17 +145,18 @@ void RamlParser::in_raml(AaGpuXmlNode* node, RAML_Type& document, RAML_ParsingRe
     }
     document.version = version;
     document.xmlns = xmlns;
-    AaGpuXmlNode* child = getNextSiblingNode(firstChildOf(*node), AA_GPU_XML_ELEMENT_NODE, "cmData");
-    while (child) {
-        mCurrentElement = child;
+    for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
+        if (!isSame(child->AaGpuXmlGetName(), "cmData")) {
+            continue;
+        }
         AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "cm data");
         const RAML_CMDataType::pointer cmData = RAML_CMDataType::create();
         in_cmData(child, cmData, result);
         document.cmDataList.push_back(cmData);
         AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "Created %d RamlMo instances",
                        static_cast<int>(cmData->managedObjects.size()));
-        child = getNextSiblingNode(child->AaGpuXmlGetNext(), AA_GPU_XML_ELEMENT_NODE, "cmData");
     }
+    mCurrentElement = node;
     if (document.cmDataList.empty()) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
@@ -200,7 +203,8 @@ void RamlParser::in_cmDataAttributesOnly(AaGpuXmlNode* node, const RAML_CMDataTy
                                          RAML_ParsingResult& result)
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_cmDataAttributesOnly");
-    const char* const type = findAttribute(node, "type");
+    NodeAttributes attributes(node);
+    const char* const type = attributes.find("type");
     if (!type) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
@@ -217,9 +221,9 @@ void RamlParser::in_cmDataAttributesOnly(AaGpuXmlNode* node, const RAML_CMDataTy
         return;
     }
     cmData->type = plan;
-    const char* const scope = attributeOf(node, "scope");
-    cmData->domain = attributeOf(node, "domain");
-    const char* adaptationVersionMajor = findAttribute(node, "adaptationVersionMajor");
+    const char* const scope = attributes.textOf("scope");
+    cmData->domain = attributes.textOf("domain");
+    const char* adaptationVersionMajor = attributes.find("adaptationVersionMajor");
     if (!adaptationVersionMajor) {
         adaptationVersionMajor = "";
         AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
@@ -227,8 +231,8 @@ void RamlParser::in_cmDataAttributesOnly(AaGpuXmlNode* node, const RAML_CMDataTy
                        adaptationVersionMajor);
     }
     cmData->adaptationVersionMajor = adaptationVersionMajor;
-    cmData->name = attributeOf(node, "name");
-    cmData->id = attributeOf(node, "id");
+    cmData->name = attributes.textOf("name");
+    cmData->id = attributes.textOf("id");
     const RAML_ScopeType scopeType = getScopeType(scope);
     cmData->scope = scopeType == RAML_SCOPE_INVALID ? RAML_SCOPE_CHANGES : scopeType;
 }
@@ -241,8 +245,9 @@ void RamlParser::in_header(AaGpuXmlNode* node, RAML_HeaderType& header, RAML_Par
             reportUnexpectedTag(node, child, result);
             continue;
         }
-        const char* const dateTime = findAttribute(child, "dateTime");
-        const char* const action = dateTime ? findAttribute(child, "action") : nullptr;
+        NodeAttributes attributes(child);
+        const char* const dateTime = attributes.find("dateTime");
+        const char* const action = dateTime ? attributes.find("action") : nullptr;
         if (!action) {
             result = RAML_SYNTAX_ERROR;
             AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
@@ -254,8 +259,8 @@ void RamlParser::in_header(AaGpuXmlNode* node, RAML_HeaderType& header, RAML_Par
         RAML_LogType& log = header.logs.emplace_back();
         log.dateTime = dateTime;
         log.action = action;
-        log.user = attributeOf(child, "user");
-        log.appInfo = attributeOf(child, "appInfo");
+        log.user = attributes.textOf("user");
+        log.appInfo = attributes.textOf("appInfo");
         log.text = child->AaGpuXmlGetValue();
         AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "%s: %8s (%s)  %s\n", log.dateTime.c_str(),
                        log.action.c_str(), log.user.c_str(), log.text.c_str());
@@ -309,7 +314,8 @@ void RamlParser::in_mo(AaGpuXmlNode* node, const RAML_ManagedObjectType::pointer
 /// Reads a managed object's attributes. @return whether its children are to be read.
 bool RamlParser::readMoAttributes(AaGpuXmlNode* node, RAML_ManagedObjectType& mo, RAML_ParsingResult& result)
 {
-    const char* const className = findAttribute(node, "class");
+    NodeAttributes attributes(node);
+    const char* const className = attributes.find("class");
     if (!className) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
@@ -317,7 +323,7 @@ bool RamlParser::readMoAttributes(AaGpuXmlNode* node, RAML_ManagedObjectType& mo
                        node->AaGpuXmlGetName());
         return false;
     }
-    const char* const distName = findAttribute(node, "distName");
+    const char* const distName = attributes.find("distName");
     if (!distName) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
@@ -327,17 +333,17 @@ bool RamlParser::readMoAttributes(AaGpuXmlNode* node, RAML_ManagedObjectType& mo
     }
     mo.setClassName(className);
     mo.setDistName(distName);
-    const char* const operation = attributeOf(node, "operation");
-    mo.setVersion(attributeOf(node, "version"));
-    mo.setId(attributeOf(node, "id"));
-    mo.setVendor(attributeOf(node, "vendor"));
-    mo.setTimeStamp(attributeOf(node, "timeStamp"));
-    mo.setName(attributeOf(node, "name"));
-    mo.setOperationName(attributeOf(node, "actionName"));
-    const char* const levelScope = attributeOf(node, "levelScope");
-    const char* const funcScope = attributeOf(node, "funcScope");
-    const char* const filter = attributeOf(node, "filter");
-    mo.setSequenceNo(attributeOf(node, "sequenceNo"));
+    const char* const operation = attributes.textOf("operation");
+    mo.setVersion(attributes.textOf("version"));
+    mo.setId(attributes.textOf("id"));
+    mo.setVendor(attributes.textOf("vendor"));
+    mo.setTimeStamp(attributes.textOf("timeStamp"));
+    mo.setName(attributes.textOf("name"));
+    mo.setOperationName(attributes.textOf("actionName"));
+    const char* const levelScope = attributes.textOf("levelScope");
+    const char* const funcScope = attributes.textOf("funcScope");
+    const char* const filter = attributes.textOf("filter");
+    mo.setSequenceNo(attributes.textOf("sequenceNo"));
     mo.setOperation(operation);
     mo.setLevelScope(levelScope);
     mo.setFuncScope(funcScope);
@@ -364,7 +370,7 @@ bool RamlParser::readMoAttributes(AaGpuXmlNode* node, RAML_ManagedObjectType& mo
 /// Reads a simple parameter. @return whether the managed object's other children are to be read.
 bool RamlParser::readMoParameter(AaGpuXmlNode* node, RAML_ManagedObjectType& mo, RAML_ParsingResult& result)
 {
-    const char* const name = attributeOf(node, "name");
+    const char* const name = NodeAttributes(node).textOf("name");
     if (*name == '\0') {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
@@ -383,7 +389,7 @@ void RamlParser::in_list(AaGpuXmlNode* node, const RAML_ManagedObjectType::point
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_list");
     const RAML_ListType::pointer list = RAML_ListType::create();
-    const char* const name = findAttribute(node, "name");
+    const char* const name = NodeAttributes(node).find("name");
     if (!name) {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
@@ -422,7 +428,7 @@ void RamlParser::in_list(AaGpuXmlNode* node, const RAML_ManagedObjectType::point
 /// Reads a bare value. @return whether the list's other children are to be read.
 bool RamlParser::readListParameter(AaGpuXmlNode* node, RAML_ListType& list, RAML_ParsingResult& result)
 {
-    const char* const name = attributeOf(node, "name");
+    const char* const name = NodeAttributes(node).textOf("name");
     if (*name != '\0') {
         result = RAML_SYNTAX_ERROR;
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
@@ -442,7 +448,7 @@ void RamlParser::in_item(AaGpuXmlNode* node, const RAML_ListType::pointer& list,
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_item");
     RAML_ItemType::pointer item = RAML_ItemType::create();
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "----item\n");
-    const char* const operation = attributeOf(node, "operation");
+    const char* const operation = NodeAttributes(node).textOf("operation");
     item->setListItemOperation(operation);
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "ListItem with attribute operation [%s]", operation);
     for (AaGpuXmlNode* child = firstElementIn(node); child; child = nextElement(child)) {
@@ -455,7 +461,7 @@ void RamlParser::in_item(AaGpuXmlNode* node, const RAML_ListType::pointer& list,
                            tag);
             return;
         }
-        const char* const name = attributeOf(child, "name");
+        const char* const name = NodeAttributes(child).textOf("name");
         const char* const value = child->AaGpuXmlGetValue();
         item->params.push_back({name, value});
         AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "------p: '%s'    '%s'", name, value);
@@ -492,45 +498,20 @@ AaGpuXmlNode* RamlParser::nextElement(const AaGpuXmlNode* element)
 std::size_t RamlParser::countElements(const AaGpuXmlNode* parent, const char* name)
 {
     std::size_t count = 0;
-    AaGpuXmlNode* element = getNextSiblingNode(firstChildOf(*parent), AA_GPU_XML_ELEMENT_NODE, name);
-    while (element) {
-        ++count;
-        element = getNextSiblingNode(element->AaGpuXmlGetNext(), AA_GPU_XML_ELEMENT_NODE, name);
+    for (const AaGpuXmlNode* element = firstElementIn(parent); element; element = nextElement(element)) {
+        count += isSame(element->AaGpuXmlGetName(), name) ? 1 : 0;
     }
     return count;
 }
 
 TBoolean RamlParser::GetAttributeValue(AaGpuXmlNode* node, const std::string& attributeName, std::string& value)
 {
-    const char* const found = findAttribute(node, attributeName.c_str());
+    const char* const found = NodeAttributes(node).find(attributeName);
     if (!found) {
         return 0;
     }
     value = found;
     return 1;
-}
-
-/// An attribute's value; null when it is not there.
-const char* RamlParser::findAttribute(const AaGpuXmlNode* node, const char* attributeName)
-{
-    AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::GetAttributeNode %s", attributeName);
-    const AaGpuXmlNode* child = node ? firstChildOf(*node) : nullptr;
-    // The attributes are the first children: behind them there may be a million others to look at in vain.
-    for (; child && child->AaGpuXmlGetType() == AA_GPU_XML_ATTRIBUTE_NODE; child = child->AaGpuXmlGetNext()) {
-        if (isSame(child->AaGpuXmlGetName(), attributeName)) {
-            AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML,
-                           "RamlParser::GetAttributeNode attribute node found");
-            return child->AaGpuXmlGetValue();
-        }
-    }
-    return nullptr;
-}
-
-/// An attribute's value; the empty text when it is not there.
-const char* RamlParser::attributeOf(const AaGpuXmlNode* node, const char* attributeName)
-{
-    const char* const found = findAttribute(node, attributeName);
-    return found ? found : "";
 }
 
 void RamlParser::reportUnexpectedTag(const AaGpuXmlNode* parent, const AaGpuXmlNode* child, RAML_ParsingResult& result)

@@ -90,8 +90,6 @@ private:
     AaGpuXmlNode* firstElementIn(const AaGpuXmlNode* parent);
     AaGpuXmlNode* nextElement(const AaGpuXmlNode* element);
     std::size_t countElements(const AaGpuXmlNode* parent, const char* name);
-    const char* findAttribute(const AaGpuXmlNode* node, const char* attributeName);
-    const char* attributeOf(const AaGpuXmlNode* node, const char* attributeName);
     static void reportUnexpectedTag(const AaGpuXmlNode* parent, const AaGpuXmlNode* child, RAML_ParsingResult& result);
 
     std::unique_ptr<AaGpuXmlNode> mDocumentNode; ///< root of the last document's tree; null when it was not well-formed

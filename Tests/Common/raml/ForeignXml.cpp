@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ForeignXml.hpp"
+#include "RecordingPlatform.hpp"
 
 #include "AaFile.h"
 
@@ -8,6 +9,7 @@
 namespace dorn::test {
 
 ForeignNode* foreignTree = nullptr;
+int ForeignNode::count = 0;
 
 ForeignNode& ForeignNode::add(EAaGpuXmlNodeType childType, const std::string& childName, const std::string& childValue)
 {
@@ -39,6 +41,16 @@ void deleteTree(ForeignNode* node)
 } // namespace dorn::test
 
 using dorn::test::foreign;
+using dorn::test::formatted;
+
+namespace {
+
+void note(const std::string& call)
+{
+    dorn::test::RecordingPlatform::get().note(call, call.substr(0, call.find('(')));
+}
+
+} // namespace
 
 void AaGpuXmlNode::operator delete(AaGpuXmlNode* root, std::destroying_delete_t)
 {
@@ -75,10 +87,14 @@ TAaGpuXmlNodeListConstIterator AaGpuXmlNode::AaGpuXmlGetFirstChildren() const
     return TAaGpuXmlNodeListConstIterator(foreign(*this).children.at(0)); // there has to be one
 }
 
-AaGpuXmlParser::AaGpuXmlParser(unsigned int /*options*/) {}
-
-AaGpuXmlNode* AaGpuXmlParser::AaGpuXmlParse(const std::string& /*xmlText*/, const std::string& /*encoding*/)
+AaGpuXmlParser::AaGpuXmlParser(unsigned int options)
 {
+    note(formatted("AaGpuXmlParser(%u)", options));
+}
+
+AaGpuXmlNode* AaGpuXmlParser::AaGpuXmlParse(const std::string& xmlText, const std::string& encoding)
+{
+    note("AaGpuXmlParse(\"" + xmlText + "\", \"" + encoding + "\")");
     return std::exchange(dorn::test::foreignTree, nullptr);
 }
 

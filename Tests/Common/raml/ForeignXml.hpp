@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 /// @file ForeignXml.hpp
-/// Another platform's XML: a stand-in for the parser that gives the tree a test has made.
+/// Another platform's XML: a stand-in for the parser that gives the tree a test has made. It needs a
+/// RecordingPlatform, which notes its calls.
 #pragma once
 
 #include "AaGpuXml.hpp"
@@ -15,7 +16,14 @@ struct ForeignNode final : AaGpuXmlNode {
     ForeignNode(EAaGpuXmlNodeType nodeType, std::string nodeName, std::string nodeValue = {})
         : type(nodeType), name(std::move(nodeName)), value(std::move(nodeValue))
     {
+        ++count;
     }
+    ~ForeignNode() { --count; }
+    ForeignNode(const ForeignNode&) = delete;
+    ForeignNode& operator=(const ForeignNode&) = delete;
+
+    /// How many there are.
+    static int count;
 
     /// Appends a child. @return the child
     ForeignNode& add(EAaGpuXmlNodeType childType, const std::string& childName, const std::string& childValue = {});

@@ -14,6 +14,7 @@ namespace {
 using dorn::test::ForeignNode;
 using dorn::test::RecordingPlatform;
 using dorn::test::structureOf;
+using dorn::test::textOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -21,7 +22,7 @@ class RamlForeignXmlTest : public ::testing::Test {
 protected:
     RAML_Type::pointer parse()
     {
-        dorn::test::foreignTree = m_root;
+        dorn::test::foreignTree = m_root.release();
         return RamlParser().parseRaml("the text does not matter", m_result, false);
     }
 
@@ -36,17 +37,36 @@ protected:
         return node;
     }
 
-    static void addText(ForeignNode& node) { node.add(AA_GPU_XML_INVALID, "p", "text"); }
+    static void addText(ForeignNode& node, const std::string& name = "p")
+    {
+        node.add(AA_GPU_XML_INVALID, name, "text");
+    }
+
+    /// Adds a `raml` element with a block. @return the block
+    static ForeignNode& addBlock(ForeignNode& root)
+    {
+        ForeignNode& raml = with(root.add(AA_GPU_XML_ELEMENT_NODE, "raml"), {{"version", "2.1"}, {"xmlns", "ns"}});
+        addText(raml, "cmData");
+        return with(raml.add(AA_GPU_XML_ELEMENT_NODE, "cmData"), {{"type", "actual"}});
+    }
+
+    static ForeignNode& addObject(ForeignNode& cmData, const std::string& distName)
+    {
+        return with(cmData.add(AA_GPU_XML_ELEMENT_NODE, "managedObject"),
+                    {{"class", "A"}, {"distName", distName}, {"operation", "create"}});
+    }
+
+    std::vector<std::string> debugLines(const std::string& beginning) const
+    {
+        return m_platform.calls("Debug 0x20066 " + beginning);
+    }
 
     /// Adds a `raml` element with one managed object, with nodes of text wherever they may stand.
     static void addRaml(ForeignNode& root, const std::string& distName)
     {
-        ForeignNode& raml = with(root.add(AA_GPU_XML_ELEMENT_NODE, "raml"), {{"version", "2.1"}, {"xmlns", "ns"}});
-        addText(raml);
-        ForeignNode& cmData = with(raml.add(AA_GPU_XML_ELEMENT_NODE, "cmData"), {{"type", "actual"}});
+        ForeignNode& cmData = addBlock(root);
         addText(cmData);
-        ForeignNode& mo = with(cmData.add(AA_GPU_XML_ELEMENT_NODE, "managedObject"),
-                               {{"class", "A"}, {"distName", distName}, {"operation", "create"}});
+        ForeignNode& mo = addObject(cmData, distName);
         addText(mo);
         ForeignNode& p = with(mo.add(AA_GPU_XML_ELEMENT_NODE, "p", "1"), {{"name", "x"}});
         addText(p);
@@ -58,7 +78,7 @@ protected:
     }
 
     RecordingPlatform m_platform;
-    ForeignNode* m_root = new ForeignNode(AA_GPU_XML_ROOT_NODE, ""); ///< the parser's in the end
+    std::unique_ptr<ForeignNode> m_root = std::make_unique<ForeignNode>(AA_GPU_XML_ROOT_NODE, "");
     RAML_ParsingResult m_result = RAML_OK;
 };
 
@@ -97,10 +117,132 @@ TEST_F(RamlForeignXmlTest, TopNodesWithoutRamlElement)
 
 TEST_F(RamlForeignXmlTest, FileThatCannotBeOpened)
 {
-    delete m_root;
     EXPECT_EQ(RamlParser().parseRaml("/ffs/site.xml", m_result, true), nullptr);
     EXPECT_EQ(m_result, RAML_RESOURCE_LIMITATION);
     EXPECT_THAT(errors(), ElementsAre("Error 0x20066 Opening of RAML file failed"));
+    EXPECT_THAT(m_platform.calls("AaGpuXml"), IsEmpty());
+}
+
+TEST_F(RamlForeignXmlTest, XmlParserIsAskedWithoutOptionsAndEncoding)
+{
+    parse();
+    EXPECT_THAT(m_platform.calls("AaGpuXml"),
+                ElementsAre("AaGpuXmlParser(0)", "AaGpuXmlParse(\"the text does not matter\", \"\")"));
+}
+
+TEST_F(RamlForeignXmlTest, KindsOfNodesHaveTheirValues)
+{
+    EXPECT_THAT((std::vector<int>{AA_GPU_XML_INVALID, AA_GPU_XML_ELEMENT_NODE, AA_GPU_XML_ATTRIBUTE_NODE,
+                                  AA_GPU_XML_ROOT_NODE}),
+                ElementsAre(0, 1, 2, 3));
+}
+
+TEST_F(RamlForeignXmlTest, LinesThatEndWithALineFeed)
+{
+    ForeignNode& cmData = addBlock(*m_root);
+    with(cmData.add(AA_GPU_XML_ELEMENT_NODE, "header").add(AA_GPU_XML_ELEMENT_NODE, "log", "text"),
+         {{"dateTime", "t"}, {"action", "a"}, {"user", "u"}});
+    ForeignNode& mo = addObject(cmData, "A-1");
+    with(mo.add(AA_GPU_XML_ELEMENT_NODE, "list"), {{"name", "l"}}).add(AA_GPU_XML_ELEMENT_NODE, "item");
+    with(mo.add(AA_GPU_XML_ELEMENT_NODE, "list"), {{"name", ""}});
+    parse();
+    EXPECT_EQ(m_result, RAML_OK);
+    EXPECT_THAT(debugLines("t: "), ElementsAre("Debug 0x20066 t:        a (u)  text\n"));
+    EXPECT_THAT(debugLines("--list"), ElementsAre("Debug 0x20066 --list: l\n", "Debug 0x20066 --list: \n"));
+    EXPECT_THAT(debugLines("----item"), ElementsAre("Debug 0x20066 ----item\n"));
+}
+
+TEST_F(RamlForeignXmlTest, OtherNodesInAHeaderAreSkipped)
+{
+    ForeignNode& cmData = addBlock(*m_root);
+    ForeignNode& header = cmData.add(AA_GPU_XML_ELEMENT_NODE, "header");
+    addText(header, "log");
+    header.add(AA_GPU_XML_ATTRIBUTE_NODE, "log");
+    addText(header, "other");
+    ForeignNode& log = header.add(AA_GPU_XML_ELEMENT_NODE, "log", "x");
+    addText(log, "dateTime");
+    with(log, {{"dateTime", "t"}, {"action", "a"}});
+    header.add(AA_GPU_XML_ROOT_NODE, "log");
+    addObject(cmData, "A-1");
+    EXPECT_EQ(structureOf(parse()), "raml(2.1,ns) cmData(actual,changes) log(t,a,,,x) A:A-1()");
+    EXPECT_EQ(m_result, RAML_OK);
+    EXPECT_THAT(errors(), IsEmpty());
+}
+
+// ---------------------------------------------------------------------------------------------------------- attributes
+
+TEST_F(RamlForeignXmlTest, AttributesMayStandBehindOtherChildren)
+{
+    ForeignNode& raml = m_root->add(AA_GPU_XML_ELEMENT_NODE, "raml");
+    ForeignNode& cmData = raml.add(AA_GPU_XML_ELEMENT_NODE, "cmData");
+    addText(raml);
+    with(raml, {{"xmlns", "ns"}, {"version", "2.1E"}});
+    ForeignNode& mo = cmData.add(AA_GPU_XML_ELEMENT_NODE, "managedObject");
+    addText(cmData);
+    with(cmData, {{"id", "i"}, {"type", "plan"}});
+    with(mo.add(AA_GPU_XML_ELEMENT_NODE, "p", "1"), {{"name", "x"}});
+    with(mo, {{"distName", "A-1"}});
+    addText(mo);
+    with(mo, {{"operation", "create"}});
+    ForeignNode& list = mo.add(AA_GPU_XML_ELEMENT_NODE, "list");
+    list.add(AA_GPU_XML_ELEMENT_NODE, "p", "2");
+    with(list, {{"name", "l"}});
+    with(mo, {{"class", "A"}, {"sequenceNo", "7"}}); // the last one that is looked for, after some that are not there
+    addText(mo);
+    EXPECT_EQ(textOf(parse()), "raml(2.1E,ns) cmData(plan,changes)<,i,,> A:A-1<1,,,,,,,0,0,0,7>(x=1 l[2])");
+    EXPECT_EQ(m_result, RAML_OK);
+    EXPECT_THAT(errors(), IsEmpty());
+}
+
+TEST_F(RamlForeignXmlTest, FirstAttributeOfANameCounts)
+{
+    m_root->add(AA_GPU_XML_ELEMENT_NODE, "name", "element");
+    addText(*m_root, "name");
+    with(*m_root, {{"other", "0"}, {"name", "1"}});
+    addText(*m_root);
+    with(*m_root, {{"name", "2"}});
+    std::string value;
+    EXPECT_EQ(RamlParser().GetAttributeValue(m_root.get(), "name", value), 1U);
+    EXPECT_EQ(value, "1");
+}
+
+TEST_F(RamlForeignXmlTest, NodesOfOtherKindsAreNoAttributes)
+{
+    m_root->add(AA_GPU_XML_ELEMENT_NODE, "name", "element");
+    m_root->add(AA_GPU_XML_ROOT_NODE, "name", "root");
+    addText(*m_root, "name");
+    std::string value = "before";
+    EXPECT_EQ(RamlParser().GetAttributeValue(m_root.get(), "name", value), 0U);
+    EXPECT_EQ(value, "before");
+}
+
+// ---------------------------------------------------------------------------------------------------------------- tree
+
+TEST_F(RamlForeignXmlTest, NextTreeTakesThePlaceOfTheLast)
+{
+    RamlParser parser;
+    addRaml(*m_root, "A-1");
+    dorn::test::foreignTree = m_root.release();
+    parser.load("", m_result, false);
+    EXPECT_GT(ForeignNode::count, 20);
+    dorn::test::foreignTree = new ForeignNode(AA_GPU_XML_ROOT_NODE, "");
+    parser.load("", m_result, false);
+    EXPECT_EQ(ForeignNode::count, 1);
+    parser.load("", m_result, false); // not well-formed
+    EXPECT_EQ(ForeignNode::count, 0);
+}
+
+TEST_F(RamlForeignXmlTest, TreeEndsWithTheParser)
+{
+    {
+        RamlParser parser;
+        addRaml(*m_root, "A-1");
+        dorn::test::foreignTree = m_root.release();
+        const RAML_Type::pointer document = parser.parseRaml("", m_result, false);
+        EXPECT_EQ(m_result, RAML_OK);
+        EXPECT_GT(ForeignNode::count, 20);
+    }
+    EXPECT_EQ(ForeignNode::count, 0);
 }
 
 } // namespace

@@ -7,8 +7,10 @@
 #include "raml/dataclasses/RAML_ParameterType.hpp"
 #include "raml/dataclasses/RAML_Type.hpp"
 
+#include <array>
 #include <cstdio>
 #include <gmock/gmock.h>
+#include <set>
 #include <type_traits>
 
 namespace RAML {
@@ -131,6 +133,30 @@ TEST_F(RamlModelTest, ManagedObjectSaysWhenItBeginsAndEnds)
                                            debugLine("Destructor of RAML_MOParameterType ")));
 }
 
+template <class Value>
+using Getter = const Value& (RAML_ManagedObjectType::*)() const;
+
+TEST_F(RamlModelTest, GettersReturnReferences)
+{
+    using Mo = RAML_ManagedObjectType;
+    constexpr std::array<Getter<std::string>, 9> texts{&Mo::getClassName, &Mo::getVersion,       &Mo::getDistName,
+                                                       &Mo::getId,        &Mo::getName,          &Mo::getVendor,
+                                                       &Mo::getTimeStamp, &Mo::getOperationName, &Mo::getSequenceNo};
+    const RAML_ManagedObjectType mo;
+    std::set<const std::string*> places;
+    for (const Getter<std::string> get : texts) {
+        places.insert(&(mo.*get)());
+    }
+    EXPECT_EQ(places, (std::set{&mo.mClassname, &mo.mVersion, &mo.mDistName, &mo.mId, &mo.mName, &mo.mVendor,
+                                &mo.mTimeStamp, &mo.mOperationName, &mo.mSequenceNumber}));
+    static_assert(std::is_same_v<decltype(&Mo::getDefaults), Getter<RAML_MODefaultsType>>);
+    static_assert(std::is_same_v<decltype(&Mo::getParameters), Getter<std::vector<RAML_MOParameterType::pointer>>>);
+    static_assert(std::is_same_v<decltype(&Mo::getOperation), Getter<RAML_MOOperationType>>);
+    static_assert(std::is_same_v<decltype(&Mo::getLevelScope), Getter<RAML_MOLevelScopeType>>);
+    static_assert(std::is_same_v<decltype(&Mo::getFuncScope), Getter<RAML_MOFuncScopeType>>);
+    static_assert(std::is_same_v<decltype(&Mo::getFilter), Getter<RAML_MOFilterType>>);
+}
+
 TEST_F(RamlModelTest, SettersStoreTexts)
 {
     const RAML_ManagedObjectType::pointer mo = RAML_ManagedObjectType::create();
@@ -219,6 +245,8 @@ TEST_F(RamlModelTest, OperationIsToldAsItIsWritten)
     EXPECT_EQ(mo->toString(RAML_OP_AUTO), "auto");
     EXPECT_EQ(mo->toString(RAML_OP_SUBSCRIBE), "");
     EXPECT_EQ(mo->toString(RAML_OP_INVALID), "");
+    EXPECT_EQ(mo->toString(static_cast<RAML_MOOperationType>(10)), "");
+    EXPECT_EQ(mo->toString(static_cast<RAML_MOOperationType>(-1)), "");
 }
 
 TEST_F(RamlModelTest, PlanAndScopeAreToldByTheirTexts)
@@ -232,6 +260,8 @@ TEST_F(RamlModelTest, PlanAndScopeAreToldByTheirTexts)
     for (std::size_t value = 0; value < scopes.size(); ++value) {
         EXPECT_EQ(cmData->toString(static_cast<RAML_ScopeType>(value)), scopes[value]);
     }
+    EXPECT_EQ(cmData->toString(static_cast<RAML_PlanType>(-1)), "");
+    EXPECT_EQ(cmData->toString(static_cast<RAML_ScopeType>(-1)), "");
 }
 
 // -----------------------------------------------------------------------------------------------------------
@@ -309,6 +339,23 @@ TEST_F(RamlModelTest, ListElementsHaveTheirTypeAndSayWhenTheyBegin)
     EXPECT_EQ(RAML_ItemType::create()->getType(), RAML_ITEM);
     EXPECT_THAT(m_log.texts(), ElementsAre(debugLine("Constructor RAML_ListElementType (type=RAML_LIST_P)"),
                                            debugLine("Constructor RAML_ListElementType (type=RAML_ITEM)")));
+}
+
+TEST_F(RamlModelTest, ListElementOfAWrongTypeIsReported)
+{
+    const RAML_ListElementType element(static_cast<RAML_ParamType>(9));
+    EXPECT_EQ(element.getType(), 9);
+    EXPECT_THAT(m_log.texts(), ElementsAre(errorLine("No such RAML_ParamType"),
+                                           debugLine("Constructor RAML_ListElementType (type=)")));
+}
+
+TEST(RamlModelWithoutDebugLinesTest, ListElementOfAWrongTypeIsReported)
+{
+    const dorn::testkit::TestNode node{{.logLevel = "error"}};
+    const dorn::testkit::LogCapture log;
+    const RAML_ListElementType item(RAML_ITEM); // the first line of a node finds out which ones are on
+    const RAML_ListElementType element(static_cast<RAML_ParamType>(9));
+    EXPECT_THAT(log.texts(), ElementsAre(errorLine("No such RAML_ParamType")));
 }
 
 TEST_F(RamlModelTest, ItemTakesItsOperationAsTextOrEnumerator)

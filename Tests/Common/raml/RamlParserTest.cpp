@@ -7,6 +7,7 @@
 #include "raml/RamlParser.hpp"
 #include "raml/dataclasses/RAML_ItemType.hpp"
 
+#include <algorithm>
 #include <cstdio>
 #include <gmock/gmock.h>
 #include <memory>
@@ -24,6 +25,7 @@ using dorn::test::errorLine;
 using dorn::test::errorsOf;
 using dorn::test::inBlock;
 using dorn::test::inObject;
+using dorn::test::inRaml;
 using dorn::test::object;
 using dorn::test::structureOf;
 using dorn::test::textOf;
@@ -34,7 +36,8 @@ class RamlParserTest : public dorn::test::RamlTest {
 protected:
     RAML_Type::pointer parse(const std::string& text) { return m_parser.parseRaml(text, m_result, false); }
 
-    bool hasTree() const { return m_parser.*exposed(dorn::test::ParserTreeTag{}) != nullptr; }
+    const AaGpuXmlNode* tree() const { return (m_parser.*exposed(dorn::test::ParserTreeTag{})).get(); }
+    bool hasTree() const { return tree() != nullptr; }
 
     /// The document element of a text.
     AaGpuXmlNode* nodeOf(const std::string& text)
@@ -250,6 +253,11 @@ public:
         }
         return *this;
     }
+    Trace& error(const std::string& text)
+    {
+        m_lines.push_back(errorLine("Validation constraint violation: " + text));
+        return *this;
+    }
     const std::vector<std::string>& lines() const { return m_lines; }
 
 private:
@@ -289,7 +297,7 @@ TEST_F(RamlParserTest, EveryStepIsLogged)
     trace.absent({"scope", "domain", "adaptationVersionMajor"});
     trace << "Mandatory attribute 'adaptationVersionMajor' missing. Defaulting to []";
     trace.absent({"name", "id"}) << "RamlParser::getScopeType";
-    trace << sibling << sibling; // the managed objects are counted
+    trace << sibling << sibling << sibling; // the managed objects are counted
     trace << sibling << "RamlParser::in_header" << sibling;
     trace.present({"dateTime", "action", "user"}).absent({"appInfo"}) << "t:        a (u)  text" << sibling;
     trace << sibling << "Constructor of Raml_ManagedObjectType [] " + addressOf(mo) << "RamlParser::in_mo";
@@ -337,6 +345,90 @@ TEST_F(RamlParserTest, StoredValuesOfUnknownTextsAreLogged)
               1U);
 }
 
+TEST_F(RamlParserTest, ElementsThatArePassedOverAreSteps)
+{
+    RAML_Type document;
+    AaGpuXmlNode* const raml = nodeOf("<raml version='2.1' xmlns='ns'><other/><another/></raml>");
+    m_result = RAML_OK;
+    m_log.clear();
+    m_parser.in_raml(raml, document, m_result);
+    Trace trace;
+    trace << "RamlParser::in_raml";
+    trace.present({"version", "xmlns"}) << sibling << sibling << sibling;
+    EXPECT_EQ(m_log.texts(), trace.error("missing required element [cmData]").lines());
+}
+
+TEST_F(RamlParserTest, EveryElementIsAStepWhenObjectsAreCounted)
+{
+    const RAML_CMDataType::pointer cmData = RAML_CMDataType::create();
+    AaGpuXmlNode* const block = nodeOf("<block type='plan'><header/><header/><header/></block>");
+    m_result = RAML_OK;
+    m_log.clear();
+    m_parser.in_cmData(block, cmData, m_result);
+    // Four steps to count, as many to read, and one in each header.
+    EXPECT_EQ(m_log.count(debugLine(sibling)), 4U + 4U + 3U);
+}
+
+TEST_F(RamlParserTest, ActionIsNotLookedUpWithoutDateTime)
+{
+    RAML_HeaderType header;
+    AaGpuXmlNode* const node = nodeOf("<header><log action='a'/></header>");
+    m_log.clear();
+    m_parser.in_header(node, header, m_result);
+    Trace trace;
+    trace << "RamlParser::in_header" << sibling;
+    trace.absent({"dateTime"});
+    trace.error("missing required attribute 'dateTime' and/or 'action' in element [log].");
+    EXPECT_EQ(m_log.texts(), trace.lines());
+}
+
+TEST_F(RamlParserTest, NothingIsLookedUpBehindAMissingNameOfAnObject)
+{
+    const RAML_ManagedObjectType::pointer mo = RAML_ManagedObjectType::create();
+    m_log.clear();
+    m_parser.in_mo(nodeOf("<managedObject distName='A-1' operation='create'/>"), mo, m_result);
+    m_parser.in_mo(nodeOf("<managedObject class='A' operation='create'/>"), mo, m_result);
+    Trace trace;
+    trace << "RamlParser::in_mo";
+    trace.absent({"class"}).error("missing required attribute 'class' in element [managedObject].");
+    trace << "RamlParser::in_mo";
+    trace.present({"class"}).absent({"distName"});
+    trace.error("missing required attribute 'distName' in element [managedObject].");
+    EXPECT_EQ(m_log.texts(), trace.lines());
+}
+
+TEST_F(RamlParserTest, AttributesOfAnObjectAreLoggedBeforeItsOperationIsJudged)
+{
+    parse(inBlock("<managedObject class='A' distName='A-1' operation='modify' levelScope='x' sequenceNo='7'/>"));
+    const std::vector<std::string> lines = m_log.texts();
+    const auto first = std::find(lines.begin(), lines.end(),
+                                 debugLine("Raml2.1 attributes in MO: class [A], operation [modify], distName [A-1]"));
+    ASSERT_GE(std::distance(first, lines.end()), 4);
+    EXPECT_THAT(
+        std::vector(first + 1, first + 4),
+        ElementsAre(debugLine("Raml2.1E attributes in MO: levelScope [x], funcScope [], filter [], sequenceNo [7]"),
+                    debugLine("Raml2.1E attributes in MO: levelScope [3], funcScope [0], filter [0], sequenceNo [7]"),
+                    errorLine("MO of class 'A' with distName 'A-1' has incorrect operation type = 'modify'")));
+}
+
+TEST_F(RamlParserTest, OperationsAreLoggedAsTheyStandInTheDocument)
+{
+    parse(inBlock("<managedObject class='A' distName='A-1' operation='subscribe'>"
+                  "<list name='l'><item operation='update'/><item/></list></managedObject>"));
+    EXPECT_EQ(m_log.count(debugLine("Raml2.1 attributes in MO: class [A], operation [subscribe], distName [A-1]")), 1U);
+    EXPECT_EQ(m_log.count(debugLine("ListItem with attribute operation [update]")), 1U);
+    EXPECT_EQ(m_log.count(debugLine("ListItem with attribute operation []")), 1U);
+}
+
+TEST_F(RamlParserTest, EmptyAdaptationVersionIsThere)
+{
+    parse(inRaml("<cmData type='actual' adaptationVersionMajor=''>" + object("A-1") + "</cmData>"));
+    EXPECT_EQ(m_result, RAML_OK);
+    EXPECT_EQ(m_log.count(debugLine("Mandatory attribute 'adaptationVersionMajor' missing. Defaulting to []")), 0U);
+    parse(inRaml("<cmData type='actual'>" + object("A-1") + "</cmData>"));
+    EXPECT_EQ(m_log.count(debugLine("Mandatory attribute 'adaptationVersionMajor' missing. Defaulting to []")), 1U);
+}
+
 TEST_F(RamlParserTest, ExtensionIsLoggedAsIgnored)
 {
     parse(inObject("<extension/>"));
@@ -367,6 +459,17 @@ TEST_F(RamlParserTest, AttributeIsLookedUpByItsWholeName)
     EXPECT_EQ(m_parser.GetAttributeValue(node, "inside", value), 0U);
     EXPECT_EQ(m_parser.GetAttributeValue(node, "nam", value), 0U);
     EXPECT_EQ(value, "before");
+}
+
+TEST_F(RamlParserTest, NameOfAnAttributeDoesNotEndAtAZeroByte)
+{
+    AaGpuXmlNode* const node = nodeOf("<a name='1'/>");
+    std::string value = "before";
+    m_log.clear();
+    EXPECT_EQ(m_parser.GetAttributeValue(node, std::string("name\0x", 6), value), 0U);
+    EXPECT_EQ(m_parser.GetAttributeValue(node, std::string("name\0", 5), value), 0U);
+    EXPECT_EQ(value, "before");
+    EXPECT_EQ(m_log.texts(), Trace().absent({"name", "name"}).lines());
 }
 
 TEST_F(RamlParserTest, NodeWithoutChildrenHasNoAttribute)
@@ -444,6 +547,32 @@ TEST_F(RamlParserTest, PartsOfADocumentMayBeReadAlone)
     m_parser.in_item(nodeOf("<item><p name='y'>2</p></item>"), list, m_result);
     EXPECT_EQ(list->listElements.size(), 1U);
     EXPECT_EQ(m_result, RAML_SYNTAX_ERROR);
+}
+
+TEST_F(RamlParserTest, LoadingBeginsWithoutError)
+{
+    m_result = RAML_SYNTAX_ERROR;
+    m_parser.load("<a/>", m_result, false);
+    EXPECT_EQ(m_result, RAML_OK);
+    EXPECT_TRUE(hasTree());
+    m_result = RAML_SYNTAX_ERROR;
+    m_parser.load("<a>", m_result, false); // that there is no tree is not its matter
+    EXPECT_EQ(m_result, RAML_OK);
+    EXPECT_FALSE(hasTree());
+}
+
+TEST_F(RamlParserTest, FileThatIsNotReadLeavesTheTree)
+{
+    m_node.writeBoardFile("/ffs/empty.xml", "");
+    parse(inObject(""));
+    const AaGpuXmlNode* const before = tree();
+    ASSERT_TRUE(before);
+    m_parser.parseRaml("/ffs/none.xml", m_result, true);
+    EXPECT_EQ(m_result, RAML_RESOURCE_LIMITATION);
+    EXPECT_EQ(tree(), before);
+    m_parser.parseRaml("/ffs/empty.xml", m_result, true);
+    EXPECT_EQ(m_result, RAML_INVALID_FILE_FORMAT);
+    EXPECT_EQ(tree(), before);
 }
 
 TEST_F(RamlParserTest, NamesOfElementsStandInTheMessages)
