@@ -141,6 +141,8 @@ TEST_F(RamlDefsTest, SixOperationsAreWritten)
     for (std::size_t value = 0; value < texts.size(); ++value) {
         EXPECT_EQ(written(static_cast<RAML_MOOperationType>(value)), texts[value]) << value;
     }
+    EXPECT_EQ(written(static_cast<RAML_MOOperationType>(10)), "");
+    EXPECT_EQ(written(static_cast<RAML_MOOperationType>(-1)), "");
 }
 
 TEST_F(RamlDefsTest, WritingAnOperationReturnsTheStream)

@@ -25,6 +25,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 const std::string openingFailed = errorLine("Opening of RAML file failed");
+const std::string corrupt =
+    errorLine("Could not load XML file. XML possibly corrupt. Please check the raml document and try loading again!");
 const std::string good = "raml(2.1,ns) cmData(actual,all) A:A-1(x=1)";
 
 class RamlFileTest : public dorn::test::RamlTest {
@@ -157,6 +159,7 @@ TEST_F(RamlFileTest, FileOfBlanksReachesTheXmlParser)
     write(" \n\n");
     EXPECT_EQ(parseFile("/ffs/site.xml"), nullptr);
     EXPECT_EQ(m_result, RAML_MALFORMED_XML);
+    EXPECT_THAT(errorsOf(m_log), ElementsAre(corrupt));
 }
 
 TEST_F(RamlFileTest, ZeroBytesAreReadAndMalformed)
@@ -164,6 +167,10 @@ TEST_F(RamlFileTest, ZeroBytesAreReadAndMalformed)
     write(inObject("") + std::string(1, '\0'));
     EXPECT_EQ(parseFile("/ffs/site.xml"), nullptr);
     EXPECT_EQ(m_result, RAML_MALFORMED_XML);
+    write(std::string(3, '\0'));
+    EXPECT_EQ(parseFile("/ffs/site.xml"), nullptr);
+    EXPECT_EQ(m_result, RAML_MALFORMED_XML);
+    EXPECT_THAT(errorsOf(m_log), ElementsAre(corrupt, corrupt));
 }
 
 TEST_F(RamlFileTest, FilesAreClosed)

@@ -22,6 +22,7 @@ namespace {
 
 using dorn::test::offsetsIn;
 using dorn::test::slotOf;
+using testing::Each;
 using testing::ElementsAre;
 
 constexpr std::size_t word = sizeof(void*);
@@ -55,24 +56,50 @@ TEST(RamlLayoutTest, RecordsAndBlocksHaveNoVirtualFunctions)
     static_assert(!std::is_polymorphic_v<RamlMoPtr_less>);
 }
 
+template <class... Functions>
+std::vector<int> slotsOf(Functions... functions)
+{
+    return {slotOf(functions)...};
+}
+
+template <class Enumeration>
+using SetEnumeration = void (RAML_ManagedObjectType::*)(Enumeration);
+
 TEST(RamlLayoutTest, NothingButDestructorsIsVirtual)
 {
-    using SetText = void (RAML_ManagedObjectType::*)(const std::string&);
-    EXPECT_EQ(slotOf(&RAML_Type::clearCmDataList), -1);
-    EXPECT_EQ(slotOf(&RAML_ManagedObjectType::getParameters), -1);
-    EXPECT_EQ(slotOf(static_cast<SetText>(&RAML_ManagedObjectType::setOperation)), -1);
-    EXPECT_EQ(slotOf(&RAML_ManagedObjectType::findParameter), -1);
-    EXPECT_EQ(slotOf(&RAML_ManagedObjectType::toString), -1);
-    EXPECT_EQ(slotOf(&RAML_MOParameterType::getType), -1);
-    EXPECT_EQ(slotOf(&RAML_ListElementType::getType), -1);
-    EXPECT_EQ(slotOf(&RAML_ListType::clear), -1);
-    EXPECT_EQ(slotOf(&RAML_ItemType::getListItemOperation), -1);
-    EXPECT_EQ(slotOf(&RamlParser::parseRaml), -1);
-    EXPECT_EQ(slotOf(&RamlParser::load), -1);
-    EXPECT_EQ(slotOf(&RamlParser::in_raml), -1);
-    EXPECT_EQ(slotOf(&RamlParser::in_mo), -1);
-    EXPECT_EQ(slotOf(&RamlParser::GetAttributeValue), -1);
-    EXPECT_EQ(slotOf(&RamlParser::defaultConfigRequired), -1);
+    using Mo = RAML_ManagedObjectType;
+    using SetText = void (Mo::*)(const std::string&);
+    EXPECT_EQ(slotOf(static_cast<SetText>(&Mo::setOperation)), -1);
+    EXPECT_EQ(slotOf(static_cast<SetText>(&Mo::setLevelScope)), -1);
+    EXPECT_EQ(slotOf(static_cast<SetText>(&Mo::setFuncScope)), -1);
+    EXPECT_EQ(slotOf(static_cast<SetText>(&Mo::setFilter)), -1);
+    EXPECT_EQ(slotOf(static_cast<SetEnumeration<RAML_MOOperationType>>(&Mo::setOperation)), -1);
+    EXPECT_EQ(slotOf(static_cast<SetEnumeration<RAML_MOLevelScopeType>>(&Mo::setLevelScope)), -1);
+    EXPECT_EQ(slotOf(static_cast<SetEnumeration<RAML_MOFuncScopeType>>(&Mo::setFuncScope)), -1);
+    EXPECT_EQ(slotOf(static_cast<SetEnumeration<RAML_MOFilterType>>(&Mo::setFilter)), -1);
+    EXPECT_EQ(slotOf(static_cast<void (RAML_ItemType::*)(const std::string&)>(&RAML_ItemType::setListItemOperation)),
+              -1);
+    EXPECT_EQ(
+        slotOf(static_cast<void (RAML_ItemType::*)(RAML_ListItemOperationType)>(&RAML_ItemType::setListItemOperation)),
+        -1);
+    EXPECT_THAT(slotsOf(&RAML_Type::clearCmDataList, &Mo::getDefaults, &Mo::getParameters, &Mo::getClassName,
+                        &Mo::getVersion, &Mo::getDistName, &Mo::getId, &Mo::getName, &Mo::getVendor, &Mo::getTimeStamp,
+                        &Mo::getOperation, &Mo::getOperationName, &Mo::getLevelScope, &Mo::getFuncScope, &Mo::getFilter,
+                        &Mo::getSequenceNo, &Mo::setDefaults, &Mo::setParameters, &Mo::setClassName, &Mo::setVersion,
+                        &Mo::setOperationName, &Mo::setDistName, &Mo::setId, &Mo::setName, &Mo::setVendor,
+                        &Mo::setTimeStamp, &Mo::setSequenceNo, &Mo::addMOparams<RAML_ParameterType::pointer>,
+                        &Mo::addMOparams<RAML_ListType::pointer>, &Mo::clearMOparams, &Mo::findParameter, &Mo::toString,
+                        &RAML_MOParameterType::getType, &RAML_ListElementType::getType,
+                        &RAML_ListType::add<RAML_ListParameterType::pointer>,
+                        &RAML_ListType::add<RAML_ItemType::pointer>, &RAML_ListType::clear,
+                        &RAML_ItemType::getListItemOperation),
+                Each(-1));
+    EXPECT_THAT(slotsOf(&RamlParser::parseRaml, &RamlParser::load, &RamlParser::in_raml, &RamlParser::in_cmData,
+                        &RamlParser::in_cmDataAttributesOnly, &RamlParser::in_header, &RamlParser::in_mo,
+                        &RamlParser::in_list, &RamlParser::in_item, &RamlParser::getPlanType, &RamlParser::getScopeType,
+                        &RamlParser::getNextSiblingNode, &RamlParser::GetAttributeValue,
+                        &RamlParser::defaultConfigRequired, &RamlParser::currentElement),
+                Each(-1));
 }
 
 // --------------------------------------------------------------------------------------------------------------

@@ -474,6 +474,33 @@ INSTANTIATE_TEST_SUITE_P(
              block}),
     nameOf);
 
+// No line about a block without objects follows these errors: each has to give the result code by itself.
+Rule behindAGoodObject(const std::string& name, const std::string& objectText, const std::string& error)
+{
+    return {name, inBlock(object("A-0") + objectText + object("A-2")), RAML_SYNTAX_ERROR, {error}, block + " A:A-0()"};
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    BehindAGoodObject, RamlRulesTest,
+    ::testing::Values(
+        behindAGoodObject("NoClass", "<managedObject distName='A-1' operation='create'/>", noClass),
+        behindAGoodObject("NoDistName", "<managedObject class='A' operation='create'/>", noDistName),
+        behindAGoodObject("WrongOperation", "<managedObject class='A' distName='A-1' operation='modify'/>",
+                          wrongOperation("modify")),
+        behindAGoodObject("UnknownTag", object("A-1", "<q/>"), unexpectedInMo("q")),
+        behindAGoodObject("ParameterWithoutName", object("A-1", "<p>1</p>"), noName),
+        behindAGoodObject("ParameterWithEmptyName", object("A-1", "<p name=''>1</p>"), noName),
+        behindAGoodObject("ListWithoutName", object("A-1", "<list/>"), noListName),
+        behindAGoodObject("NamedValueInAList", object("A-1", "<list name='l'><p name='x'>1</p></list>"),
+                          prohibited("x")),
+        behindAGoodObject("UnknownTagInAList", object("A-1", "<list name='l'><q/></list>"), unexpectedIn("list", "q")),
+        behindAGoodObject("UnknownTagInAnItem", object("A-1", "<list name='l'><item><q/></item></list>"),
+                          unexpectedIn("item", "q")),
+        behindAGoodObject("UnknownTagInAHeader", "<header><x/></header>", unexpected("header", "x")),
+        behindAGoodObject("LogWithoutAction", "<header><log dateTime='t'/></header>", badLog),
+        behindAGoodObject("UnknownTagInTheBlock", "<x/>", unexpected("cmData", "x"))),
+    nameOf);
+
 INSTANTIATE_TEST_SUITE_P(
     Item, RamlRulesTest,
     ::testing::Values(

@@ -187,6 +187,37 @@ TEST_F(RamlSortTest, EmptyPointersAreLoggedAndNotWritten)
     EXPECT_THAT((std::vector(errors.begin() + 2, errors.end())), Each(testing::AnyOf(emptyFirst, emptySecond)));
 }
 
+TEST_F(RamlSortTest, EmptyPointersAmongObjectsWithoutRankComeLast)
+{
+    m_ranks.clear();
+    fill({"A", "", "B", ""});
+    EXPECT_EQ(sort(), written("A") + written("B"));
+    const std::vector<std::string> names = classNames();
+    ASSERT_THAT(names, SizeIs(4));
+    EXPECT_THAT((std::vector{names[0], names[1]}), testing::UnorderedElementsAre("A", "B"));
+    EXPECT_THAT((std::vector{names[2], names[3]}), Each(""));
+}
+
+TEST_F(RamlSortTest, EachComparisonThatMeetsAnEmptyPointerIsLoggedOnce)
+{
+    fill({"C", "", "B", "", "A", "", "A"});
+    // The valid objects in front, what they leave and the empty pointers behind them: sorted here with the same
+    // function, so that the comparisons are the same.
+    std::vector<RAML_ManagedObjectType::pointer> objects = m_cmData->managedObjects;
+    std::stable_partition(objects.begin(), objects.end(), [](const auto& mo) { return mo != nullptr; });
+    std::vector<std::string> expected(6, emptyForValidity); // two passes look at three empty pointers
+    std::sort(objects.begin(), objects.end(), [this, &expected](const auto& mo1, const auto& mo2) {
+        if (!mo1 || !mo2) {
+            expected.push_back(mo1 ? emptySecond : emptyFirst);
+        }
+        return RamlMoPtr_less(m_ranks)(mo1, mo2);
+    });
+    ASSERT_THAT(expected, SizeIs(testing::Gt(6U)));
+    m_log.clear();
+    sort();
+    EXPECT_EQ(errorsOf(m_log), expected);
+}
+
 TEST_F(RamlSortTest, BlockMayBeSortedAgain)
 {
     fill({"x", "C", "y", "B", "z", "A"});
