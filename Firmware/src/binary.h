@@ -119,8 +119,8 @@ int32_t binary_copy_without_trailer(const char* source, const char* destination)
 uint32_t get_trailer(const char* fileName, uint32_t* trailerBeginning, char** trailer);
 
 /// Computes the CRC-32 of the first bytes of a file, read in items of 4 bytes; the last 1 to 3 are an item of their
-/// own. In place of an item that the file does not have the one before it counts once more, or 0 where there is none;
-/// bytes of the last item that the file does not have count as 0.
+/// own. In place of an item that the file does not have, or that cannot be read, the one before it counts once more,
+/// or 0 where there is none; bytes of the last 1 to 3 that the file does not have count as 0.
 /// @param crc receives it; 0 when the result is not 0
 /// @return #BINARY_OK, #BINARY_FILE_FAILED.
 uint32_t calculate_crc(const char* fileName, uint32_t payloadLength, uint32_t* crc);

@@ -12,8 +12,9 @@
 
 namespace vel::hwapi::firmware {
 
-/// Gives what single reads into one and the same item would: after the last whole item of the file that item again and
-/// again, or 0 where there is none.
+/// Gives what single reads into one and the same item would, if nobody looked at their results. A read that fails or
+/// gives only a part of the item leaves the item before it in place, or 0 where there is none. After a failure the file
+/// is read on; after its end it is not.
 class ItemReader {
 public:
     using Item = std::uint32_t;
@@ -28,7 +29,10 @@ public:
     std::span<const Item> next(std::size_t most);
 
 private:
-    std::size_t read(std::span<Item> items);
+    /// Reads items at once; in place of those behind the end of the file stands the one before them.
+    /// @return false when that failed, and then nothing is known of the items.
+    bool read(std::span<Item> items);
+    void readOneByOne(std::span<Item> items);
 
     /// Small enough for a processor's cache, large enough that a call weighs nothing.
     static constexpr std::size_t itemsPerBlock = 8192;

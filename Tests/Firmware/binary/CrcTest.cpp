@@ -56,17 +56,17 @@ protected:
     }
 };
 
-/// From the nth read on, reading fails.
-class ReadsFailFrom {
+/// Some reads fail, one after the other.
+class ReadsFail : public CountCalls<AaFileRead> {
 public:
-    explicit ReadsFailFrom(unsigned nth)
+    /// @param first the number of the first, from 1
+    ReadsFail(unsigned first, unsigned howMany)
     {
-        auto& call = testkit::seamCall<AaFileRead>();
-        call.fail(call.calls() + nth - 1, 1000);
+        testkit::seamCall<AaFileRead>().fail(m_before + first - 1, howMany - 1);
     }
-    ~ReadsFailFrom() { testkit::seamCall<AaFileRead>().stopFailing(); }
-    ReadsFailFrom(const ReadsFailFrom&) = delete;
-    ReadsFailFrom& operator=(const ReadsFailFrom&) = delete;
+    ~ReadsFail() { testkit::seamCall<AaFileRead>().stopFailing(); }
+    ReadsFail(const ReadsFail&) = delete;
+    ReadsFail& operator=(const ReadsFail&) = delete;
 };
 
 TEST_F(CrcTest, KnownTextHasItsKnownCrc)
@@ -181,31 +181,104 @@ TEST_F(CrcTest, BlockThatCannotBeReadIsReadItemByItem)
     EXPECT_TRUE(failure.hasFailed());
 }
 
+TEST_F(CrcTest, ItemThatCannotBeReadIsTheOneBeforeItAndTheFileIsReadOn)
+{
+    const std::string file = payloadOf(3 * block);
+    write(file);
+    const ReadsFail secondBlockAndItsFirstItem(2, 2);
+
+    EXPECT_EQ(crcOfFirst(3 * block), crcOf(file.substr(0, block) + file.substr(block - itemSize, itemSize) +
+                                           file.substr(block, 2 * block - itemSize)));
+    EXPECT_EQ(secondBlockAndItsFirstItem.count(), 1 + 1 + block / itemSize + 1);
+}
+
+TEST_F(CrcTest, SeveralItemsThatCannotBeReadAreTheOneBeforeThem)
+{
+    const std::string file = payloadOf(2 * block);
+    write(file);
+    const ReadsFail secondBlockAndThreeItems(2, 4);
+    const std::string last = file.substr(block - itemSize, itemSize);
+
+    EXPECT_EQ(crcOfFirst(2 * block),
+              crcOf(file.substr(0, block) + last + last + last + file.substr(block, block - 3 * itemSize)));
+}
+
+TEST_F(CrcTest, FirstItemThatCannotBeReadIsZero)
+{
+    const std::string file = payloadOf(5 * itemSize);
+    write(file);
+    const ReadsFail blockAndItsFirstItem(1, 2);
+
+    EXPECT_EQ(crcOfFirst(5 * itemSize), crcOf(std::string(itemSize, '\0') + file.substr(0, 4 * itemSize)));
+}
+
+TEST_F(CrcTest, FileThatEndsBehindAFailureIsNotReadOn)
+{
+    const std::string file = payloadOf(2 * itemSize + 1);
+    write(file);
+    const ReadsFail wholeBlock(1, 1);
+    const std::string last = file.substr(itemSize, itemSize);
+
+    EXPECT_EQ(crcOfFirst(5 * itemSize), crcOf(file.substr(0, 2 * itemSize) + last + last + last));
+    EXPECT_EQ(wholeBlock.count(), 4U); // the items that are there, and the one that is there in part
+}
+
 TEST_F(CrcTest, FileThatCannotBeReadIsZeros)
 {
     write(payloadOf(43));
     const FailEvery<AaFileRead> failure;
 
     EXPECT_EQ(crcOfFirst(43), crcOf(std::string(43, '\0')));
+    EXPECT_EQ(failure.count(), 1U + 10U + 1U);
 }
 
-TEST_F(CrcTest, BlockBehindAFailureIsTheItemBeforeIt)
+TEST_F(CrcTest, RemainderIsReadAfterAFailureToo)
+{
+    const std::string file = payloadOf(2 * itemSize + 3);
+    write(file);
+    const ReadsFail blockAndItsItems(1, 3);
+
+    EXPECT_EQ(crcOfFirst(file.size()), crcOf(std::string(2 * itemSize, '\0') + file.substr(0, 3)));
+}
+
+TEST_F(CrcTest, RemainderThatCannotBeReadIsZero)
+{
+    const std::string file = payloadOf(itemSize + 3);
+    write(file);
+    const ReadsFail remainder(2, 1);
+
+    EXPECT_EQ(crcOfFirst(file.size()), crcOf(file.substr(0, itemSize) + std::string(3, '\0')));
+}
+
+TEST_F(CrcTest, EverythingBehindAFailureThatStaysIsTheItemBeforeIt)
 {
     const std::string file = payloadOf(3 * block);
     write(file);
-    const ReadsFailFrom secondBlock(2);
+    const ReadsFail secondBlockAndAllBehindIt(2, 1'000'000);
 
     EXPECT_EQ(crcOfFirst(3 * block + 2), crcOfLoop(file.substr(0, block), 3 * block + 2));
 }
 
-TEST_F(CrcTest, BlockIsNotReadAgainWhereItsPositionIsNotKnown)
+TEST_F(CrcTest, BlockWhosePositionIsNotKnownIsReadFromWhereTheFailureHasLeftOff)
 {
-    write(payloadOf(40));
+    const std::string file = payloadOf(40);
+    write(file);
     const FailEvery<AaFileGetPosition> noPosition;
     const FailNth<AaFileRead> failure(1);
 
-    EXPECT_EQ(crcOfFirst(40), crcOf(std::string(40, '\0')));
-    EXPECT_EQ(failure.count(), 1U);
+    EXPECT_EQ(crcOfFirst(40), crcOf(file));
+    EXPECT_EQ(failure.count(), 1U + 10U);
+}
+
+TEST_F(CrcTest, BlockThatCannotBeGoneBackToIsReadFromWhereTheFailureHasLeftOff)
+{
+    const std::string file = payloadOf(40);
+    write(file);
+    const FailNth<AaFileSetPosition> noWayBack(2);
+    const FailNth<AaFileRead> failure(1);
+
+    EXPECT_EQ(crcOfFirst(40), crcOf(file));
+    EXPECT_TRUE(noWayBack.hasFailed());
 }
 
 TEST_F(CrcTest, ItemsAreReadInLargeBlocks)
