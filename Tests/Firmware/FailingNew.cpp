@@ -7,10 +7,14 @@
 
 namespace {
 
-constinit std::atomic<std::size_t> callsLeft{0}; ///< up to the one that fails; 0: none does
+constinit std::atomic<std::size_t> callsLeft{0};    ///< up to the one that fails; 0: none does
+constinit std::atomic<std::size_t> leastFailing{0}; ///< bytes; 0: none fail for their size
 
-bool isToFail()
+bool isToFail(std::size_t size)
 {
+    if (const std::size_t least = leastFailing.load(); least != 0 && size >= least) {
+        return true;
+    }
     std::size_t left = callsLeft.load();
     while (left != 0 && !callsLeft.compare_exchange_weak(left, left - 1)) {
     }
@@ -21,7 +25,7 @@ bool isToFail()
 
 void* operator new(std::size_t size)
 {
-    void* const block = isToFail() ? nullptr : std::malloc(size);
+    void* const block = isToFail(size) ? nullptr : std::malloc(size);
     if (!block) {
         throw std::bad_alloc();
     }
@@ -30,7 +34,7 @@ void* operator new(std::size_t size)
 
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
 {
-    return isToFail() ? nullptr : std::malloc(size);
+    return isToFail(size) ? nullptr : std::malloc(size);
 }
 
 void operator delete(void* block) noexcept
@@ -58,6 +62,16 @@ FailingNew::~FailingNew()
 bool FailingNew::hasFailed() const
 {
     return callsLeft.load() == 0;
+}
+
+FailingLargeNew::FailingLargeNew(std::size_t size)
+{
+    leastFailing.store(size);
+}
+
+FailingLargeNew::~FailingLargeNew()
+{
+    leastFailing.store(0);
 }
 
 } // namespace dorn::test

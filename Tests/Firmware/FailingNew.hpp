@@ -18,4 +18,13 @@ public:
     bool hasFailed() const;
 };
 
+/// While it lives, `new` of at least so many bytes fails.
+class FailingLargeNew {
+public:
+    explicit FailingLargeNew(std::size_t size);
+    ~FailingLargeNew();
+    FailingLargeNew(const FailingLargeNew&) = delete;
+    FailingLargeNew& operator=(const FailingLargeNew&) = delete;
+};
+
 } // namespace dorn::test

@@ -36,6 +36,7 @@ try {
     m_parserResult = parser.AaGpuXmlLastResult();
     return m_root != nullptr;
 } catch (const std::bad_alloc&) {
+    m_parserResult = AA_GPU_XML_NO_MEMORY; // the parser has not come to say so itself
     return false;
 }
 

@@ -33,7 +33,8 @@ public:
     std::uint32_t read(const char* fileName);
     /// @return false when the text is not well-formed XML up to its first NUL, or there is no memory.
     bool parse();
-    /// The parser's word on the text, 0 when it had none to say.
+    /// The parser's word on the text, an #EAaGpuXmlResult; #AA_GPU_XML_NO_MEMORY also when the text did not get as far
+    /// as the parser.
     int parserResult() const { return m_parserResult; }
 
     /// Where it begins: how long the payload is.
@@ -49,7 +50,7 @@ private:
     std::uint32_t m_beginning = 0;
     std::unique_ptr<char, Freer> m_text;
     std::unique_ptr<AaGpuXmlNode> m_root;
-    int m_parserResult = 0;
+    int m_parserResult = AA_GPU_XML_OK;
 };
 
 } // namespace vel::hwapi::firmware

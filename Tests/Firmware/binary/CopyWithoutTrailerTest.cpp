@@ -194,6 +194,25 @@ TEST_F(CopyWithoutTrailerTest, ReadThatGivesNothing)
     EXPECT_EQ(copied(), "");
 }
 
+TEST_F(CopyWithoutTrailerTest, LaterReadThatGivesNothing)
+{
+    write(imageOf(payloadOf(1500), ""));
+    const FailNth<AaFileRead> end(3, 0);
+
+    EXPECT_EQ(copy(), -9);
+    EXPECT_EQ(copied(), payloadOf(1500).substr(0, 1024));
+}
+
+/// Its room is for 1024 bytes, but fewer were asked for.
+TEST_F(CopyWithoutTrailerTest, LastReadThatGivesMoreThanAskedFor)
+{
+    write(imageOf(payloadOf(1500), ""));
+    const FailNth<AaFileRead> tooMuch(3, 477);
+
+    EXPECT_EQ(copy(), -9);
+    EXPECT_EQ(copied(), payloadOf(1500).substr(0, 1024));
+}
+
 TEST_F(CopyWithoutTrailerTest, ReadThatFailsOrGivesTooMuch)
 {
     write(imageOf(payloadOf(1500), ""));

@@ -13,6 +13,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 class HwSwIdsTest : public ::testing::Test {
 protected:
@@ -72,6 +73,16 @@ TEST_F(HwSwIdsTest, ChildrenWithOtherNamesAreSkipped)
 {
     EXPECT_EQ(scan("<HwSwIdList><hwswid>3A01</hwswid><Id>3A01</Id><HwSwId>3A01</HwSwId></HwSwIdList>", 0x3A01, 0), 0U);
     EXPECT_THAT(m_syslog.texts(), ElementsAre(found, "info scan_hwswid(): Matching HwSwId found: 0x3a01"));
+}
+
+TEST_F(HwSwIdsTest, ChildrenWithOtherNamesAreSkippedByBothPasses)
+{
+    EXPECT_EQ(scan("<HwSwIdList><hwswid>3A07</hwswid><HwSwId>3A01</HwSwId></HwSwIdList>", 0x3A02, 1), 0U);
+    EXPECT_THAT(
+        m_syslog.texts(),
+        ElementsAre(found, found, "info scan_hwswid(): Found matching HwSwId with minor version difference: 0x3a01"));
+    EXPECT_EQ(scan("<HwSwIdList><hwswid>3A01</hwswid><Id>3A01</Id></HwSwIdList>", 0x3A02, 1), 70411U);
+    EXPECT_THAT(m_syslog.texts(), SizeIs(3));
 }
 
 TEST_F(HwSwIdsTest, MinorDifferenceIsAcceptedWhenAllowed)
