@@ -3,11 +3,11 @@
 
 #include <string.h>
 
-_Static_assert(sizeof(EUnitType) == 4, "as in C++");
-_Static_assert(sizeof(EUnitVersion) == 4, "as in C++");
-_Static_assert(sizeof(EModuleVersion) == 4, "as in C++");
-_Static_assert(sizeof(ETarnBoardType) == 4, "as in C++");
-_Static_assert(sizeof(ETarnRatType) == 4, "as in C++");
+_Static_assert(sizeof(EUnitType) == 4 && (EUnitType)-1 < 0, "signed, of 32 bits, as in C++");
+_Static_assert(sizeof(EUnitVersion) == 4 && (EUnitVersion)-1 < 0, "signed, of 32 bits, as in C++");
+_Static_assert(sizeof(EModuleVersion) == 4 && (EModuleVersion)-1 < 0, "signed, of 32 bits, as in C++");
+_Static_assert(sizeof(ETarnBoardType) == 4 && (ETarnBoardType)-1 < 0, "signed, of 32 bits, as in C++");
+_Static_assert(sizeof(ETarnRatType) == 4 && (ETarnRatType)-1 < 0, "signed, of 32 bits, as in C++");
 
 TBoolean isTarnUnitInC(void);
 

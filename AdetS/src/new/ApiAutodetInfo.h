@@ -38,7 +38,7 @@ extern "C" {
 #endif
 
 /// Variants of a Tarn unit's board.
-typedef enum ETarnBoardType ADETS_INT32 {
+enum ADETS_INT32_ENUM(ETarnBoardType) {
     ETarnBoardType_Single = 0,
     ETarnBoardType_Master = 1, ///< of a redundant pair
     ETarnBoardType_Slave = 2,  ///< of a redundant pair
@@ -46,15 +46,17 @@ typedef enum ETarnBoardType ADETS_INT32 {
     ETarnBoardType_Vesper_4x4 = 4,
     ETarnBoardType_Pico_DB = 5,
     ETarnBoardType_Unknown = 6,
-} ETarnBoardType;
+};
+ADETS_INT32_TYPE(ETarnBoardType);
 
 /// Radio access technologies that a Tarn unit is made for.
-typedef enum ETarnRatType ADETS_INT32 {
+enum ADETS_INT32_ENUM(ETarnRatType) {
     ETarnRatType_FDLte = 0, ///< LTE with frequency division duplex
     ETarnRatType_TDLte = 1, ///< LTE with time division duplex
     ETarnRatType_Wcdma = 2,
     ETarnRatType_Unknown = 3, ///< the unit is not known to be a Tarn unit
-} ETarnRatType;
+};
+ADETS_INT32_TYPE(ETarnRatType);
 
 /// What ApiGetSlotIdFromBoardId() returns for a board id that has no slot.
 #define ADETS_NO_SLOT 255

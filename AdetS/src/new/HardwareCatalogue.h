@@ -24,7 +24,7 @@ extern "C" {
 #endif
 
 /// Kinds of units.
-typedef enum EUnitType ADETS_INT32 {
+enum ADETS_INT32_ENUM(EUnitType) {
     EUnitType_Unallocated = 0,
     EUnitType_Beck = 1,
     EUnitType_Carr = 2,
@@ -48,10 +48,11 @@ typedef enum EUnitType ADETS_INT32 {
     EUnitType_Wath = 20,
     EUnitType_Wold = 21,
     EUnitType_Unknown = 22, ///< the unit has no HW/SW id, or one that the catalogue does not have
-} EUnitType;
+};
+ADETS_INT32_TYPE(EUnitType);
 
 /// Versions of units: the kind and, for most kinds, how it was equipped when it was made.
-typedef enum EUnitVersion ADETS_INT32 {
+enum ADETS_INT32_ENUM(EUnitVersion) {
     EUnitVersion_Unallocated = 0,
     EUnitVersion_Beck_1 = 1,
     EUnitVersion_Beck_2 = 2,
@@ -115,10 +116,11 @@ typedef enum EUnitVersion ADETS_INT32 {
     EUnitVersion_Wold_2 = 60,
     EUnitVersion_Wold_3 = 61,
     EUnitVersion_Unknown = 62, ///< the unit has no HW/SW id, or one that the catalogue does not have
-} EUnitVersion;
+};
+ADETS_INT32_TYPE(EUnitVersion);
 
 /// Versions of modules, the housings that units stand in.
-typedef enum EModuleVersion ADETS_INT32 {
+enum ADETS_INT32_ENUM(EModuleVersion) {
     EModuleVersion_Unallocated = 0,
     EModuleVersion_Matin_1 = 1,
     EModuleVersion_Matin_2 = 2,
@@ -169,7 +171,8 @@ typedef enum EModuleVersion ADETS_INT32 {
     EModuleVersion_Gloam_5 = 47,
     EModuleVersion_Gloam_6 = 48,
     EModuleVersion_Unknown = 49, ///< the module has no id, or one that the catalogue does not have
-} EModuleVersion;
+};
+ADETS_INT32_TYPE(EModuleVersion);
 
 #ifdef __cplusplus
 }
