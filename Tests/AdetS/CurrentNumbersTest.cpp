@@ -171,6 +171,18 @@ TEST_P(CurrentNumberTest, IsKeptWhenTheUnitIdCannotBeRead)
     EXPECT_EQ(ask(), 0x2B);
 }
 
+TEST_P(CurrentNumberTest, IsKeptWhenTheIdOfATarnUnitCannotBeRead)
+{
+    m_platform.setResult("ddal_devicetree_get_unit_id", 0x9);
+    EXPECT_EQ(ask(), 0x1A);
+    EXPECT_THAT(m_platform.calls("AaSysComSicadGet"), ElementsAre("AaSysComSicadGet(0x0, 0xF01)"));
+    EXPECT_THAT(m_platform.calls("Warning"), ElementsAre(failure("ddal_devicetree_get_unit_id", 0x9)));
+    m_platform.clearCalls();
+
+    EXPECT_EQ(ask(), 0x1A);
+    EXPECT_THAT(m_platform.calls(), IsEmpty());
+}
+
 TEST_P(CurrentNumberTest, IsUnknownWhenNeitherIdCanBeReadAndFoundAtTheNextCall)
 {
     beUnit("HOLM", 0x501000);

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <string>
@@ -105,6 +106,32 @@ TEST(HardwareCatalogueTest, EnumerationsAreSignedAndHave32Bits)
     EXPECT_TRUE((std::is_same_v<std::underlying_type_t<EUnitType>, std::int32_t>));
     EXPECT_TRUE((std::is_same_v<std::underlying_type_t<EUnitVersion>, std::int32_t>));
     EXPECT_TRUE((std::is_same_v<std::underlying_type_t<EModuleVersion>, std::int32_t>));
+}
+
+TEST(HardwareCatalogueTest, RowsHaveTheLayoutThatToolsReadThemBy)
+{
+    EXPECT_EQ(sizeof(UnitTypeRow), 28U);
+    EXPECT_EQ(offsetof(UnitTypeRow, type), 0U);
+    EXPECT_EQ(offsetof(UnitTypeRow, key), 4U);
+    EXPECT_EQ(offsetof(UnitTypeRow, name), 8U);
+    EXPECT_EQ(sizeof(UnitVersionRow), 36U);
+    EXPECT_EQ(offsetof(UnitVersionRow, version), 0U);
+    EXPECT_EQ(offsetof(UnitVersionRow, key), 4U);
+    EXPECT_EQ(offsetof(UnitVersionRow, name), 8U);
+    EXPECT_EQ(sizeof(ModuleRow), 2 * sizeof(const char*));
+    EXPECT_EQ(offsetof(ModuleRow, version), 0U);
+    EXPECT_EQ(offsetof(ModuleRow, id), sizeof(const char*));
+}
+
+TEST(HardwareCatalogueTest, ColumnsOfRowsHaveTheirTypes)
+{
+    EXPECT_TRUE((std::is_same_v<decltype(UnitTypeRow::type), std::int32_t>));
+    EXPECT_TRUE((std::is_same_v<decltype(UnitTypeRow::key), std::uint32_t>));
+    EXPECT_TRUE((std::is_same_v<decltype(UnitTypeRow::name), char[20]>));
+    EXPECT_TRUE((std::is_same_v<decltype(UnitVersionRow::version), std::int32_t>));
+    EXPECT_TRUE((std::is_same_v<decltype(UnitVersionRow::key), std::uint32_t>));
+    EXPECT_TRUE((std::is_same_v<decltype(UnitVersionRow::name), char[28]>));
+    EXPECT_TRUE((std::is_same_v<decltype(ModuleRow::version), std::int32_t>));
 }
 
 TEST(HardwareCatalogueTest, UnitTypesStandInTheirOrder)

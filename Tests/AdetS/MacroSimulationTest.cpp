@@ -8,6 +8,7 @@ namespace dorn::test {
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 class MacroTest : public AutodetTest {
 protected:
@@ -16,6 +17,12 @@ protected:
     static std::string unitId(std::uint32_t size)
     {
         return ask([](char* buffer, std::uint32_t length) { return ApiGetUnitId(2, buffer, length); }, size);
+    }
+
+    static std::string extCode(std::uint32_t size)
+    {
+        return ask([](char* buffer, std::uint32_t length) { return ApiGetExtModuleProductionCode(6, buffer, length); },
+                   size);
     }
 
     static std::string unitCode(std::uint32_t size)
@@ -29,6 +36,7 @@ struct MacroUnit {
     const char* id;
     const char* macroId;
     std::uint32_t hwSwId;
+    int type;
     int version;
     const char* code;
 };
@@ -81,6 +89,24 @@ TEST_P(MacroUnitTest, HasTheMacroUnitsHwSwIdAndWhatFollowsFromIt)
     EXPECT_EQ(ApiGetLocalUnitVersion(), GetParam().version);
 }
 
+TEST_P(MacroUnitTest, HasTheMacroUnitsType)
+{
+    m_drivers.units[2].hwSwId = 0xA00123;
+    m_drivers.units[0].hwSwId = 0xA00123;
+
+    EXPECT_EQ(ApiGetUnitType(2), GetParam().type);
+    EXPECT_EQ(ApiGetLocalUnitType(), GetParam().type);
+}
+
+TEST_P(MacroUnitTest, MayHaveTheMacroUnitsIdAlready)
+{
+    m_drivers.units[2].id = GetParam().macroId;
+
+    EXPECT_EQ(unitId(8), inBuffer(GetParam().macroId, 8));
+    EXPECT_EQ(ApiGetUnitHwSwId(2), GetParam().hwSwId);
+    EXPECT_EQ(unitCode(13), GetParam().code + std::string(".101\0#", 6));
+}
+
 TEST_P(MacroUnitTest, ProductionCodeBeginsWithTheMacroUnits)
 {
     EXPECT_EQ(unitCode(13), GetParam().code + std::string(".101\0#", 6));
@@ -119,13 +145,70 @@ TEST_P(MacroUnitTest, WithoutSimulationAllIsItsOwn)
     EXPECT_EQ(unitCode(13), std::string("900001A.101\0#", 13));
 }
 
-TEST_P(MacroUnitTest, WhatHasBeenKeptStays)
+TEST_P(MacroUnitTest, WhatHasBeenKeptStaysWhenSimulationBegins)
 {
+    m_drivers.units[0].hwSwId = 0xA00123;
     m_platform.parameters[ERadHwapi_SimulateMacroREC] = 0;
-    EXPECT_EQ(ask(ApiGetLocalUnitId, 6), inBuffer(GetParam().id, 6));
+    for (const std::uint32_t parameter : {0U, 7U}) {
+        m_platform.parameters[ERadHwapi_SimulateMacroREC] = parameter;
+        EXPECT_EQ(ask(ApiGetLocalUnitId, 6), inBuffer(GetParam().id, 6));
+        EXPECT_EQ(ApiGetLocalUnitHwSwId(), 0xA00123U);
+        EXPECT_EQ(ApiGetLocalUnitHwId(), 0xA00U);
+        EXPECT_EQ(ApiGetLocalUnitType(), EUnitType_Tarn);
+        EXPECT_EQ(ApiGetLocalUnitVersion(), EUnitVersion_Tarn);
+        EXPECT_EQ(ask(ApiGetLocalUnitProductionCode, 13), inBuffer("900001A.101", 13));
+    }
+}
 
-    m_platform.parameters[ERadHwapi_SimulateMacroREC] = 7;
-    EXPECT_EQ(ask(ApiGetLocalUnitId, 6), inBuffer(GetParam().id, 6));
+TEST_P(MacroUnitTest, WhatHasBeenKeptStaysWhenSimulationEnds)
+{
+    m_drivers.units[0].hwSwId = 0xA00123;
+    for (const std::uint32_t parameter : {1U, 0U}) {
+        m_platform.parameters[ERadHwapi_SimulateMacroREC] = parameter;
+        EXPECT_EQ(ask(ApiGetLocalUnitId, 6), inBuffer(GetParam().macroId, 6));
+        EXPECT_EQ(ApiGetLocalUnitHwSwId(), GetParam().hwSwId);
+        EXPECT_EQ(ApiGetLocalUnitHwId(), GetParam().hwSwId >> 12);
+        EXPECT_EQ(ApiGetLocalUnitType(), GetParam().type);
+        EXPECT_EQ(ApiGetLocalUnitVersion(), GetParam().version);
+        EXPECT_EQ(ask(ApiGetLocalUnitProductionCode, 13), inBuffer(GetParam().code + std::string(".101"), 13));
+    }
+}
+
+TEST_P(MacroUnitTest, IdThatCannotBeReadIsAFailure)
+{
+    m_platform.setResult("ddal_devicetree_get_unit_id", 0x9);
+
+    EXPECT_EQ(unitId(8), "");
+    EXPECT_EQ(ask(ApiGetLocalUnitId, 8), "");
+    const std::string failure = "Warning 0x20063 ApiGetUnitId(): ddal_devicetree_get_unit_id() returned '0x9' "
+                                "(not DDAL_OK)";
+    EXPECT_THAT(log(), ElementsAre(failure, failure));
+
+    m_platform.setResult("ddal_devicetree_get_unit_id", DDAL_OK);
+    EXPECT_EQ(ask(ApiGetLocalUnitId, 8), inBuffer(GetParam().macroId, 8));
+}
+
+TEST_P(MacroUnitTest, ProductionCodeThatCannotBeReadIsAFailure)
+{
+    m_platform.setResult("ddal_devicetree_get_production_code", 0x9);
+
+    EXPECT_EQ(unitCode(13), "");
+    EXPECT_THAT(m_platform.calls(),
+                ElementsAre("ddal_devicetree_get_production_code(2, 13)",
+                            "Warning 0x20063 ApiGetUnitProductionCode(): ddal_devicetree_get_production_code() "
+                            "returned '0x9' (not DDAL_OK)"));
+    EXPECT_EQ(ask(ApiGetLocalUnitProductionCode, 13), "");
+
+    m_platform.setResult("ddal_devicetree_get_production_code", DDAL_OK);
+    EXPECT_EQ(ask(ApiGetLocalUnitProductionCode, 13), inBuffer(GetParam().code + std::string(".101"), 13));
+}
+
+TEST_P(MacroUnitTest, HwSwIdThatTheDriverCannotReadIsNotMissed)
+{
+    m_platform.setResult("ddal_devicetree_get_hw_sw_id", 0x9);
+
+    EXPECT_EQ(ApiGetUnitHwSwId(2), GetParam().hwSwId);
+    EXPECT_THAT(log(), IsEmpty());
 }
 
 TEST_P(MacroUnitTest, IdThatCannotBeReadLeavesTheDriversHwSwId)
@@ -141,9 +224,9 @@ TEST_P(MacroUnitTest, IdThatCannotBeReadLeavesTheDriversHwSwId)
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, MacroUnitTest,
-                         testing::Values(MacroUnit{"HOLM", "HOLMN", 0x507001, 33, "900133A"},
-                                         MacroUnit{"FRTA", "FRTAN", 0x20F001, 34, "900134A"},
-                                         MacroUnit{"FRTB", "FRTBN", 0x210001, 35, "900135A"}));
+                         testing::Values(MacroUnit{"HOLM", "HOLMN", 0x507001, 9, 33, "900133A"},
+                                         MacroUnit{"FRTA", "FRTAN", 0x20F001, 6, 34, "900134A"},
+                                         MacroUnit{"FRTB", "FRTBN", 0x210001, 6, 35, "900135A"}));
 
 struct MacroModule {
     const char* id;
@@ -166,9 +249,9 @@ protected:
     }
 
     static TBoolean extId(char* buffer, std::uint32_t length) { return ApiGetExtModuleId(6, buffer, length); }
-    static TBoolean extCode(char* buffer, std::uint32_t length)
+    static TBoolean extNumber(char* buffer, std::uint32_t length)
     {
-        return ApiGetExtModuleProductionCode(6, buffer, length);
+        return ApiGetExtModuleSerialNumber(6, buffer, length);
     }
 };
 
@@ -191,7 +274,7 @@ TEST_P(MacroModuleTest, IsRecognisedByTheBeginningOfItsId)
 TEST_P(MacroModuleTest, ProductionCodeBeginsWithTheMacroModules)
 {
     EXPECT_EQ(ask(ApiGetModuleProductionCode, 13), inBuffer(GetParam().code + std::string(".101"), 13));
-    EXPECT_EQ(ask(extCode, 13), inBuffer(GetParam().code + std::string(".101"), 13));
+    EXPECT_EQ(extCode(13), inBuffer(GetParam().code + std::string(".101"), 13));
 }
 
 TEST_P(MacroModuleTest, ProductionCodeThatIsShorterThanTheMacroModulesIsTerminated)
@@ -199,12 +282,92 @@ TEST_P(MacroModuleTest, ProductionCodeThatIsShorterThanTheMacroModulesIsTerminat
     m_drivers.module.productionCode = "";
     m_drivers.extModules[6].productionCode = "12";
     EXPECT_EQ(ask(ApiGetModuleProductionCode, 13), inBuffer(GetParam().code, 13));
-    EXPECT_EQ(ask(extCode, 13), inBuffer(GetParam().code, 13));
+    EXPECT_EQ(extCode(13), inBuffer(GetParam().code, 13));
 }
 
 TEST_P(MacroModuleTest, SerialNumberIsItsOwn)
 {
     EXPECT_EQ(ask(ApiGetModuleSerialNumber, 12), inBuffer("M1200000002", 12));
+    EXPECT_EQ(ask(extNumber, 12), inBuffer("M1200000002", 12));
+}
+
+TEST_P(MacroModuleTest, WhatHasBeenKeptStaysWhenSimulationBegins)
+{
+    m_drivers.module.productionCode = "900201A.101";
+    const int version = GetParam().version == 25 ? 7 : 8; // that of the module without simulation
+    for (const std::uint32_t parameter : {0U, 7U}) {
+        m_platform.parameters[ERadHwapi_SimulateMacroREC] = parameter;
+        EXPECT_EQ(ask(ApiGetModuleId, 8), inBuffer(GetParam().id, 8));
+        EXPECT_EQ(ApiGetModuleVersion(), version);
+        EXPECT_EQ(ask(ApiGetModuleProductionCode, 13), inBuffer("900201A.101", 13));
+    }
+}
+
+TEST_P(MacroModuleTest, WhatHasBeenKeptStaysWhenSimulationEnds)
+{
+    for (const std::uint32_t parameter : {1U, 0U}) {
+        m_platform.parameters[ERadHwapi_SimulateMacroREC] = parameter;
+        EXPECT_EQ(ask(ApiGetModuleId, 8), inBuffer(GetParam().macroId, 8));
+        EXPECT_EQ(ApiGetModuleVersion(), GetParam().version);
+        EXPECT_EQ(ask(ApiGetModuleProductionCode, 13), inBuffer(GetParam().code + std::string(".101"), 13));
+    }
+}
+
+TEST_P(MacroModuleTest, IdThatCannotBeReadIsAFailure)
+{
+    m_platform.setResult("ddal_devicetree_get_module_unit_id", 0x9);
+    m_platform.setResult("ddal_devicetree_get_ext_module_unit_id", 0xA);
+
+    EXPECT_EQ(ask(ApiGetModuleId, 8), "");
+    EXPECT_EQ(ask(extId, 8), "");
+    EXPECT_THAT(log(), ElementsAre("Warning 0x20063 ApiGetModuleId(): ddal_devicetree_get_module_unit_id() returned "
+                                   "'0x9' (not DDAL_OK)",
+                                   "Warning 0x20063 ApiGetExtModuleId(): ddal_devicetree_get_ext_module_unit_id("
+                                   "port_id=0x6) returned '0xa' (not DDAL_OK)"));
+
+    m_platform.setResult("ddal_devicetree_get_module_unit_id", DDAL_OK);
+    EXPECT_EQ(ask(ApiGetModuleId, 8), inBuffer(GetParam().macroId, 8));
+}
+
+TEST_P(MacroModuleTest, ProductionCodeThatCannotBeReadIsAFailureAndTheVersionIsNotAskedFor)
+{
+    m_platform.setResult("ddal_devicetree_get_module_production_code", 0x9);
+    m_platform.setResult("ddal_devicetree_get_ext_module_production_code", 0xA);
+
+    EXPECT_EQ(ask(ApiGetModuleProductionCode, 13), "");
+    EXPECT_EQ(extCode(13), "");
+    EXPECT_THAT(m_platform.calls(),
+                ElementsAre("ddal_devicetree_get_module_production_code(13)",
+                            "Warning 0x20063 ApiGetModuleProductionCode(): "
+                            "ddal_devicetree_get_module_production_code() returned '0x9' (not DDAL_OK)",
+                            "ddal_devicetree_get_ext_module_production_code(6, 13)",
+                            "Warning 0x20063 ApiGetExtModuleProductionCode(): "
+                            "ddal_devicetree_get_ext_module_production_code(port_id=0x6) returned '0xa' "
+                            "(not DDAL_OK)"));
+
+    m_platform.setResult("ddal_devicetree_get_module_production_code", DDAL_OK);
+    EXPECT_EQ(ask(ApiGetModuleProductionCode, 13), inBuffer(GetParam().code + std::string(".101"), 13));
+}
+
+TEST_P(MacroModuleTest, SerialNumberThatCannotBeReadIsAFailure)
+{
+    m_platform.setResult("ddal_devicetree_get_ext_module_serial_number", 0x9);
+
+    EXPECT_EQ(ask(extNumber, 12), "");
+    EXPECT_THAT(log(), ElementsAre("Warning 0x20063 ApiGetExtModuleSerialNumber(): "
+                                   "ddal_devicetree_get_ext_module_serial_number(port_id=0x6) returned '0x9' "
+                                   "(not DDAL_OK)"));
+}
+
+TEST_P(MacroModuleTest, WithoutItsIdItKeepsItsProductionCode)
+{
+    m_platform.setResult("ddal_devicetree_get_module_unit_id", 0x9);
+    m_platform.setResult("ddal_devicetree_get_ext_module_unit_id", 0xA);
+
+    EXPECT_EQ(ask(ApiGetModuleProductionCode, 13), inBuffer("900201A.101", 13));
+    EXPECT_EQ(extCode(13), inBuffer("900201A.101", 13));
+    EXPECT_EQ(log().back(), "Warning 0x20063 ApiGetExtModuleVersion(6): module version not found "
+                            "(name from ddal = )");
 }
 
 TEST_P(MacroModuleTest, WithoutSimulationAllIsItsOwn)
@@ -214,7 +377,7 @@ TEST_P(MacroModuleTest, WithoutSimulationAllIsItsOwn)
     EXPECT_EQ(ask(ApiGetModuleId, 8), inBuffer(GetParam().id, 8));
     EXPECT_EQ(ask(extId, 8), inBuffer(GetParam().id, 8));
     EXPECT_EQ(ask(ApiGetModuleProductionCode, 13), inBuffer("900201A.101", 13));
-    EXPECT_EQ(ask(extCode, 13), inBuffer("900201A.101", 13));
+    EXPECT_EQ(extCode(13), inBuffer("900201A.101", 13));
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, MacroModuleTest,
@@ -253,17 +416,25 @@ TEST_F(OtherUnitTest, ModuleIsShownAsItIs)
     EXPECT_EQ(ask(ApiGetModuleId, 5), inBuffer("LAUC", 5));
     EXPECT_EQ(ApiGetExtModuleVersion(6), EModuleVersion_Lauds_3);
     EXPECT_EQ(ask(ApiGetModuleProductionCode, 12), inBuffer("900201A.101", 12));
-    EXPECT_EQ(
-        ask([](char* buffer, std::uint32_t length) { return ApiGetExtModuleProductionCode(6, buffer, length); }, 12),
-        inBuffer("900201A.101", 12));
+    EXPECT_EQ(extCode(12), inBuffer("900201A.101", 12));
+}
+
+TEST_F(OtherUnitTest, ExternalModuleThatIsNotInTheCatalogueKeepsItsProductionCodeAndIsLogged)
+{
+    m_drivers.extModules[6] = {"XYZZ", "900201A.101", ""};
+
+    EXPECT_EQ(extCode(12), inBuffer("900201A.101", 12));
+
+    EXPECT_THAT(m_platform.calls("Warning"),
+                ElementsAre("Warning 0x20063 ApiGetExtModuleVersion(6): module version not found "
+                            "(name from ddal = XYZZ)"));
+    EXPECT_EQ(static_cast<int>(ApiGetExtModuleVersion(6)), 14);
 }
 
 TEST_F(OtherUnitTest, ModuleThatIsAMacroModuleHasTheCode)
 {
     m_drivers.extModules[6] = {"VIGB", "900201A.101", ""};
-    EXPECT_EQ(
-        ask([](char* buffer, std::uint32_t length) { return ApiGetExtModuleProductionCode(6, buffer, length); }, 12),
-        inBuffer("900226A.101", 12));
+    EXPECT_EQ(extCode(12), inBuffer("900226A.101", 12));
 }
 
 } // namespace

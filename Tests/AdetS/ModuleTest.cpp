@@ -107,6 +107,17 @@ TEST_F(ModuleTest, ExternalModuleWhoseIdCannotBeReadIsTakenForVersion14)
                     "Warning 0x20063 ApiGetExtModuleVersion(12): module version not found (name from ddal = )"));
 }
 
+TEST_F(ModuleTest, PortBeyondTheGreatestSignedNumberIsLoggedWithASign)
+{
+    m_drivers.extModules[0x80000001].id = "XYZZ";
+
+    EXPECT_EQ(static_cast<int>(ApiGetExtModuleVersion(0x80000001)), 14);
+
+    EXPECT_EQ(m_platform.calls().front(), "ddal_devicetree_get_ext_module_unit_id(2147483649, 7)");
+    EXPECT_EQ(log().back(), "Warning 0x20063 ApiGetExtModuleVersion(-2147483647): module version not found "
+                            "(name from ddal = XYZZ)");
+}
+
 TEST_F(ModuleTest, ExternalModuleIsReadEachTime)
 {
     m_drivers.extModules[3].id = "VIGC";

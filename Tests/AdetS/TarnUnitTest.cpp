@@ -4,6 +4,8 @@
 
 #include "rad/ERadHwapi.h"
 
+#include <type_traits>
+
 namespace dorn::test {
 namespace {
 
@@ -54,6 +56,15 @@ TEST_P(TarnBoardTest, HasItsModuleVersion)
     EXPECT_EQ(ApiGetTarnModuleVersion(), GetParam().moduleVersion);
 }
 
+TEST_P(TarnBoardTest, HasItsModuleVersionByTheParameterBeforeTheDriversCode)
+{
+    m_platform.parameters[ERadHwapi_BoardType] = GetParam().code;
+    m_drivers.boardCode = GetParam().moduleVersion == 35 ? 3 : 2; // one with another module version
+
+    EXPECT_EQ(ApiGetTarnModuleVersion(), GetParam().moduleVersion);
+    EXPECT_THAT(driverCalls(), IsEmpty());
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Rows, TarnBoardTest,
     testing::Values(BoardRow{1, 0, "ETarnBoardType_Single", 34}, BoardRow{2, 1, "ETarnBoardType_Master", 35},
@@ -77,6 +88,14 @@ TEST_P(UnknownTarnBoardTest, IsTraced)
     EXPECT_EQ(ApiGetTarnModuleVersion(), EModuleVersion_Unknown);
 }
 
+TEST_P(UnknownTarnBoardTest, HasNoModuleVersionByTheParameter)
+{
+    m_platform.parameters[ERadHwapi_BoardType] = GetParam();
+    m_drivers.boardCode = GetParam() == 0 ? 0 : 2;
+
+    EXPECT_EQ(ApiGetTarnModuleVersion(), EModuleVersion_Unknown);
+}
+
 INSTANTIATE_TEST_SUITE_P(Codes, UnknownTarnBoardTest, testing::Values(0U, 10U, 0x101U, 0xFFFFFFFFU));
 
 class TarnUnitTest : public AutodetTest {
@@ -92,6 +111,12 @@ TEST_F(TarnUnitTest, EnumeratorsHaveTheirNumbers)
         ElementsAre(0, 1, 2, 3, 4, 5, 6));
     EXPECT_THAT((std::vector<int>{ETarnRatType_FDLte, ETarnRatType_TDLte, ETarnRatType_Wcdma, ETarnRatType_Unknown}),
                 ElementsAre(0, 1, 2, 3));
+}
+
+TEST_F(TarnUnitTest, EnumerationsAreSignedAndHave32Bits)
+{
+    EXPECT_TRUE((std::is_same_v<std::underlying_type_t<ETarnBoardType>, std::int32_t>));
+    EXPECT_TRUE((std::is_same_v<std::underlying_type_t<ETarnRatType>, std::int32_t>));
 }
 
 TEST_F(TarnUnitTest, BoardTypeIsAskedEachTime)

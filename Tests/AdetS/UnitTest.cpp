@@ -233,29 +233,86 @@ TEST_P(UnitVersionTest, IsTracedAfterTheType)
 
 INSTANTIATE_TEST_SUITE_P(Rows, UnitVersionTest,
                          testing::Values(VersionRow{0x203000, 6, "EUnitType_Firth", 10, "EUnitVersion_Firth_1"},
-                                         VersionRow{0x203FFF, 6, "EUnitType_Firth", 10, "EUnitVersion_Firth_1"},
-                                         VersionRow{0xFF216001, 6, "EUnitType_Firth", 22, "EUnitVersion_Firth_13"},
+                                         VersionRow{0x204000, 6, "EUnitType_Firth", 11, "EUnitVersion_Firth_2"},
+                                         VersionRow{0x205000, 6, "EUnitType_Firth", 12, "EUnitVersion_Firth_3"},
+                                         VersionRow{0x206000, 6, "EUnitType_Firth", 13, "EUnitVersion_Firth_4"},
+                                         VersionRow{0x207000, 6, "EUnitType_Firth", 14, "EUnitVersion_Firth_5"},
+                                         VersionRow{0x208000, 6, "EUnitType_Firth", 15, "EUnitVersion_Firth_6"},
+                                         VersionRow{0x20A000, 6, "EUnitType_Firth", 16, "EUnitVersion_Firth_7"},
+                                         VersionRow{0x20B000, 6, "EUnitType_Firth", 17, "EUnitVersion_Firth_8"},
+                                         VersionRow{0x20C000, 6, "EUnitType_Firth", 18, "EUnitVersion_Firth_9"},
+                                         VersionRow{0x20E000, 6, "EUnitType_Firth", 19, "EUnitVersion_Firth_10"},
+                                         VersionRow{0x20F000, 6, "EUnitType_Firth", 34, "EUnitVersion_Firth_AN"},
+                                         VersionRow{0x210000, 6, "EUnitType_Firth", 35, "EUnitVersion_Firth_BN"},
+                                         VersionRow{0x216000, 6, "EUnitType_Firth", 22, "EUnitVersion_Firth_13"},
+                                         VersionRow{0x212000, 6, "EUnitType_Firth", 20, "EUnitVersion_Firth_11"},
+                                         VersionRow{0x214000, 6, "EUnitType_Firth", 21, "EUnitVersion_Firth_12"},
+                                         VersionRow{0x500000, 9, "EUnitType_Holm", 23, "EUnitVersion_Holm_1"},
+                                         VersionRow{0x501000, 9, "EUnitType_Holm", 24, "EUnitVersion_Holm_2"},
+                                         VersionRow{0x502000, 9, "EUnitType_Holm", 25, "EUnitVersion_Holm_3"},
+                                         VersionRow{0x503000, 9, "EUnitType_Holm", 26, "EUnitVersion_Holm_4"},
+                                         VersionRow{0x504000, 9, "EUnitType_Holm", 27, "EUnitVersion_Holm_5"},
+                                         VersionRow{0x505000, 9, "EUnitType_Holm", 28, "EUnitVersion_Holm_6"},
+                                         VersionRow{0x506000, 9, "EUnitType_Holm", 29, "EUnitVersion_Holm_7"},
+                                         VersionRow{0x507000, 9, "EUnitType_Holm", 33, "EUnitVersion_Holm_N"},
+                                         VersionRow{0x508000, 9, "EUnitType_Holm", 30, "EUnitVersion_Holm_8"},
                                          VersionRow{0x509000, 9, "EUnitType_Holm", 31, "EUnitVersion_Holm_9"},
                                          VersionRow{0x600000, 10, "EUnitType_Howe", 36, "EUnitVersion_Howe_1"},
+                                         VersionRow{0x601000, 10, "EUnitType_Howe", 37, "EUnitVersion_Howe_2"},
+                                         VersionRow{0x602000, 10, "EUnitType_Howe", 38, "EUnitVersion_Howe_3"},
+                                         VersionRow{0x603000, 10, "EUnitType_Howe", 39, "EUnitVersion_Howe_4"},
+                                         VersionRow{0x701000, 11, "EUnitType_Knott", 40, "EUnitVersion_Knott_1"},
+                                         VersionRow{0x702000, 11, "EUnitType_Knott", 41, "EUnitVersion_Knott_2"},
                                          VersionRow{0x703000, 11, "EUnitType_Knott", 42, "EUnitVersion_Knott_3"},
-                                         VersionRow{0xA00000, 19, "EUnitType_Tarn", 51, "EUnitVersion_Tarn"},
+                                         VersionRow{0xA00000, 19, "EUnitType_Tarn", 51, "EUnitVersion_Tarn"}));
+
+INSTANTIATE_TEST_SUITE_P(OtherBits, UnitVersionTest,
+                         testing::Values(VersionRow{0x203FFF, 6, "EUnitType_Firth", 10, "EUnitVersion_Firth_1"},
+                                         VersionRow{0xFF216001, 6, "EUnitType_Firth", 22, "EUnitVersion_Firth_13"},
                                          VersionRow{0xA00123, 19, "EUnitType_Tarn", 51, "EUnitVersion_Tarn"},
                                          VersionRow{0xAFFFFF, 19, "EUnitType_Tarn", 51, "EUnitVersion_Tarn"}));
 
-class UnknownUnitVersionTest : public AutodetTest, public testing::WithParamInterface<std::uint32_t> {};
+struct UnknownVersionRow {
+    std::uint32_t hwSwId;
+    int type;
+    const char* typeName; ///< null when the type is unknown too
+};
 
-TEST_P(UnknownUnitVersionTest, IsTraced)
+void PrintTo(const UnknownVersionRow& row, std::ostream* stream)
 {
-    EXPECT_EQ(ApiGetUnitVersionFromHwSwId(GetParam()), EUnitVersion_Unknown);
-
-    EXPECT_EQ(log().back(),
-              formatted("Debug 0x20063 ApiGetUnitVersion: returning EUnitVersion_Unknown (hwswid:0x%x)", GetParam()));
-    EXPECT_EQ(log().size(), 2U);
+    *stream << std::hex << row.hwSwId;
 }
 
-INSTANTIATE_TEST_SUITE_P(Keys, UnknownUnitVersionTest,
-                         testing::Values(0U, 0x201000U, 0x202FFFU, 0x217000U, 0x50A000U, 0x604000U, 0x700FFFU,
-                                         0x704000U, 0x900000U, 0xB00000U));
+class UnknownUnitVersionTest : public AutodetTest, public testing::WithParamInterface<UnknownVersionRow> {
+protected:
+    static std::string typeLine()
+    {
+        const auto [hwSwId, type, typeName] = GetParam();
+        return typeName ? formatted("Debug 0x20063 ApiGetUnitType: hwswid = 0x%x, unit type = %d (%s)", hwSwId, type,
+                                    typeName)
+                        : formatted("Debug 0x20063 ApiGetUnitType: returning EUnitType_Unknown (hwswid:0x%x)", hwSwId);
+    }
+};
+
+TEST_P(UnknownUnitVersionTest, IsTracedAfterTheType)
+{
+    EXPECT_EQ(ApiGetUnitVersionFromHwSwId(GetParam().hwSwId), EUnitVersion_Unknown);
+
+    EXPECT_THAT(m_platform.calls(),
+                ElementsAre(typeLine(),
+                            formatted("Debug 0x20063 ApiGetUnitVersion: returning EUnitVersion_Unknown (hwswid:0x%x)",
+                                      GetParam().hwSwId)));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Keys, UnknownUnitVersionTest,
+    testing::Values(UnknownVersionRow{0, 22, nullptr}, UnknownVersionRow{0x201000, 6, "EUnitType_Firth"},
+                    UnknownVersionRow{0x202FFF, 6, "EUnitType_Firth"},
+                    UnknownVersionRow{0x217000, 6, "EUnitType_Firth"}, UnknownVersionRow{0x50A000, 9, "EUnitType_Holm"},
+                    UnknownVersionRow{0x604000, 10, "EUnitType_Howe"},
+                    UnknownVersionRow{0x700FFF, 11, "EUnitType_Knott"},
+                    UnknownVersionRow{0x704000, 11, "EUnitType_Knott"}, UnknownVersionRow{0x900000, 22, nullptr},
+                    UnknownVersionRow{0xB00000, 22, nullptr}));
 
 TEST_F(UnitTest, VersionIsThatOfTheHwSwId)
 {

@@ -18,7 +18,8 @@
 ///
 /// Buffers: @p length is the size of @p buffer in bytes. Two rules for how a text gets there:
 /// - ApiGetUnitId(), ApiGetUnitProductionCode() and ApiGetUnitSerialNumber() have the driver write into the buffer, and
-///   the driver terminates the text: at most @p length - 1 characters. A @p length of 0 is a failure.
+///   the driver terminates the text: at most @p length - 1 characters. A @p length of 0 is a failure. Macro simulation,
+///   see below, may leave a short buffer without terminator.
 /// - All others copy as `strncpy` does: at most @p length characters, the rest of the buffer filled with zeros, and *no
 ///   terminator when the text fills the buffer*. Give a byte more than the text has and start it at 0. A @p length of 0
 ///   copies nothing and is no failure.
@@ -101,7 +102,8 @@ EUnitVersion ApiGetLocalUnitVersion(void);
 
 // Production code and serial number of a unit.
 
-/// Reads the production code of a unit, at most 12 characters.
+/// Reads the production code of a unit, at most 12 characters. The driver terminates it; but where macro simulation
+/// puts its 7 characters into a buffer of 7 bytes or less, they fill it and stand there without terminator.
 TBoolean ApiGetUnitProductionCode(uint32_t unitId, char* buffer, uint32_t length);
 /// Copies the production code of the own unit. Kept.
 TBoolean ApiGetLocalUnitProductionCode(char* buffer, uint32_t length);

@@ -10,6 +10,7 @@
 #include "new/IdentityLog.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <string_view>
@@ -32,6 +33,8 @@ constexpr TarnBoardTypeRow tarnBoardTypeList[] = {
     {ETarnBoardType_Pico_DB, 9, "ETarnBoardType_Pico_DB"},
 };
 static_assert(std::size(tarnBoardTypeList) == 9);
+static_assert(sizeof(TarnBoardTypeRow) == 36 && offsetof(TarnBoardTypeRow, code) == 4 &&
+              offsetof(TarnBoardTypeRow, name) == 8);
 
 constexpr const char* technologyTag = "sys.orv.fpga.technology";
 
