@@ -35,8 +35,8 @@ bool isColourWanted(bool isTerminal, const char* noColour, const char* terminal)
     return isTerminal && !isRefused && canShow;
 }
 
-Console::Console(std::ostream& answer, std::ostream& remarks, bool isColoured)
-    : m_answer(answer), m_remarks(remarks), m_isColoured(isColoured)
+Console::Console(std::ostream& answer, std::ostream& remarks, bool isColoured, bool areRemarksLookedAt)
+    : m_answer(answer), m_remarks(remarks), m_isColoured(isColoured), m_areRemarksLookedAt(areRemarksLookedAt)
 {
 }
 
@@ -67,6 +67,14 @@ void Console::flush()
 void Console::remark(std::string_view text)
 {
     m_remarks << "dorn: " << text << '\n' << std::flush;
+}
+
+void Console::showProgress(std::string_view line)
+{
+    constexpr const char* emptyLine = "\r\033[K";
+    if (m_areRemarksLookedAt) {
+        m_remarks << emptyLine << line << std::flush;
+    }
 }
 
 bool Console::finish()

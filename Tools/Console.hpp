@@ -20,7 +20,8 @@ bool isColourWanted(bool isTerminal, const char* noColour, const char* terminal)
 /// The two streams of a command. Nothing but the answer goes to the first.
 class Console {
 public:
-    Console(std::ostream& answer, std::ostream& remarks, bool isColoured);
+    /// @param areRemarksLookedAt whether remarks go to a terminal, where a line can be taken back
+    Console(std::ostream& answer, std::ostream& remarks, bool isColoured, bool areRemarksLookedAt = false);
 
     /// Writes a part of the answer.
     void print(std::string_view text);
@@ -34,6 +35,10 @@ public:
     /// Says something that does not belong to the answer.
     void remark(std::string_view text);
 
+    /// Shows on a terminal how far a long work has come, in place of what was shown before; empty takes it away. Take
+    /// it away before anything is printed.
+    void showProgress(std::string_view line);
+
     /// Makes sure that the answer has been written. @return false when it has not; the reason has been said.
     bool finish();
 
@@ -44,6 +49,7 @@ private:
     std::ostream& m_answer;
     std::ostream& m_remarks;
     bool m_isColoured;
+    bool m_areRemarksLookedAt;
     int m_error = 0; ///< why the answer could not be written
 };
 

@@ -24,6 +24,8 @@ int digitValue(char digit)
     return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
 }
 
+constexpr std::uint64_t greatestSize = std::uint64_t{1} << 40U;
+
 bool isHexPrefixed(const std::string& text)
 {
     return text.starts_with("0x") || text.starts_with("0X");
@@ -57,6 +59,34 @@ std::uint64_t parseNumber(const std::string& what, const std::string& text, std:
         throw UsageError(what + ": " + text + " is too great; the greatest is " + std::to_string(greatest));
     }
     return *value;
+}
+
+std::uint64_t parseSize(const std::string& what, const std::string& text)
+{
+    constexpr std::string_view units = "KMG";
+    constexpr unsigned bitsPerUnit = 10;
+    const std::size_t unit = text.empty() ? units.npos : units.find(text.back());
+    const unsigned shift = unit == units.npos ? 0 : bitsPerUnit * (static_cast<unsigned>(unit) + 1);
+    const std::optional<std::uint64_t> count = readNumber(shift == 0 ? text : text.substr(0, text.size() - 1));
+    if (!count || *count > greatestSize >> shift) {
+        throw UsageError(what + ": '" + text + "' is not a size (a number of bytes, or of K, M, G, up to 1024G)");
+    }
+    return *count << shift;
+}
+
+std::string sizeText(std::uint64_t bytes)
+{
+    constexpr std::array units{"B", "KiB", "MiB", "GiB", "TiB"};
+    auto value = static_cast<double>(bytes);
+    std::size_t unit = 0;
+    while (value >= 1024 && unit + 1 < units.size()) {
+        value /= 1024;
+        ++unit;
+    }
+    const bool hasDecimal = unit != 0 && value < 9.95;
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), hasDecimal ? "%.1f %s" : "%.0f %s", value, units[unit]);
+    return text.data();
 }
 
 host::Nanoseconds parseSeconds(const std::string& what, const std::string& text)

@@ -24,6 +24,14 @@ std::optional<std::uint64_t> readNumber(const std::string& text);
 /// The number that a person gave for @p what. @throws UsageError when it is none or greater than @p greatest.
 std::uint64_t parseNumber(const std::string& what, const std::string& text, std::uint64_t greatest);
 
+/// The size that a person gave for @p what: "1000000", or "256M" with a unit of 1024 bytes and its powers. At most
+/// 1024G.
+/// @throws UsageError
+std::uint64_t parseSize(const std::string& what, const std::string& text);
+
+/// "250 B", "1.5 KiB", "12 MiB"
+std::string sizeText(std::uint64_t bytes);
+
 /// The duration that a person gave for @p what, in seconds with or without decimals, up to a million.
 /// @throws UsageError
 host::Nanoseconds parseSeconds(const std::string& what, const std::string& text);

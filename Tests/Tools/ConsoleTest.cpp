@@ -68,6 +68,26 @@ TEST(ConsoleTest, AnswerAndRemarksAreApart)
     EXPECT_EQ(console.remarks(), "dorn: reason\n");
 }
 
+TEST(ConsoleTest, ProgressIsShownOnATerminalInPlaceOfTheLast)
+{
+    TestConsole console(false, true);
+
+    console.console().showProgress("half");
+    console.console().showProgress("");
+
+    EXPECT_EQ(console.remarks(), "\r\033[Khalf\r\033[K");
+    EXPECT_EQ(console.answer(), "");
+}
+
+TEST(ConsoleTest, ProgressIsForNobodyElse)
+{
+    TestConsole console;
+
+    console.console().showProgress("half");
+
+    EXPECT_EQ(console.remarks(), "");
+}
+
 TEST(ConsoleTest, AnswerThatCannotBeWrittenIsAFailure)
 {
     BrokenBuffer full(ENOSPC);

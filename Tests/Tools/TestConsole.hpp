@@ -12,7 +12,10 @@ namespace dorn::tool {
 
 class TestConsole {
 public:
-    explicit TestConsole(bool isColoured = false) : m_console(m_answer, m_remarks, isColoured) {}
+    explicit TestConsole(bool isColoured = false, bool areRemarksLookedAt = false)
+        : m_console(m_answer, m_remarks, isColoured, areRemarksLookedAt)
+    {
+    }
 
     operator Console&() { return m_console; }
     Console& console() { return m_console; }

@@ -35,7 +35,8 @@ TEST(ValuesTest, LeadingZeroesDoNotMakeANumberOctal)
 
 TEST(ValuesTest, WhatIsNoNumberIsNotRead)
 {
-    for (const char* const text : {"", "0x", "x", "1x", " 1", "1 ", "-1", "+1", "0x-1", "1.5", "18446744073709551616"}) {
+    for (const char* const text :
+         {"", "0x", "x", "1x", " 1", "1 ", "-1", "+1", "0x-1", "1.5", "18446744073709551616"}) {
         EXPECT_FALSE(readNumber(text)) << "'" << text << "'";
     }
 }
@@ -45,6 +46,34 @@ TEST(ValuesTest, WrongNumberIsNamed)
     EXPECT_EQ(wrongNumber("12a", 100), "VALUE: '12a' is not a number (decimal, or hexadecimal behind 0x)");
     EXPECT_EQ(wrongNumber("101", 100), "VALUE: 101 is too great; the greatest is 100");
     EXPECT_EQ(wrongNumber("100", 100), "100");
+}
+
+TEST(ValuesTest, SizesMayHaveAUnit)
+{
+    EXPECT_EQ(parseSize("--limit", "0"), 0U);
+    EXPECT_EQ(parseSize("--limit", "1000"), 1000U);
+    EXPECT_EQ(parseSize("--limit", "3K"), 3072U);
+    EXPECT_EQ(parseSize("--limit", "256M"), 268435456U);
+    EXPECT_EQ(parseSize("--limit", "1024G"), std::uint64_t{1} << 40U);
+}
+
+TEST(ValuesTest, WrongSizeIsNamed)
+{
+    for (const std::string text : {"", "K", "1T", "1k", "1.5M", "-1", "1025G", "1099511627777"}) {
+        EXPECT_THAT([&text] { parseSize("--limit", text); },
+                    ThrowsMessage<UsageError>("--limit: '" + text +
+                                              "' is not a size (a number of bytes, or of K, M, G, up to 1024G)"));
+    }
+}
+
+TEST(ValuesTest, SizesAreShownInTheUnitThatFits)
+{
+    EXPECT_EQ(sizeText(0), "0 B");
+    EXPECT_EQ(sizeText(1023), "1023 B");
+    EXPECT_EQ(sizeText(1024), "1.0 KiB");
+    EXPECT_EQ(sizeText(10 * 1024), "10 KiB");
+    EXPECT_EQ(sizeText(256U << 20U), "256 MiB");
+    EXPECT_EQ(sizeText(std::uint64_t{3} << 50U), "3072 TiB");
 }
 
 TEST(ValuesTest, SecondsMayHaveDecimals)
