@@ -26,8 +26,8 @@ void BoardThermals::step(std::int32_t ambient)
 
 std::uint32_t BoardThermals::alarmLevel() const
 {
-    return static_cast<std::uint32_t>(m_temperature >= warmLimit) +
-           static_cast<std::uint32_t>(m_temperature >= hotLimit);
+    return static_cast<std::uint32_t>(m_temperature >= m_limits.warm) +
+           static_cast<std::uint32_t>(m_temperature >= m_limits.hot);
 }
 
 } // namespace dorn::examples

@@ -3,6 +3,7 @@
 
 #include "AaConfigTag.h"
 #include "AaSysLog.h"
+#include "ClimatePlan.hpp"
 #include "OwnUnit.hpp"
 
 #include <array>
@@ -37,6 +38,7 @@ unsigned int ClimateS::PreStartup()
 void ClimateS::Init()
 {
     logOwnUnit(GetRadId());
+    m_thermals.setLimits(plannedLimits(m_thermals.limits()));
     AddMsgHandler(&ClimateS::HandleTimeOut);
     AddMsgHandler(&ClimateS::HandleStatusReq);
     AddMsgHandler(&ClimateS::HandleLedSetResp);

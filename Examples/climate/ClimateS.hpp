@@ -12,8 +12,8 @@
 
 namespace dorn::examples {
 
-/// Measures every half second, drives the fan, has the LED service show how warm it is, and raises an alarm when the
-/// board gets hot. With the option --redundancy it takes part in switch-overs.
+/// Takes its limits from the board's plan, measures every half second, drives the fan, has the LED service show how
+/// warm it is, and raises an alarm when the board gets hot. With the option --redundancy it takes part in switch-overs.
 class ClimateS : public vel::hwapi::common::Service {
 public:
     ClimateS();

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "ComfortS.hpp"
 
+#include "BoardPlan.hpp"
 #include "ClimateMessages.hpp"
 #include "ComfortMessages.hpp"
 #include "OwnUnit.hpp"
 #include "reqforwarding/ReqDelegate.hpp"
+
+#include <array>
 
 namespace dorn::examples {
 
@@ -21,7 +24,16 @@ void ComfortS::Init()
     AddMsgDelegate(new ReqDelegate<ClimateStatusRespMsg>(m_reqs, &ReqHandler::HandleForwardedReqResp, GetRadId()));
     AddMsgDelegate(
         new ReqDelegate<ApiForwardTimeoutOutMsg>(m_reqs, &ReqHandler::HandleForwardedReqTimeout, GetRadId()));
+    takePlannedLimit(); // which a tag overrules
     SetObservedTag(comfortLimitTag);
+}
+
+void ComfortS::takePlannedLimit()
+{
+    constexpr std::int32_t hottest = 125; // degrees Celsius, what the sensor can tell
+    std::array<PlanNumber, 1> limit{{{"limit", 0, hottest, static_cast<std::int32_t>(m_reqs.limit.load())}}};
+    applyPlan(GetRadId(), comfortPlanObject, limit);
+    m_reqs.limit.store(static_cast<std::uint32_t>(limit.front().value));
 }
 
 void ComfortS::HandleConfigTagChange(std::string tag, unsigned int value)

@@ -65,12 +65,46 @@ void require(bool condition, const std::string& otherwise)
     }
 }
 
+/// The node's log from now on.
+class AwaitedLog {
+public:
+    /// Waits for a line whose text ends so, among those that came after the last one that was awaited.
+    host::LogLine nextLine(const std::string& ending);
+
+private:
+    host::LogReader m_log;
+    std::deque<host::LogLine> m_unread;
+};
+
+host::LogLine AwaitedLog::nextLine(const std::string& ending)
+{
+    const auto until = host::Clock::get().monotonic() + stepBound;
+    do {
+        while (!m_unread.empty()) {
+            host::LogLine line = std::move(m_unread.front());
+            m_unread.pop_front();
+            if (line.text.ends_with(ending)) {
+                return line;
+            }
+        }
+        std::ranges::move(m_log.next(until), std::back_inserter(m_unread));
+    } while (!m_unread.empty());
+    throw std::runtime_error("no log line ends with \"" + ending + "\"");
+}
+
+void show(const host::LogLine& line)
+{
+    std::printf("                  | %s %s\n", line.eeName.c_str(), line.text.c_str());
+}
+
 /// A board of its own, and what there is to be seen of it.
 class Demonstration {
 public:
     Demonstration()
     {
-        m_node.writeBoardFile("/opt/dorn/dorn.xml", contentOf(Board::files() / "opt/dorn/dorn.xml"));
+        for (const char* const file : {"opt/dorn/dorn.xml", "opt/dorn/plan.xml"}) {
+            m_node.writeBoardFile(std::string("/") + file, contentOf(Board::files() / file));
+        }
         setenv("DORN_BOARD", Board::description().c_str(), 1);
         require(AaConfigEarlyStartup() == 0, "the board's tags cannot be opened");
     }
@@ -79,7 +113,6 @@ public:
 
 private:
     void step(const char* text, const std::function<void()>& action);
-    host::LogLine nextLine(const std::string& ending);
     void awaitLine(const std::string& ending);
     std::optional<host::EeInfo> find(const std::string& name) const;
     void setSwitch(TAaConfigRadId id, std::uint32_t value);
@@ -88,6 +121,7 @@ private:
     bool isWaiting(const std::string& name) const;
     void startServices();
     void awaitUnits();
+    void applyPlan();
     void switchPrintsOn();
     void askClimate();
     void warmUp();
@@ -108,8 +142,8 @@ private:
 
     testkit::TestNode m_node{{.nodeId = std::nullopt, .log = "file", .logLevel = std::nullopt}};
     Board m_board;
-    host::LogReader m_log;
-    std::deque<host::LogLine> m_unread;
+    AwaitedLog m_log;
+    AwaitedLog m_startLog; ///< once more, for what services have told while all were waited for
     bool m_isAllWell = true;
     unsigned m_steps = 0;
 };
@@ -132,28 +166,9 @@ void Demonstration::step(const char* text, const std::function<void()>& action)
     std::fflush(stdout);
 }
 
-/// Waits for a log line whose text ends so, among those that came after the last one that was awaited.
-host::LogLine Demonstration::nextLine(const std::string& ending)
-{
-    const auto until = host::Clock::get().monotonic() + stepBound;
-    do {
-        while (!m_unread.empty()) {
-            host::LogLine line = std::move(m_unread.front());
-            m_unread.pop_front();
-            if (line.text.ends_with(ending)) {
-                return line;
-            }
-        }
-        std::ranges::move(m_log.next(until), std::back_inserter(m_unread));
-    } while (!m_unread.empty());
-    throw std::runtime_error("no log line ends with \"" + ending + "\"");
-}
-
-/// The same, and shows the line.
 void Demonstration::awaitLine(const std::string& ending)
 {
-    const host::LogLine line = nextLine(ending);
-    std::printf("                  | %s %s\n", line.eeName.c_str(), line.text.c_str());
+    show(m_log.nextLine(ending));
 }
 
 std::optional<host::EeInfo> Demonstration::find(const std::string& name) const
@@ -206,9 +221,15 @@ void Demonstration::awaitUnits()
     const std::string unit = "Runs on unit NAXE DN264700001: HW/SW id 0xA00100, type 19, version 51";
     std::set<std::string> tellers;
     while (tellers.size() < m_board.running().size()) {
-        tellers.insert(nextLine(unit).eeName);
+        tellers.insert(m_log.nextLine(unit).eeName);
     }
     std::printf("                  | %zu services: %s\n", tellers.size(), unit.c_str());
+}
+
+void Demonstration::applyPlan()
+{
+    show(m_startLog.nextLine("applied to Board=1,Climate=1: warmLimit=55 hotLimit=72"));
+    show(m_startLog.nextLine("applied to Board=1,Comfort=1: limit=50"));
 }
 
 void Demonstration::switchPrintsOn()
@@ -457,6 +478,7 @@ bool Demonstration::run()
 {
     step("nine services start as processes of their own, tell their unit and wait for messages",
          [this] { startServices(); });
+    step("ClimateS and ComfortS have applied the plan, a RAML document on the board", [this] { applyPlan(); });
     step("an operator switches prints on, and off again, while the services run", [this] { switchPrintsOn(); });
     step("a message to ClimateS is answered", [this] { askClimate(); });
     step("a configuration tag warms the air: ClimateS has LedS show amber", [this] { warmUp(); });

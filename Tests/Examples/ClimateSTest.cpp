@@ -5,11 +5,14 @@
 #include "AaConfigTag.h"
 #include "AaFault.h"
 #include "AlarmMessages.hpp"
+#include "BoardPlan.hpp"
+#include "ClimatePlan.hpp"
 #include "FailNth.hpp"
 #include "ManualClock.hpp"
 #include "NodeTest.hpp"
 #include "OutputCapture.hpp"
 #include "Peer.hpp"
+#include "PlanTexts.hpp"
 #include "RedundancyMessages.hpp"
 #include "ServiceUnderTest.hpp"
 
@@ -92,6 +95,40 @@ TEST_F(ClimateSTest, ReportThatCannotBeMadeIsTriedAgain)
 
     EXPECT_EQ(manager.expect<FaultIndMsg>()->faultId, EFaultId_BoardOverheated);
     EXPECT_GE(m_log.count("Error 0x20047 Heat not reported: faile to allocate SICAP message"), 1U);
+}
+
+TEST_F(ClimateSTest, LimitsAreThePlans)
+{
+    m_node.writeBoardFile(boardPlanFile,
+                          planFor(climatePlanObject, planned("warmLimit", "-5") + planned("hotLimit", "30")));
+    Peer manager(faultManagerCpid);
+    Peer led(ledServiceCpid);
+    ServiceUnderTest running(m_climate);
+    ASSERT_TRUE(running.waitUntilReady());
+    measure(running, 2);
+
+    EXPECT_EQ(manager.expect<FaultIndMsg>()->faultId, EFaultId_BoardOverheated);
+}
+
+TEST_F(ClimateSTest, LimitThatThePlanDoesNotHaveStaysAsItIs)
+{
+    EXPECT_EQ(plannedLimits({60, 75}), (ThermalLimits{60, 75}));
+    m_node.writeBoardFile(boardPlanFile, planFor(climatePlanObject, planned("hotLimit", "80")));
+    EXPECT_EQ(plannedLimits({60, 75}), (ThermalLimits{60, 80}));
+}
+
+TEST_F(ClimateSTest, LimitsThatMakeNoSenseAreNotApplied)
+{
+    const std::string begin = "Warning 0x20047 Plan /opt/dorn/plan.xml not applied to Board=1,Climate=1: ";
+    for (const auto& [parameters, trouble] :
+         {std::pair(planned("warmLimit", "75"), "it is hot before it is warm"),
+          std::pair(planned("warmLimit", "-41"), "warmLimit is no number from -40 to 125"),
+          std::pair(planned("hotLimit", "126"), "hotLimit is no number from -40 to 125")}) {
+        m_log.clear();
+        m_node.writeBoardFile(boardPlanFile, planFor(climatePlanObject, parameters));
+        EXPECT_EQ(plannedLimits({60, 75}), (ThermalLimits{60, 75}));
+        EXPECT_EQ(m_log.texts(), std::vector{begin + trouble});
+    }
 }
 
 TEST_F(ClimateSTest, ServiceRegistersOnlyWhenItIsToldTo)

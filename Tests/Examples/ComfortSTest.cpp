@@ -2,11 +2,13 @@
 #include "ComfortS.hpp"
 
 #include "AaConfigTag.h"
+#include "BoardPlan.hpp"
 #include "ClimateMessages.hpp"
 #include "ComfortMessages.hpp"
 #include "ManualClock.hpp"
 #include "NodeTest.hpp"
 #include "Peer.hpp"
+#include "PlanTexts.hpp"
 #include "ServiceUnderTest.hpp"
 
 #include <gmock/gmock.h>
@@ -72,6 +74,29 @@ TEST_F(ComfortSTest, LimitIsTheTags)
     answerOfClimate(31);
 
     EXPECT_EQ(comfort(), EComfort_TooWarm);
+}
+
+TEST_F(ComfortSTest, LimitIsThePlans)
+{
+    m_node.writeBoardFile(boardPlanFile, planFor(comfortPlanObject, planned("limit", "40")));
+    start();
+    ask();
+    answerOfClimate(41);
+    EXPECT_EQ(comfort(), EComfort_TooWarm);
+    ask();
+    answerOfClimate(40);
+    EXPECT_EQ(comfort(), EComfort_Comfortable);
+}
+
+TEST_F(ComfortSTest, TagOverrulesThePlan)
+{
+    m_node.writeBoardFile(boardPlanFile, planFor(comfortPlanObject, planned("limit", "40")));
+    AaConfigTagSetU32(comfortLimitTag, 60);
+    start();
+    ask();
+    answerOfClimate(60);
+
+    EXPECT_EQ(comfort(), EComfort_Comfortable);
 }
 
 TEST_F(ComfortSTest, NothingIsKnownWhileTheClimateServiceIsSilent)
