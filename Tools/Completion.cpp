@@ -15,6 +15,7 @@ struct Step {
     std::string words;
     std::string valueOptions; ///< options behind which a value stands
     std::string values;       ///< command that lists what the arguments can be
+    unsigned files = 0;       ///< how many of the first arguments are files
     bool isRepeated = false;  ///< whether there can be several arguments
 };
 
@@ -42,7 +43,7 @@ void addOption(const CLI::Option& option, Step& step)
 
 void collect(const Program& program, const CLI::App& command, const std::string& path, std::vector<Step>& steps)
 {
-    Step step{path, "", "", program.valuesOf(command), false};
+    Step step{path, "", "", program.valuesOf(command), program.filesOf(command), false};
     const std::vector<const CLI::App*> followers = command.get_subcommands([](const CLI::App*) { return true; });
     for (const CLI::App* const follower : followers) {
         addWord(step.words, follower->get_name());
@@ -67,9 +68,13 @@ std::string caseOf(const Step& step)
         text += "        case \"$previous\" in " + step.valueOptions + ") return ;; esac\n";
     }
     text += "        words=\"" + step.words + "\"\n";
-    if (!step.values.empty()) {
+    if (step.files != 0) {
+        const std::string count = std::to_string(step.files);
+        text += "        [ \"$arguments\" -ge " + count + " ] || areFiles=1\n";
+        text += "        [ \"$arguments\" -ne " + count + " ] || values=\"" + step.values + "\"\n";
+    } else if (!step.values.empty()) {
         const std::string condition = step.isRepeated ? "" : "[ \"$arguments\" -gt 0 ] || ";
-        text += "        " + condition + "values=\"" + step.values + "\"\n";
+        text += "        " + condition + "values=\"" + step.values + "\"\n        first=\"\"\n";
     }
     return text + "        ;;\n";
 }
@@ -77,13 +82,13 @@ std::string caseOf(const Step& step)
 constexpr const char* begin = R"bash(_dorn()
 {
     local current="${COMP_WORDS[COMP_CWORD]}" previous="${COMP_WORDS[COMP_CWORD-1]}"
-    local command="" words="" values="" word="" arguments=0
+    local command="" words="" values="" word="" first="" areFiles="" arguments=0
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         case "${command:+$command }$word" in
 )bash";
 
 constexpr const char* middle = R"bash(        *" -"*) ;;
-        *) arguments=$((arguments + 1)) ;;
+        *) arguments=$((arguments + 1)); [ "$arguments" -gt 1 ] || first="$word" ;;
         esac
     done
     case "$command" in
@@ -97,7 +102,12 @@ constexpr const char* end = R"bash(    esac
             if [[ -n "$word" && "$word" == "$current"* ]]; then
                 COMPREPLY+=("$(printf '%q' "$word")")
             fi
-        done <<< "$($values 2>/dev/null)"
+        done <<< "$($values ${first:+"$first"} 2>/dev/null)"
+    elif [[ -n "$areFiles" && "$current" != -* ]]; then
+        compopt -o filenames 2>/dev/null
+        while IFS= read -r word; do
+            [[ -z "$word" ]] || COMPREPLY+=("$word")
+        done <<< "$(compgen -f -- "$current")"
     else
         COMPREPLY=($(compgen -W "$words" -- "$current"))
     fi

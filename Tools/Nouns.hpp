@@ -16,6 +16,7 @@ void addLogNoun(Program& program);
 void addAlarmNoun(Program& program);
 void addRedundancyNoun(Program& program);
 void addBoardNoun(Program& program);
+void addRamlNoun(Program& program);
 void addCompletionNoun(Program& program);
 
 /// Adds them all, in the order of the help.
@@ -29,6 +30,7 @@ inline void addNouns(Program& program)
     addAlarmNoun(program);
     addRedundancyNoun(program);
     addBoardNoun(program);
+    addRamlNoun(program);
     addCompletionNoun(program);
 }
 

@@ -72,7 +72,7 @@ CLI::App& Program::addVerb(CLI::App& noun, const VerbText& text, Action action)
 {
     CLI::App& verb = *noun.add_subcommand(text.name, text.description);
     verb.group("Verbs")->footer("Example:\n  " + text.example);
-    m_verbs[&verb] = {std::move(action), text.values};
+    m_verbs[&verb] = {std::move(action), text.values, text.files};
     return verb;
 }
 
@@ -88,6 +88,12 @@ const std::string& Program::valuesOf(const CLI::App& verb) const
     static const std::string none;
     const auto found = m_verbs.find(&verb);
     return found == m_verbs.end() ? none : found->second.values;
+}
+
+unsigned Program::filesOf(const CLI::App& verb) const
+{
+    const auto found = m_verbs.find(&verb);
+    return found == m_verbs.end() ? 0 : found->second.files;
 }
 
 Outcome Program::run(const std::vector<std::string>& arguments, Console& console)

@@ -23,9 +23,15 @@ namespace dorn::tool {
 struct VerbText {
     std::string name;
     std::string description;
-    std::string example;    ///< one command line, as it would be typed
-    std::string values = {}; ///< command line that lists, line by line, what its arguments can be; for completion
+    std::string example; ///< one command line, as it would be typed
+    /// Command line that lists, line by line, what its arguments can be, but for those that are files; for completion.
+    std::string values = {};
+    /// How many of its first arguments are files; the command line of `values` gets the first behind it.
+    unsigned files = 0;
 };
+
+/// VerbText::files of a verb all of whose arguments are files.
+constexpr unsigned everyArgument = 0xFFFFFFFF;
 
 /// Does what a verb is for. May throw Failure, UsageError, and whatever the host provider throws.
 using Action = std::function<Outcome(Console&)>;
@@ -54,11 +60,14 @@ public:
     const CLI::App& commandLine() const { return *m_commandLine; }
     /// VerbText::values of a verb.
     const std::string& valuesOf(const CLI::App& verb) const;
+    /// VerbText::files of a verb.
+    unsigned filesOf(const CLI::App& verb) const;
 
 private:
     struct Verb {
         Action action;
         std::string values;
+        unsigned files;
     };
 
     Outcome carryOut(Console& console) const;

@@ -4,22 +4,34 @@
 #include "Nouns.hpp"
 #include "Process.hpp"
 #include "Program.hpp"
+#include "TestNode.hpp"
 
 #include <gtest/gtest.h>
 
 namespace dorn::tool {
 namespace {
 
+/// @p text as `bash` quotes it.
+std::string quoted(std::string text)
+{
+    for (std::size_t at = text.find(' '); at != std::string::npos; at = text.find(' ', at + 2)) {
+        text.insert(at, 1, '\\');
+    }
+    return text;
+}
+
 class CompletionTest : public ::testing::Test {
 protected:
     CompletionTest() { addNouns(m_program); }
 
-    /// What `bash` proposes for the last of these words, one a line; the command `dorn` itself is a function that
-    /// prints @p values.
-    std::string proposals(const std::vector<std::string>& words, const std::string& values = "") const
+    /// What `bash` proposes for the last of these words, one a line; the command `dorn` itself is a function that does
+    /// @p dorn, which is to print @p values.
+    std::string proposals(const std::vector<std::string>& words, const std::string& values = "",
+                          const std::string& dorn = "printf '%s' \"$VALUES\"") const
     {
         std::string script = bashCompletion(m_program);
-        script += "dorn() { printf '%s' \"$VALUES\"; }\n"
+        script += "dorn() { " + dorn +
+                  "; }\n"
                   "VALUES=$1; shift\n"
                   "COMP_WORDS=(dorn \"$@\"); COMP_CWORD=$#\n"
                   "_dorn\n"
@@ -38,8 +50,8 @@ protected:
 TEST_F(CompletionTest, NounsAreProposed)
 {
     EXPECT_EQ(proposals({""}),
-              "service\nrad\ntag\nmsg\nlog\nalarm\nredundancy\nboard\ncompletion\n--help\n-h\n--version\n");
-    EXPECT_EQ(proposals({"r"}), "rad\nredundancy\n");
+              "service\nrad\ntag\nmsg\nlog\nalarm\nredundancy\nboard\nraml\ncompletion\n--help\n-h\n--version\n");
+    EXPECT_EQ(proposals({"r"}), "rad\nredundancy\nraml\n");
 }
 
 TEST_F(CompletionTest, VerbsAreProposedBehindTheirNoun)
@@ -82,6 +94,38 @@ TEST_F(CompletionTest, OnlyTheFirstArgumentOfSetIsProposed)
 {
     EXPECT_EQ(proposals({"rad", "set", "HWA/FIRM", ""}, "HWA/FIRM\n"), "--help\n-h\n--hex\n--json\n");
     EXPECT_EQ(proposals({"rad", "watch", "HWA/FIRM", ""}, "HWA/FIRM\n"), "HWA/FIRM\n");
+}
+
+class FileCompletionTest : public CompletionTest {
+protected:
+    FileCompletionTest()
+    {
+        m_node.writeBoardFile("/plan.xml", "");
+        m_node.writeBoardFile("/plan two.xml", "");
+    }
+    std::string path(const std::string& file) const { return m_node.boardPath("/" + file); }
+
+    testkit::TestNode m_node;
+};
+
+TEST_F(FileCompletionTest, FilesAreProposedWhereAFileStands)
+{
+    EXPECT_EQ(proposals({"raml", "show", path("plan.")}, "Fan=1\n"), path("plan.xml") + "\n");
+    EXPECT_EQ(proposals({"raml", "check", path("plan.xml"), path("plan ")}), path("plan two.xml") + "\n");
+    EXPECT_EQ(proposals({"raml", "check", "--j"}), "--json\n");
+}
+
+TEST_F(FileCompletionTest, BehindAFileItsNamesAreProposed)
+{
+    EXPECT_EQ(proposals({"raml", "get", path("plan two.xml"), "F"}, "Fan=1\nFan=2\nLed=1\n"), "Fan=1\nFan=2\n");
+    EXPECT_EQ(proposals({"raml", "get", path("plan.xml"), "Fan=1", ""}, "Fan=1\n"), "--help\n-h\n--limit\n--json\n");
+}
+
+/// The file goes to the command that lists its names as one word.
+TEST_F(FileCompletionTest, NamesAreThoseOfTheFile)
+{
+    EXPECT_EQ(proposals({"raml", "show", path("plan two.xml"), ""}, "", "printf '%s\\n' \"$@\""),
+              "raml\nshow\n--names\n" + quoted(path("plan two.xml")) + "\n");
 }
 
 TEST_F(CompletionTest, NamesAreQuotedAndNeverEvaluated)

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The page about the command is held against the command.
+// The pages about the command are held against the command.
 #include "DornCommand.hpp"
 
 #include "Nouns.hpp"
 #include "Program.hpp"
+#include "ShownCommands.hpp"
 #include "TestNode.hpp"
 
 #include <CLI/CLI.hpp>
@@ -11,6 +12,7 @@
 #include <cctype>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <regex>
 #include <sstream>
 #include <wordexp.h>
@@ -18,46 +20,12 @@
 namespace dorn::tool {
 namespace {
 
-/// A command line behind a prompt, and what the page shows below it.
-struct ShownCommand {
-    std::string line; ///< from "dorn" on, without what the shell does around it
-    std::string output;
-};
-
-/// From "dorn" to where the shell's own business begins.
-std::string commandIn(const std::string& prompted)
+/// From "dorn" to where the shell's own business begins; empty when there is no such command.
+std::string commandIn(const std::string& typed)
 {
     static const std::regex command(R"((^|[ (])dorn( [^|;()<>]*)?)");
     std::smatch found;
-    if (!std::regex_search(prompted, found, command)) {
-        return "";
-    }
-    return "dorn" + found[2].str();
-}
-
-/// Reads the code blocks of the page: those behind four blanks.
-std::vector<ShownCommand> readCommands(std::istream& page)
-{
-    const std::string indent = "    ";
-    const std::string prompt = indent + "$ ";
-    std::vector<ShownCommand> commands;
-    bool isInside = false;
-    for (std::string line; std::getline(page, line);) {
-        if (line.starts_with(prompt)) {
-            commands.push_back({commandIn(line.substr(prompt.size())), ""});
-            isInside = true;
-        } else if (isInside && (line.starts_with(indent) || line.empty())) {
-            commands.back().output += (line.empty() ? line : line.substr(indent.size())) + "\n";
-        } else {
-            isInside = false;
-        }
-    }
-    for (ShownCommand& command : commands) {
-        while (command.output.ends_with("\n\n") || command.output == "\n") { // the empty line behind the block
-            command.output.pop_back();
-        }
-    }
-    return commands;
+    return std::regex_search(typed, found, command) ? "dorn" + found[2].str() : "";
 }
 
 /// The words as the shell would split them, without the first.
@@ -111,11 +79,14 @@ protected:
     DornCommandDocumentTest()
     {
         addNouns(m_program);
-        std::ifstream page(DORN_COMMAND_DOCUMENT);
-        m_commands = readCommands(page);
-        page.clear();
-        page.seekg(0);
-        m_text = {std::istreambuf_iterator<char>(page), {}};
+        for (const char* const path : {DORN_COMMAND_DOCUMENT, DORN_RAML_DOCUMENT}) {
+            std::ifstream page(path);
+            const std::string text{std::istreambuf_iterator<char>(page), {}};
+            m_text += text;
+            for (const ShownCommand& shown : shownCommands(text)) {
+                m_commands.push_back({commandIn(shown.typed), shown.output});
+            }
+        }
     }
 
     Program m_program;
@@ -128,12 +99,12 @@ TEST_F(DornCommandDocumentTest, EveryCommandLineIsUnderstood)
 {
     EXPECT_GE(m_commands.size(), 14U);
     for (const ShownCommand& command : m_commands) {
-        ASSERT_NE(command.line, "");
+        ASSERT_NE(command.typed, "");
         const testkit::TestNode empty;
 
-        const CommandResult result = dorn(argumentsOf(command.line));
+        const CommandResult result = dorn(argumentsOf(command.typed));
 
-        EXPECT_NE(result.status, 2) << command.line << "\n" << result.remarks;
+        EXPECT_NE(result.status, 2) << command.typed << "\n" << result.remarks;
     }
 }
 
@@ -158,7 +129,7 @@ TEST_F(DornCommandDocumentTest, EveryVerbIsShown)
 {
     for (const std::string& verb : verbsBelow(m_program.commandLine())) {
         const bool isShown = std::any_of(m_commands.begin(), m_commands.end(), [&verb](const ShownCommand& command) {
-            return (command.line + " ").starts_with(verb + " ") && command.line.find("--help") == std::string::npos;
+            return (command.typed + " ").starts_with(verb + " ") && command.typed.find("--help") == std::string::npos;
         });
 
         EXPECT_TRUE(isShown) << "no example of '" << verb << "'";
@@ -169,8 +140,8 @@ TEST_F(DornCommandDocumentTest, QuotedHelpIsWhatIsPrinted)
 {
     unsigned count = 0;
     for (const ShownCommand& command : m_commands) {
-        if (command.line.ends_with(" --help")) {
-            EXPECT_EQ(command.output, dorn(argumentsOf(command.line)).answer) << command.line;
+        if (command.typed.ends_with(" --help")) {
+            EXPECT_EQ(command.output, dorn(argumentsOf(command.typed)).answer) << command.typed;
             ++count;
         }
     }

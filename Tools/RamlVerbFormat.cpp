@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#include "RamlVerbs.hpp"
+
+#include "Program.hpp"
+#include "RamlReading.hpp"
+#include "RamlWriting.hpp"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+namespace dorn::tool {
+namespace {
+
+struct FormatOptions {
+    std::string file;
+    RamlInput input;
+    RamlWritingOptions writing;
+};
+
+Outcome format(const FormatOptions& options, Console& console)
+{
+    const RAML::RAML_Type::pointer document = readGoodRaml(options.file, options.input, console);
+    const WrittenRaml written = writeRaml(*document, options.writing.isForced);
+    if (options.writing.asJson) {
+        console.print(jsonText(writtenRamlJson(written)));
+    } else {
+        printWrittenRaml(written, console);
+    }
+    return Outcome::Fine;
+}
+
+} // namespace
+
+void addRamlFormat(Program& program, CLI::App& noun)
+{
+    const auto options = std::make_shared<FormatOptions>();
+    CLI::App& verb = program.addVerb(noun,
+                                     {"format", "Prints a document as services write it; tells what gets lost",
+                                      "dorn raml format plan.xml", "", everyArgument},
+                                     [options](Console& console) { return format(*options, console); });
+    verb.add_option("FILE", options->file, "The document, \"-\" for standard input")->required();
+    addRamlInput(verb, options->input);
+    addRamlWriting(verb, options->writing);
+}
+
+} // namespace dorn::tool
