@@ -101,7 +101,6 @@ void checkDocument(const XmlDocument& document, XmlFaultPolicy policy, const Lim
     if (document.fault) {
         limits.check(document.fault->line, document.fault->column);
         require(!document.fault->reason.empty() && document.fault->reason.size() < 200);
-        require(!document.fault->isUnsupported || !document.root);
     }
     if (document.root) {
         checkTree(*document.root, limits);
