@@ -333,8 +333,7 @@ INSTANTIATE_TEST_SUITE_P(
              block + " log(t,a,,,) A:A-1()"}),
     nameOf);
 
-// ------------------------------------------------------------------------------------------------------- managed
-// object
+// ----------------------------------------------------------------------------------------------------- managed object
 
 const std::string noClass = violation + "missing required attribute 'class' in element [managedObject].";
 const std::string noDistName = violation + "missing required attribute 'distName' in element [managedObject].";
