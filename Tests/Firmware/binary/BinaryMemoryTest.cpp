@@ -36,28 +36,34 @@ protected:
     static std::set<std::int32_t> resultsOf(const std::function<std::int32_t()>& call)
     {
         EXPECT_EQ(call(), 0);
+        callFailing(call, 1); // what the first line of the log makes is there from now on
         const std::ptrdiff_t descriptors = testkit::openDescriptors();
         std::set<std::int32_t> results;
         for (std::size_t nth = 1;; ++nth) {
-            std::int32_t result = 0;
-            if (!fails(call, nth, result)) {
-                EXPECT_EQ(result, 0);
+            const std::ptrdiff_t blocks = liveBlocks();
+            const Outcome outcome = callFailing(call, nth);
+            EXPECT_EQ(liveBlocks(), blocks) << "allocation " << nth;
+            if (!outcome.hasFailed) {
+                EXPECT_EQ(outcome.result, 0);
                 EXPECT_GT(nth, 2U);
                 EXPECT_EQ(testkit::openDescriptors(), descriptors);
                 return results;
             }
-            results.insert(result);
+            results.insert(outcome.result);
         }
     }
 
-    /// @return whether allocation @p nth of a call has come, and so failed.
-    static bool fails(const std::function<std::int32_t()>& call, std::size_t nth, std::int32_t& result)
+    struct Outcome {
+        bool hasFailed; ///< whether the allocation has come
+        std::int32_t result;
+    };
+
+    /// Has allocation @p nth of a call fail.
+    static Outcome callFailing(const std::function<std::int32_t()>& call, std::size_t nth)
     {
-        const std::ptrdiff_t blocks = liveBlocks();
         const FailingNew noMemory(nth);
-        result = call();
-        EXPECT_EQ(liveBlocks(), blocks) << "allocation " << nth;
-        return noMemory.hasFailed();
+        const std::int32_t result = call();
+        return {noMemory.hasFailed(), result};
     }
 
     /// Makes an image whose trailer fits no small allocation.
