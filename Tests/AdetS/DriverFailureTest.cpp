@@ -83,6 +83,41 @@ TEST_P(DriverFailureTest, IsLoggedAndTheNextCallAsksAgain)
     EXPECT_EQ(m_platform.calls(call.driver + "(").size(), call.isKept ? 0U : 1U);
 }
 
+/// A text that is kept, and the driver's function that gives it.
+struct KeptText {
+    TBoolean (*function)(char* buffer, std::uint32_t length);
+    const char* driver;
+    const char* known;
+};
+
+void PrintTo(const KeptText& text, std::ostream* stream)
+{
+    *stream << text.driver;
+}
+
+class KeptTextTest : public AutodetTest, public testing::WithParamInterface<KeptText> {};
+
+TEST_P(KeptTextTest, WhatADriverWritesAlthoughItFailsIsNeitherCopiedNorKept)
+{
+    const auto& [function, driver, known] = GetParam();
+    m_drivers.module = {"VIGC", "900201A.101", "M1200000002"};
+    m_drivers.writesAlthoughItFails = true;
+    m_platform.setResult(driver, 9);
+    EXPECT_EQ(text(function), nothingWritten);
+
+    m_platform.setResult(driver, DDAL_OK);
+    EXPECT_EQ(text(function), known);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, KeptTextTest,
+    testing::Values(KeptText{ApiGetLocalUnitId, "ddal_devicetree_get_unit_id", "TARN"},
+                    KeptText{ApiGetLocalUnitProductionCode, "ddal_devicetree_get_production_code", "900001A.101"},
+                    KeptText{ApiGetLocalUnitSerialNumber, "ddal_devicetree_get_serial_number", "L1200000001"},
+                    KeptText{ApiGetModuleId, "ddal_devicetree_get_module_unit_id", "VIGC"},
+                    KeptText{ApiGetModuleProductionCode, "ddal_devicetree_get_module_production_code", "900201A.101"},
+                    KeptText{ApiGetModuleSerialNumber, "ddal_devicetree_get_module_serial_number", "M1200000002"}));
+
 const std::string unitIdFailed = "ApiGetUnitId(): ddal_devicetree_get_unit_id() returned '0x%x' (not DDAL_OK)";
 const std::string hwSwIdFailed = "ApiGetUnitHwSwId(): ddal_devicetree_get_hw_sw_id() returned '0x%x' (not DDAL_OK)";
 const std::string productionCodeFailed =

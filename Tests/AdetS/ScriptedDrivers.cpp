@@ -64,11 +64,20 @@ std::int32_t answerInBuffer(const std::string& text, std::uint32_t size, char* b
     return answer(text, std::uint64_t{size} - 1, buffer);
 }
 
+/// Fails with @p result.
+std::int32_t fail(std::int32_t result, std::uint64_t most, char* buffer)
+{
+    if (ScriptedDrivers::get().writesAlthoughItFails) {
+        answer("rubbish", most, buffer);
+    }
+    return result;
+}
+
 std::int32_t answerOfUnit(const std::string& call, std::uint32_t unit, std::string UnitDescription::*text,
                           std::uint32_t size, char* buffer)
 {
     if (const std::int32_t result = note(call); result != DDAL_OK) {
-        return result;
+        return fail(result, size - 1, buffer);
     }
     const auto& units = ScriptedDrivers::get().units;
     const auto found = units.find(unit);
@@ -79,7 +88,8 @@ std::int32_t answerOfModule(const std::string& call, std::string ModuleDescripti
                             char* buffer)
 {
     const std::int32_t result = note(call);
-    return result != DDAL_OK ? result : answerInBuffer(ScriptedDrivers::get().module.*text, size, buffer);
+    return result != DDAL_OK ? fail(result, size - 1, buffer)
+                             : answerInBuffer(ScriptedDrivers::get().module.*text, size, buffer);
 }
 
 std::int32_t answerOfExtModule(const std::string& call, std::uint32_t port, std::string ModuleDescription::*text,
@@ -101,7 +111,7 @@ std::int32_t ddal_devicetree_get_unit_id(std::uint32_t unit, std::uint32_t maxLe
 {
     if (const std::int32_t result = note(formatted("ddal_devicetree_get_unit_id(%u, %u)", unit, maxLength));
         result != DDAL_OK) {
-        return result;
+        return fail(result, maxLength, buffer);
     }
     const auto& units = ScriptedDrivers::get().units;
     const auto found = units.find(unit);

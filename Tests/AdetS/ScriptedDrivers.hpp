@@ -43,6 +43,7 @@ public:
     ddal_xcvr_hw_capability capability{};
     std::uint32_t boardCode = 0;
     std::uint16_t rioId = 0;
+    bool writesAlthoughItFails = false; ///< the texts of units and modules, although the seam forbids it
 };
 
 } // namespace dorn::test
