@@ -7,6 +7,8 @@
 #include "TestNode.hpp"
 
 #include <gtest/gtest.h>
+#include <set>
+#include <sstream>
 
 namespace dorn::tool {
 namespace {
@@ -50,8 +52,25 @@ protected:
 TEST_F(CompletionTest, NounsAreProposed)
 {
     EXPECT_EQ(proposals({""}),
-              "service\nrad\ntag\nmsg\nlog\nalarm\nredundancy\nboard\nraml\ncompletion\n--help\n-h\n--version\n");
-    EXPECT_EQ(proposals({"r"}), "rad\nredundancy\nraml\n");
+              "service
+rad
+tag
+msg
+log
+alarm
+redundancy
+board
+raml
+image
+completion
+--help
+-h
+--version
+");
+    EXPECT_EQ(proposals({"r"}), "rad
+redundancy
+raml
+");
 }
 
 TEST_F(CompletionTest, VerbsAreProposedBehindTheirNoun)
@@ -131,6 +150,30 @@ TEST_F(FileCompletionTest, NamesAreThoseOfTheFile)
 TEST_F(CompletionTest, NamesAreQuotedAndNeverEvaluated)
 {
     EXPECT_EQ(proposals({"tag", "get", ""}, "a b\n$(echo evil)\n*\n"), "a\\ b\n\\$\\(echo\\ evil\\)\n\\*\n");
+}
+
+TEST_F(CompletionTest, ImagesAndPayloadsAreFiles)
+{
+    const testkit::TestNode node;
+    node.writeBoardFile("/fpga image.bin", "");
+    node.writeBoardFile("/fpga.rbf", "");
+    node.writeBoardFile("/other", "");
+    const std::string begin = node.boardRoot() + "/fp";
+    const auto proposed = [&](const std::vector<std::string>& words) {
+        std::istringstream lines(proposals(words));
+        std::multiset<std::string> names;
+        for (std::string line; std::getline(lines, line);) {
+            names.insert(line);
+        }
+        return names;
+    };
+    const std::multiset<std::string> both{node.boardRoot() + "/fpga image.bin", node.boardRoot() + "/fpga.rbf"};
+
+    EXPECT_EQ(proposed({"image", "show", begin}), both);
+    EXPECT_EQ(proposed({"image", "create", "payload", begin}), both);
+    EXPECT_EQ(proposed({"image", "verify", "one", "two", "three", begin}), both);
+    EXPECT_EQ(proposals({"image", "show", "one", begin}), "");
+    EXPECT_EQ(proposals({"image", "verify", "--hwswid", begin}), "");
 }
 
 TEST_F(CompletionTest, NodeWithoutServicesProposesNothing)
