@@ -25,7 +25,8 @@ typedef struct AaFile AaFile;
 ///   not fit.
 int32_t AaFileGetBoardPath(const char* path, char* buffer, uint32_t bufferSize);
 
-/// Opens a file. @param mode as for `fopen`: "r", "w", "a", each with "+" and "b" where wanted.
+/// Opens a file. @param mode as for `fopen`: "r", "w", "a", each with "+" and "b" where wanted, "w" also with "x": the
+///   file must not be there yet, not even as a symbolic link.
 /// Waits for nobody at the other end of a named pipe: one without writer is empty, one without reader cannot be
 /// written.
 /// @return the file; null when it cannot be opened (`errno` tells why).

@@ -103,12 +103,13 @@ int32_t AaFileGetBoardPath(const char* path, char* buffer, uint32_t bufferSize)
 
 AaFile* AaFileOpen(const char* path, const char* mode)
 {
-    const std::string place = dorn::host::placeOf(path);
-    if (place.empty()) {
-        return nullptr;
-    }
     const int flags = dorn::host::openFlags(mode);
     if (dorn::host::isError(flags)) {
+        return nullptr;
+    }
+    using dorn::host::LastLink;
+    const std::string place = dorn::host::placeOf(path, (flags & O_EXCL) != 0 ? LastLink::Kept : LastLink::Followed);
+    if (place.empty()) {
         return nullptr;
     }
     dorn::host::Descriptor descriptor(dorn::host::openWithoutWaiting(place.c_str(), flags));

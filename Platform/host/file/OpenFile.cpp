@@ -18,18 +18,20 @@ int openFlags(const char* mode)
         return -EINVAL;
     }
     const std::string_view options = mode + 1;
-    const bool isPlain = std::all_of(options.begin(), options.end(), [](char c) { return c == '+' || c == 'b'; });
-    const int access = options.find('+') != std::string_view::npos ? O_RDWR : -1;
-    if (!isPlain || options.size() > 2) {
+    const auto has = [options](char option) { return options.find(option) != std::string_view::npos; };
+    const std::string_view known = *mode == 'w' ? "+bx" : "+b";
+    if (options.find_first_not_of(known) != std::string_view::npos || options.size() > known.size()) {
         return -EINVAL;
     }
+    const int reading = has('+') ? O_RDWR : O_RDONLY;
+    const int writing = has('+') ? O_RDWR : O_WRONLY;
     switch (*mode) {
     case 'r':
-        return access < 0 ? O_RDONLY : access;
+        return reading;
     case 'w':
-        return (access < 0 ? O_WRONLY : access) | O_CREAT | O_TRUNC;
+        return writing | O_CREAT | O_TRUNC | (has('x') ? O_EXCL : 0);
     case 'a':
-        return (access < 0 ? O_WRONLY : access) | O_CREAT | O_APPEND;
+        return writing | O_CREAT | O_APPEND;
     default:
         return -EINVAL;
     }

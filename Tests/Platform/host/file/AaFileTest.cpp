@@ -155,6 +155,28 @@ TEST_F(AaFileTest, OpeningForWritingEmptiesTheFile)
     EXPECT_EQ(m_node.readBoardFile("/a"), "");
 }
 
+TEST_F(AaFileTest, OpeningForWritingANewFileWantsNone)
+{
+    write(open("/a", "wx"), "one");
+    EXPECT_EQ(AaFileOpen("/a", "wx"), nullptr);
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_EQ(AaFileOpen("/a", "w+bx"), nullptr);
+    EXPECT_EQ(m_node.readBoardFile("/a"), "one");
+}
+
+TEST_F(AaFileTest, NewFileIsNotWrittenThroughALink)
+{
+    m_node.writeBoardFile("/file", "untouched");
+    std::filesystem::create_symlink("/file", m_node.boardRoot() + "/link");
+    std::filesystem::create_symlink("/missing", m_node.boardRoot() + "/dangling");
+    for (const char* const link : {"/link", "/dangling"}) {
+        EXPECT_EQ(AaFileOpen(link, "wx"), nullptr) << link;
+        EXPECT_EQ(errno, EEXIST);
+    }
+    EXPECT_EQ(m_node.readBoardFile("/file"), "untouched");
+    EXPECT_FALSE(std::filesystem::exists(m_node.boardRoot() + "/missing"));
+}
+
 TEST_F(AaFileTest, OpeningForAppendingKeepsTheFile)
 {
     m_node.writeBoardFile("/a", "one ");
@@ -172,7 +194,7 @@ TEST_F(AaFileTest, OpeningForUpdateKeepsTheFile)
 
 TEST_F(AaFileTest, WrongModeIsRefused)
 {
-    for (const char* const mode : {"", "x", "rw", "r+b+", "rx", "+r"}) {
+    for (const char* const mode : {"", "x", "rw", "r+b+", "rx", "ax", "w+bx+", "+r"}) {
         errno = 0;
         EXPECT_EQ(AaFileOpen("/a", mode), nullptr) << mode;
         EXPECT_EQ(errno, EINVAL) << mode;
