@@ -172,13 +172,13 @@ TestBoard& TestBoard::remove(const std::string& path)
     return *this;
 }
 
-void TestBoard::fail(const std::string& function, std::int32_t code, std::uint32_t times) const
+void TestBoard::fail(const std::string& function, std::int32_t code, std::uint32_t times, std::uint32_t after) const
 {
     const auto known = board::DriverFunction::named(function);
     if (!known) {
         throw std::invalid_argument("there is no driver function '" + function + "'");
     }
-    host::PerNode<board::FaultStore>::get().set(*known, code, times);
+    host::PerNode<board::FaultStore>::get().set(*known, code, times, after);
 }
 
 void TestBoard::write() const

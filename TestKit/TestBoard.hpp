@@ -37,10 +37,10 @@ public:
     /// Takes away a node with everything below it, or a property: "units/unit@0/dorn,unit-id". "" is the whole board.
     TestBoard& remove(const std::string& path);
 
-    /// Has the next @p times calls of a driver function fail with @p code, in this process and in all others of the
-    /// node: what `dorn board fault` does. FailNth is for this process alone.
+    /// Has the next @p times calls of a driver function, behind @p after calls that work, fail with @p code, in this
+    /// process and in all others of the node: what `dorn board fault` does. FailNth is for this process alone.
     /// @param function "ddal_fpga_update_mod"; another word throws std::invalid_argument
-    void fail(const std::string& function, std::int32_t code, std::uint32_t times = 1) const;
+    void fail(const std::string& function, std::int32_t code, std::uint32_t times = 1, std::uint32_t after = 0) const;
 
     /// Where the blob lies: the value of `DORN_BOARD`.
     const std::string& path() const { return m_path; }

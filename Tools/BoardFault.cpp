@@ -25,7 +25,9 @@ struct FaultOptions {
     std::string function;
     std::string code;
     std::string times;
+    std::string after;
     bool isAlways = false;
+    bool isPowerLoss = false;
     bool isClear = false;
     bool asJson = false;
     bool asNames = false;
@@ -48,9 +50,9 @@ DriverFunction functionOf(const std::string& name)
 std::int32_t codeOf(const std::string& text)
 {
     const bool isNegative = text.starts_with('-');
-    const std::uint64_t greatest = isNegative ? 0x80000000U : 0xFFFFFFFFU;
+    const std::uint64_t greatest = isNegative ? 0x7FFFFFFFU : 0xFFFFFFFFU;
     const auto number = readNumber(isNegative ? text.substr(1) : text);
-    if (!number || *number == 0 || *number > greatest) {
+    if (!number || *number == 0 || *number > greatest || *number == static_cast<std::uint32_t>(FaultStore::powerLoss)) {
         throw UsageError("--code: '" + text +
                          "' is no result of a function that fails: a number of 32 bits, not 0; "
                          "'dorn board fault --codes' lists those that have a meaning");
@@ -123,17 +125,26 @@ Outcome clear(const FaultOptions& options)
     return Outcome::Fine;
 }
 
+std::uint32_t afterOf(const FaultOptions& options)
+{
+    constexpr std::uint64_t greatest = 0xFFFFFFFF;
+    return options.after.empty() ? 0 : static_cast<std::uint32_t>(parseNumber("--after", options.after, greatest));
+}
+
 Outcome set(const FaultOptions& options, Console& console)
 {
-    const DriverFault fault{functionOf(options.function), codeOf(options.code), timesOf(options), 0};
-    answerOf(awaited, [&fault] { host::PerNode<FaultStore>::get().set(fault.function, fault.code, fault.left); });
+    const std::int32_t code = options.isPowerLoss ? FaultStore::powerLoss : codeOf(options.code);
+    const DriverFault fault{functionOf(options.function), code, timesOf(options), 0, afterOf(options)};
+    answerOf(awaited,
+             [&fault] { host::PerNode<FaultStore>::get().set(fault.function, fault.code, fault.left, fault.after); });
     console.print(options.asJson ? jsonText(faultJson(fault)) : faultText(fault) + "\n");
     return Outcome::Fine;
 }
 
 Outcome fault(const FaultOptions& options, Console& console)
 {
-    const bool isOrder = !options.code.empty() || !options.times.empty() || options.isAlways;
+    const bool isOrder = !options.code.empty() || !options.times.empty() || !options.after.empty() ||
+                         options.isAlways || options.isPowerLoss;
     if (options.asNames || options.asCodes) {
         if (isOrder || options.isClear || options.asJson || !options.function.empty()) {
             throw UsageError("--names and --codes list what there is, and take nothing else");
@@ -142,7 +153,7 @@ Outcome fault(const FaultOptions& options, Console& console)
     }
     if (options.isClear) {
         if (isOrder) {
-            throw UsageError("--clear takes a fault away, and --code, --times and --always make one");
+            throw UsageError("--clear takes a fault away, and the other options make one");
         }
         return clear(options);
     }
@@ -152,8 +163,9 @@ Outcome fault(const FaultOptions& options, Console& console)
         }
         return list(options, console);
     }
-    if (options.code.empty()) {
-        throw UsageError("give --code, the result with which '" + options.function + "' is to fail, or --clear");
+    if (options.code.empty() && !options.isPowerLoss) {
+        throw UsageError("give --code, the result with which '" + options.function +
+                         "' is to fail, --power-loss or --clear");
     }
     return set(options, console);
 }
@@ -169,11 +181,19 @@ void addBoardFault(Program& program, CLI::App& noun)
                          "dorn board fault ddal_fpga_update_mod --code 12 --times 3", "dorn board fault --names"},
                         [options](Console& console) { return fault(*options, console); });
     verb.add_option("FUNCTION", options->function, "The function, with or without 'ddal_'");
-    verb.add_option("--code", options->code, "The result that it returns; --codes lists those with a meaning")
-        ->type_name("N");
+    CLI::Option* const code =
+        verb.add_option("--code", options->code, "The result that it returns; --codes lists those with a meaning")
+            ->type_name("N");
     CLI::Option* const times =
         verb.add_option("--times", options->times, "The calls that fail; 1 without it")->type_name("N");
-    verb.add_flag("--always", options->isAlways, "Every call fails until --clear")->excludes(times);
+    verb.add_option("--after", options->after, "The calls that work before; 0 without it")->type_name("N");
+    CLI::Option* const always =
+        verb.add_flag("--always", options->isAlways, "Every call fails until --clear")->excludes(times);
+    verb.add_flag("--power-loss", options->isPowerLoss,
+                  "The board loses its power in the call, half way where it flashes something")
+        ->excludes(code)
+        ->excludes(times)
+        ->excludes(always);
     verb.add_flag("--clear", options->isClear, "Has FUNCTION work again; all of them without one");
     verb.add_flag("--json", options->asJson, "Prints JSON");
     CLI::Option* const names =

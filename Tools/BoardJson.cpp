@@ -65,7 +65,10 @@ Json transceiversJson(const std::vector<std::uint32_t>& capability)
 
 Json flashedJson(const board::FlashedImage& image)
 {
-    return {{"size", image.size}, {"version", numberOrNull(image.version)}, {"pending", image.isPending}};
+    return {{"size", image.size},
+            {"whole", image.isWhole},
+            {"version", numberOrNull(image.version)},
+            {"pending", image.isPending}};
 }
 
 Json slotJson(const SlotView& slot)

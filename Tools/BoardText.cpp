@@ -76,13 +76,16 @@ void addModule(Table& table, const IdentityView& module)
                printable(module.serialNumber)});
 }
 
-/// "64 bytes, version 0x00030000, from the next reset on"
+/// "64 bytes, version 0x00030000, from the next reset on", "32 bytes, not whole"
 Cell flashedCell(const SlotView& slot)
 {
     if (!slot.flashed) {
         return "-";
     }
     std::string text = std::to_string(slot.flashed->size) + " bytes";
+    if (!slot.flashed->isWhole) {
+        return {text + ", not whole", Colour::Red};
+    }
     if (slot.flashed->version) {
         text += ", version " + hexNumber(*slot.flashed->version, 8);
     }

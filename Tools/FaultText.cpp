@@ -13,9 +13,21 @@ bool isForAlways(const board::DriverFault& fault)
     return fault.left == board::FaultStore::always;
 }
 
+bool losesPower(const board::DriverFault& fault)
+{
+    return fault.code == board::FaultStore::powerLoss;
+}
+
+std::string meaningOf(const board::DriverFault& fault)
+{
+    return losesPower(fault) ? "the board loses its power" : board::resultText(fault.code);
+}
+
+/// "always", "2", "2 after 1"
 std::string leftText(const board::DriverFault& fault)
 {
-    return isForAlways(fault) ? "always" : std::to_string(fault.left);
+    const std::string left = isForAlways(fault) ? "always" : std::to_string(fault.left);
+    return fault.after == 0 ? left : left + " after " + std::to_string(fault.after);
 }
 
 std::string callsText(const board::DriverFault& fault)
@@ -26,6 +38,13 @@ std::string callsText(const board::DriverFault& fault)
     return fault.left == 1 ? "the next call fails" : "the next " + std::to_string(fault.left) + " calls fail";
 }
 
+std::string afterText(const board::DriverFault& fault)
+{
+    return fault.after == 0
+               ? ""
+               : ", after " + std::to_string(fault.after) + (fault.after == 1 ? " that works" : " that work");
+}
+
 } // namespace
 
 std::string faultsTable(const std::vector<board::DriverFault>& faults, const Console& console)
@@ -33,8 +52,8 @@ std::string faultsTable(const std::vector<board::DriverFault>& faults, const Con
     Table table({"FUNCTION", "CODE", "MEANING", "LEFT", "GIVEN"});
     for (const board::DriverFault& fault : faults) {
         table.add({std::string(fault.function.name()),
-                   std::to_string(fault.code),
-                   board::resultText(fault.code),
+                   losesPower(fault) ? "-" : std::to_string(fault.code),
+                   meaningOf(fault),
                    {leftText(fault), fault.left == 0 ? Colour::Faint : Colour::Red},
                    std::to_string(fault.given)});
     }
@@ -52,15 +71,20 @@ std::string codesTable(const Console& console)
 
 std::string faultText(const board::DriverFault& fault)
 {
-    return std::string(fault.function.name()) + ": " + callsText(fault) + " with " + std::to_string(fault.code) + " (" +
-           board::resultText(fault.code) + ")";
+    const std::string name(fault.function.name());
+    if (losesPower(fault)) {
+        return name + ": in the next call the board loses its power" + afterText(fault);
+    }
+    return name + ": " + callsText(fault) + " with " + std::to_string(fault.code) + " (" + meaningOf(fault) + ")" +
+           afterText(fault);
 }
 
 Json faultJson(const board::DriverFault& fault)
 {
     return {{"function", fault.function.name()},
-            {"code", fault.code},
-            {"meaning", board::resultText(fault.code)},
+            {"code", losesPower(fault) ? Json(nullptr) : Json(fault.code)},
+            {"meaning", meaningOf(fault)},
+            {"after", fault.after},
             {"left", isForAlways(fault) ? Json(nullptr) : Json(fault.left)},
             {"given", fault.given}};
 }

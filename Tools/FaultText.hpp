@@ -18,7 +18,7 @@ std::string faultsTable(const std::vector<board::DriverFault>& faults, const Con
 std::string codesTable(const Console& console);
 /// "ddal_fpga_update_mod: the next 3 calls fail with 12 (device does not answer)"
 std::string faultText(const board::DriverFault& fault);
-/// `left` is null for a function of which every call fails.
+/// `left` is null for a function of which every call fails, `code` where the board loses its power.
 Json faultJson(const board::DriverFault& fault);
 
 } // namespace dorn::tool

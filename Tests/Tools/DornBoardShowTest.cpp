@@ -89,7 +89,7 @@ TEST_F(DornBoardShowTest, ShowTellsWhatHasChanged)
     const JsonValue pending = JsonValue::parse(dorn({"board", "show", "--json"}).answer);
     EXPECT_EQ(pending["fpgas"][1]["version"], 0x20010);
     EXPECT_EQ(pending["fpgas"][1]["slots"][0]["flashed"],
-              (JsonValue{{"size", 12}, {"version", 0x30000}, {"pending", true}}));
+              (JsonValue{{"size", 12}, {"whole", true}, {"version", 0x30000}, {"pending", true}}));
     EXPECT_EQ(pending["fileSystems"][0]["mode"], 2);
     EXPECT_EQ(pending["lastReset"], nullptr);
     EXPECT_NE(dorn({"board", "show"}).answer.find("12 bytes, version 0x00030000, from the next reset on\n"),
@@ -427,6 +427,7 @@ TEST_F(DornBoardFaultTest, ListTellsAllThatWereTold)
               (JsonValue{{"function", "ddal_fpga_get_active_version"},
                          {"code", 12},
                          {"meaning", "device does not answer"},
+                         {"after", 0},
                          {"left", 2},
                          {"given", 1}}));
     EXPECT_EQ(JsonValue::parse(dorn({"board", "fault", "--json"}).answer)[2]["left"], nullptr);
@@ -460,6 +461,7 @@ TEST_F(DornBoardFaultTest, OrderCanBeToldAsJson)
               (JsonValue{{"function", "ddal_strerror"},
                          {"code", 3},
                          {"meaning", "board description cannot be read"},
+                         {"after", 0},
                          {"left", 1},
                          {"given", 0}}));
 }
@@ -494,7 +496,7 @@ TEST_F(DornBoardFaultTest, WrongUseIsExplained)
         {{"--codes", "--clear"}, lists},
         {{"--names", "--codes"}, "'--names' and '--codes' do not go together"},
         {{"fly", "--code", "1"}, "there is no driver function 'fly'; 'dorn board fault --names' lists them"},
-        {{"strerror"}, "give --code, the result with which 'strerror' is to fail, or --clear"},
+        {{"strerror"}, "give --code, the result with which 'strerror' is to fail, --power-loss or --clear"},
         {{"--code", "1"}, "give the FUNCTION that is to fail"},
         {{"--always"}, "give the FUNCTION that is to fail"},
         {{"strerror", "--code", "0"},
@@ -506,8 +508,9 @@ TEST_F(DornBoardFaultTest, WrongUseIsExplained)
         {{"strerror", "--code", "4294967296"},
          "--code: '4294967296' is no result of a function that fails: a number of 32 bits, not 0" + codes},
         {{"strerror", "--code", "1", "--times", "0"}, "--times: 0 calls cannot fail; --clear takes a fault away"},
-        {{"strerror", "--clear", "--code", "1"},
-         "--clear takes a fault away, and --code, --times and --always make one"},
+        {{"strerror", "--clear", "--code", "1"}, "--clear takes a fault away, and the other options make one"},
+        {{"strerror", "--code", "-2147483648"},
+         "--code: '-2147483648' is no result of a function that fails: a number of 32 bits, not 0" + codes},
     };
     for (const auto& [arguments, reason] : cases) {
         std::vector<std::string> all{"board", "fault"};

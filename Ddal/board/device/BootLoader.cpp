@@ -1,11 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "device/BootLoader.hpp"
 
+#include "ddal_boot.h"
+
 namespace dorn::board {
 
 std::int32_t BootLoader::startLocation() const
 {
-    return static_cast<std::int32_t>(m_node.cell("dorn,start-location"));
+    const auto described = static_cast<std::int32_t>(m_node.cell("dorn,start-location"));
+    if (described != DDAL_BOOT_PRIMARY) {
+        return described;
+    }
+    const auto image = flash().flashed();
+    return image && !image->isWhole && !image->isPending ? DDAL_BOOT_BACKUP : described;
 }
 
 std::string BootLoader::version() const

@@ -3,25 +3,22 @@
 
 #include "device/Resets.hpp"
 #include "node/BoardRoot.hpp"
-#include "state/StateNote.hpp"
+#include "state/FlashRecord.hpp"
+#include "state/StateFile.hpp"
 
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <utility>
 
 namespace dorn::board {
 namespace {
 
-StateFile imageFile(const std::string& name)
+StateFile imageFile(const std::string& name, std::uint32_t number)
 {
-    return StateFile(name + ".image");
-}
-
-StateFile noteFile(const std::string& name)
-{
-    return StateFile(name + ".note");
+    return StateFile(name + ".image-" + std::to_string(number));
 }
 
 [[noreturn]] void refuse(ddal_result code, const std::string& path, const std::string& reason)
@@ -29,8 +26,14 @@ StateFile noteFile(const std::string& name)
     throw BoardFailure(code, "image '" + path + "' " + reason);
 }
 
+/// An image that is to be flashed.
+struct SourceImage {
+    host::Descriptor descriptor;
+    std::uint64_t size;
+};
+
 /// Opens an image that fits into @p room bytes.
-host::Descriptor openImage(const std::string& path, std::uint32_t room)
+SourceImage openImage(const std::string& path, std::uint32_t room)
 {
     const std::string place = host::boardPath(path);
     host::Descriptor image(place.empty() ? -1 : ::open(place.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
@@ -45,42 +48,76 @@ host::Descriptor openImage(const std::string& path, std::uint32_t room)
     if (status.st_size == 0) {
         refuse(DDAL_ERROR_BAD_FILE, path, "is empty");
     }
-    if (static_cast<std::uint64_t>(status.st_size) > room) {
+    const auto size = static_cast<std::uint64_t>(status.st_size);
+    if (size > room) {
         refuse(DDAL_ERROR_NO_RESOURCE, path,
-               "has " + std::to_string(status.st_size) + " bytes; there is room for " + std::to_string(room));
+               "has " + std::to_string(size) + " bytes; there is room for " + std::to_string(room));
     }
-    return image;
+    return {std::move(image), size};
+}
+
+/// Size of a state file; 0 when it is not there.
+std::uint64_t sizeOf(const StateFile& file)
+{
+    const host::Descriptor descriptor = file.open();
+    struct stat status {};
+    return descriptor && fstat(descriptor.get(), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
 } // namespace
 
-void FlashArea::flash(const std::string& path, const std::string& versionInUse) const
+void FlashArea::flash(const std::string& path, const std::string& versionInUse, FlashExtent extent) const
 {
-    const host::Descriptor source = openImage(path, m_size);
+    const SourceImage source = openImage(path, m_size);
     const auto lock = StateLock::tryTake(m_name);
     if (!lock) {
         throw BoardFailure(DDAL_ERROR_BUSY, "flash area '" + m_name + "' is being written");
     }
-    // The note first: with the image that is there now it says what is the case, and so it does with the new one.
-    writeNote(noteFile(m_name), {resetCount(), versionInUse});
-    imageFile(m_name).replaceByCopy(source.get());
+    const std::optional<FlashRecord> before = record();
+    const FlashRecord now{resetCount(), versionInUse, before ? 1 - before->image : 0, source.size,
+                          versionIn(source.descriptor.get())};
+    const StateFile image = imageFile(m_name, now.image);
+    try {
+        image.replaceByCopy(source.descriptor.get(), extent == FlashExtent::Half ? source.size / 2 : source.size);
+        writeFlashRecord(m_name, now);
+    } catch (const BoardFailure&) {
+        image.remove();
+        throw;
+    }
+    if (before) {
+        imageFile(m_name, before->image).remove();
+    }
+}
+
+std::optional<FlashRecord> FlashArea::record() const
+{
+    return readFlashRecord(m_name);
+}
+
+FlashedImage FlashArea::describe(const FlashRecord& record) const
+{
+    const StateFile file = imageFile(m_name, record.image);
+    FlashedImage image;
+    image.size = sizeOf(file);
+    image.path = file.path();
+    image.versionBefore = record.versionBefore;
+    image.isWhole = image.size == record.size;
+    image.version = image.isWhole ? record.version : std::nullopt;
+    image.isPending = record.resets == resetCount();
+    return image;
 }
 
 std::optional<FlashedImage> FlashArea::flashed() const
 {
-    const host::Descriptor image = imageFile(m_name).open();
-    struct stat status {};
-    if (!image || fstat(image.get(), &status) != 0) {
-        return std::nullopt;
+    for (auto known = record(); known;) {
+        FlashedImage image = describe(*known);
+        auto after = image.isWhole ? known : record();
+        if (after == known) {
+            return image;
+        }
+        known = after; // it was flashed anew meanwhile, and the file removed that was looked at
     }
-    FlashedImage flashed;
-    flashed.size = static_cast<std::uint64_t>(status.st_size);
-    flashed.version = versionIn(image.get());
-    if (const auto note = readNote(noteFile(m_name))) {
-        flashed.isPending = note->resets == resetCount();
-        flashed.versionBefore = note->value;
-    }
-    return flashed;
+    return std::nullopt;
 }
 
 std::optional<std::uint32_t> FlashArea::versionIn(int image) const
@@ -100,7 +137,7 @@ std::string versionInUse(const std::vector<FlashArea>& areas, const std::string&
         if (image && image->isPending) {
             return image->versionBefore;
         }
-        if (image && image->version) {
+        if (image && image->version) { // and so is whole
             return std::to_string(*image->version);
         }
     }

@@ -13,15 +13,24 @@ namespace dorn::board {
 /// What was flashed into an area since the board's state was empty.
 struct FlashedImage {
     std::uint64_t size = 0;
-    std::optional<std::uint32_t> version; ///< that the image itself gives; nothing when it is too short to give one
+    bool isWhole = false;                 ///< false: the power went while it was flashed, and no device can use it
+    std::optional<std::uint32_t> version; ///< that the image gave; nothing when it gave none or is not whole
     bool isPending = false;               ///< flashed after the last reset, and so not in use before the next
     std::string versionBefore;            ///< that was in use when it was flashed
+    std::string path;                     ///< on the target: the state file that holds it
 };
 
-/// Holds what is written to it in a file of the board's state.
+/// How much of an image gets into flash: half of it when the power goes meanwhile.
+enum class FlashExtent { Whole, Half };
+
+struct FlashRecord;
+
+/// Holds what is written to it in a file of the board's state, with a record beside it: which version it is, and how
+/// many bytes it has when it is whole.
 ///
-/// Devices take an image into use at a reset. That needs no work at the reset, which may come at any moment: beside the
-/// image stands after which reset it was flashed, and which version was in use then.
+/// There are two files, of which the record names the one that counts: an image is written to the other one, and the
+/// new record then puts it in place. Devices take an image into use at a reset. That needs no work at the reset, which
+/// may come at any moment: the record also says after which reset it was flashed, and which version was in use then.
 class FlashArea {
 public:
     /// @param name of the state files
@@ -37,13 +46,15 @@ public:
 
     /// Writes the image in the file @p path of the target. @param versionInUse the device's, at this moment
     /// @throws BoardFailure; what was there before is still there then.
-    void flash(const std::string& path, const std::string& versionInUse) const;
+    void flash(const std::string& path, const std::string& versionInUse, FlashExtent extent = FlashExtent::Whole) const;
 
     /// What was flashed last, if anything was. @throws BoardFailure
     std::optional<FlashedImage> flashed() const;
 
 private:
     std::optional<std::uint32_t> versionIn(int image) const;
+    std::optional<FlashRecord> record() const;
+    FlashedImage describe(const FlashRecord& record) const;
 
     std::string m_name;
     std::uint32_t m_size;

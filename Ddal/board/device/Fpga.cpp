@@ -31,14 +31,14 @@ std::vector<Fpga::Slot> Fpga::slots() const
     return slots;
 }
 
-void Fpga::update(std::uint32_t slot, const std::string& path) const
+void Fpga::update(std::uint32_t slot, const std::string& path, FlashExtent extent) const
 {
     const std::vector<Slot> all = slots();
     const auto found = std::find_if(all.begin(), all.end(), [slot](const Slot& one) { return one.number == slot; });
     if (found == all.end()) {
         m_node.fail(DDAL_ERROR_INVALID_ARGUMENT, "has no slot " + std::to_string(slot));
     }
-    found->area.flash(path, std::to_string(version()));
+    found->area.flash(path, std::to_string(version()), extent);
 }
 
 } // namespace dorn::board

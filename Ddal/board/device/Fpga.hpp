@@ -31,7 +31,7 @@ public:
     /// Its slots, in the order in which it tries them. @throws BoardFailure
     std::vector<Slot> slots() const;
     /// Flashes the image in the file @p path of the target. @throws BoardFailure
-    void update(std::uint32_t slot, const std::string& path) const;
+    void update(std::uint32_t slot, const std::string& path, FlashExtent extent = FlashExtent::Whole) const;
 
 private:
     BoardNode m_node;

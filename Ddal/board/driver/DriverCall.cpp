@@ -2,7 +2,6 @@
 #include "driver/DriverCall.hpp"
 
 #include "AaSysLog.h"
-#include "fault/FaultStore.hpp"
 #include "node/PerNode.hpp"
 
 #include <mutex>
@@ -52,7 +51,10 @@ std::optional<std::int32_t> injectedFault(DriverFunction function) noexcept
 {
     try {
         const auto code = host::PerNode<FaultStore>::get().take(function);
-        if (code) {
+        if (code == FaultStore::powerLoss) {
+            AaSysLogPrint(EAaSysLogSeverityLevel_Info, "the board loses its power in %s() as it was told to",
+                          function.name().data());
+        } else if (code) {
             AaSysLogPrint(EAaSysLogSeverityLevel_Info, "%s() fails with %d as it was told to", function.name().data(),
                           static_cast<int>(*code));
         }

@@ -4,7 +4,9 @@
 #pragma once
 
 #include "description/BoardFailure.hpp"
+#include "device/Resets.hpp"
 #include "driver/DriverFunction.hpp"
+#include "fault/FaultStore.hpp"
 #include "log/CancellationOff.hpp"
 
 #include <cstdint>
@@ -21,22 +23,41 @@ std::optional<std::int32_t> injectedFault(DriverFunction function) noexcept;
 /// @return the result for the caller
 std::int32_t reportFailure(DriverFunction function, const std::exception& failure) noexcept;
 
-/// Carries out a driver function: fails if it is to, else does @p work, which throws BoardFailure when it cannot be
-/// done. The thread is not cancelled meanwhile.
-/// @return the result for the caller
+/// Does @p work, which throws BoardFailure when it cannot be done. @return the result for the caller
 template <class Work>
-std::int32_t driverCall(DriverFunction function, const Work& work) noexcept
+std::int32_t resultOfWork(DriverFunction function, const Work& work) noexcept
 {
-    const host::CancellationOff off;
-    if (const auto code = injectedFault(function)) {
-        return *code;
-    }
     try {
         work();
         return DDAL_OK;
     } catch (const std::exception& failure) {
         return reportFailure(function, failure);
     }
+}
+
+/// Carries out a driver function: fails if it is to, else does @p work, which throws BoardFailure when it cannot be
+/// done. The thread is not cancelled meanwhile.
+/// @param half what has happened of the work when the board's power goes in the middle of it
+/// @return the result for the caller
+template <class Work, class Half>
+std::int32_t driverCall(DriverFunction function, const Work& work, const Half& half) noexcept
+{
+    const host::CancellationOff off;
+    const auto fault = injectedFault(function);
+    if (fault == FaultStore::powerLoss) {
+        return resultOfWork(function, [&half] {
+            half();
+            resetBoard();
+        });
+    }
+    return fault ? *fault : resultOfWork(function, work);
+}
+
+/// The same for work of which nothing has happened when the power goes.
+template <class Work>
+std::int32_t driverCall(DriverFunction function, const Work& work) noexcept
+{
+    return driverCall(function, work, [] {});
 }
 
 /// Requires a pointer of the caller. @throws BoardFailure

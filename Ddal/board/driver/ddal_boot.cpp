@@ -30,5 +30,8 @@ int32_t ddal_boot_get_uboot_version(char* version)
 
 int32_t ddal_boot_update_uboot(const char* path)
 {
-    return driverCall(DriverFunction("ddal_boot_update_uboot"), [&] { bootLoader().update(&require(path)); });
+    const auto update = [&](FlashExtent extent) { bootLoader().update(&require(path), extent); };
+    return driverCall(
+        DriverFunction("ddal_boot_update_uboot"), [&] { update(FlashExtent::Whole); },
+        [&] { update(FlashExtent::Half); });
 }

@@ -24,5 +24,8 @@ int32_t ddal_fpga_get_active_version(uint32_t fpgaId, uint32_t* version)
 
 int32_t ddal_fpga_update_mod(uint32_t fpgaId, uint32_t slot, const char* path)
 {
-    return driverCall(DriverFunction("ddal_fpga_update_mod"), [&] { fpga(fpgaId).update(slot, &require(path)); });
+    const auto update = [&](FlashExtent extent) { fpga(fpgaId).update(slot, &require(path), extent); };
+    return driverCall(
+        DriverFunction("ddal_fpga_update_mod"), [&] { update(FlashExtent::Whole); },
+        [&] { update(FlashExtent::Half); });
 }

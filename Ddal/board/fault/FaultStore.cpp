@@ -13,7 +13,7 @@ struct FaultStore::Content {
     struct Entry {
         std::atomic<std::uint64_t> order; ///< calls left << 32 | code
         std::atomic<std::uint32_t> given;
-        std::uint32_t reserved;
+        std::atomic<std::uint32_t> after;
     };
 
     host::SharedStoreHeader store;
@@ -25,7 +25,7 @@ namespace {
 static_assert(std::atomic<std::uint64_t>::is_always_lock_free, "shared between processes");
 
 constexpr std::uint32_t magic = 0x44666C74; // "Dflt"
-constexpr std::uint32_t layoutVersion = 1;
+constexpr std::uint32_t layoutVersion = 2;
 
 std::uint64_t orderOf(std::int32_t code, std::uint32_t left)
 {
@@ -42,6 +42,18 @@ std::uint32_t leftOf(std::uint64_t order)
     return static_cast<std::uint32_t>(order >> 32);
 }
 
+/// Counts a call that is to work, if one still is.
+bool takeWorking(std::atomic<std::uint32_t>& after)
+{
+    std::uint32_t left = after.load(std::memory_order_acquire);
+    while (left != 0) {
+        if (after.compare_exchange_weak(left, left - 1, std::memory_order_acq_rel)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 FaultStore::FaultStore() : FaultStore(host::PerNode<host::RunDirectory>::get()) {}
@@ -52,9 +64,11 @@ FaultStore::FaultStore(const host::RunDirectory& directory)
     m_store.tryShare(sizeof(Content)); // whoever would replace the store learns that it is in use
 }
 
-void FaultStore::set(DriverFunction function, std::int32_t code, std::uint32_t times)
+void FaultStore::set(DriverFunction function, std::int32_t code, std::uint32_t times, std::uint32_t after)
 {
     Content::Entry& entry = content().entries[function.number()];
+    entry.order.store(0, std::memory_order_release); // what it was told before does not meet the new count
+    entry.after.store(after, std::memory_order_relaxed);
     entry.given.store(0, std::memory_order_relaxed);
     entry.order.store(orderOf(code, times), std::memory_order_release);
 }
@@ -68,6 +82,9 @@ std::optional<std::int32_t> FaultStore::take(DriverFunction function)
 {
     Content::Entry& entry = content().entries[function.number()];
     std::uint64_t order = entry.order.load(std::memory_order_acquire);
+    if (leftOf(order) != 0 && takeWorking(entry.after)) {
+        return std::nullopt;
+    }
     while (leftOf(order) != 0) {
         const std::uint32_t left = leftOf(order) == always ? always : leftOf(order) - 1;
         if (entry.order.compare_exchange_weak(order, orderOf(codeOf(order), left), std::memory_order_acq_rel)) {
@@ -84,7 +101,8 @@ std::vector<DriverFault> FaultStore::list() const
     for (std::size_t number = 0; number < driverFunctionNames.size(); ++number) {
         const Content::Entry& entry = content().entries[number];
         if (const std::uint64_t order = entry.order.load(std::memory_order_acquire); order != 0) {
-            faults.push_back({DriverFunction::at(number), codeOf(order), leftOf(order), entry.given.load()});
+            faults.push_back(
+                {DriverFunction::at(number), codeOf(order), leftOf(order), entry.given.load(), entry.after.load()});
         }
     }
     return faults;

@@ -8,6 +8,7 @@
 #include "node/SharedStore.hpp"
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -16,9 +17,10 @@ namespace dorn::board {
 /// What a driver function has been told.
 struct DriverFault {
     DriverFunction function;
-    std::int32_t code;   ///< with which it fails, never #DDAL_OK
-    std::uint32_t left;  ///< calls that are still to fail; FaultStore::always for all
-    std::uint32_t given; ///< calls that have failed since it was told
+    std::int32_t code;       ///< with which it fails, never #DDAL_OK, or FaultStore::powerLoss
+    std::uint32_t left;      ///< calls that are still to fail; FaultStore::always for all
+    std::uint32_t given;     ///< calls that have failed since it was told
+    std::uint32_t after = 0; ///< calls that are still to work before the first one fails
 };
 
 /// The store in the node's run directory through which any process tells the drivers of all processes what is to fail.
@@ -28,6 +30,9 @@ struct DriverFault {
 class FaultStore {
 public:
     static constexpr std::uint32_t always = 0xFFFFFFFF;
+    /// In place of a code: the board loses its power in the call, half way where the call flashes something. Every
+    /// process of the node is killed, as by a reset.
+    static constexpr std::int32_t powerLoss = std::numeric_limits<std::int32_t>::min();
     /// The store's file in the run directory.
     static constexpr const char* fileName = "board.faults";
 
@@ -35,9 +40,9 @@ public:
     FaultStore();
     explicit FaultStore(const host::RunDirectory& directory);
 
-    /// Has the next @p times calls of a function fail with @p code, in place of what it was told before. @p code is not
-    /// 0, @p times not either.
-    void set(DriverFunction function, std::int32_t code, std::uint32_t times);
+    /// Has the next @p times calls of a function, behind @p after calls that work, fail with @p code, in place of what
+    /// it was told before. @p code is not 0, @p times not either.
+    void set(DriverFunction function, std::int32_t code, std::uint32_t times, std::uint32_t after = 0);
     void clear(DriverFunction function);
 
     /// Counts a call. @return the code with which it is to fail, if it is.

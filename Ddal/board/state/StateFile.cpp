@@ -6,9 +6,11 @@
 #include "node/BoardRoot.hpp"
 #include "port/FilePort.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <exception>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <vector>
@@ -152,21 +154,30 @@ void StateFile::replace(const std::string& content) const
     replacement.putInPlace();
 }
 
-void StateFile::replaceByCopy(int source) const
+void StateFile::replaceByCopy(int source, std::uint64_t size) const
 {
     Replacement replacement(*this);
     std::vector<char> part(std::size_t{64} << 10);
-    for (;;) {
-        const ssize_t count = ::read(source, part.data(), part.size());
-        if (count < 0 && errno != EINTR) {
-            throw BoardFailure(DDAL_ERROR_BAD_FILE, std::string("the image cannot be read: ") + std::strerror(errno));
+    while (size != 0) {
+        const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(part.size(), size));
+        const ssize_t count = ::read(source, part.data(), wanted);
+        if (count < 0 && errno == EINTR) {
+            continue;
         }
-        if (count == 0) {
-            break;
+        if (count <= 0) {
+            throw BoardFailure(DDAL_ERROR_BAD_FILE, std::string("the image cannot be read: ") +
+                                                        (count < 0 ? std::strerror(errno) : "it got shorter"));
         }
-        replacement.write(part.data(), count < 0 ? 0 : static_cast<std::size_t>(count));
+        replacement.write(part.data(), static_cast<std::size_t>(count));
+        size -= static_cast<std::uint64_t>(count);
     }
     replacement.putInPlace();
+}
+
+void StateFile::remove() const noexcept
+try {
+    FilePort::get().remove(AT_FDCWD, placeOf(path()).c_str());
+} catch (const std::exception&) { // no memory for its name: it stays
 }
 
 void StateFile::setAside(const std::string& reason) const

@@ -11,6 +11,7 @@
 #include "log/Descriptor.hpp"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <sys/types.h>
@@ -38,9 +39,11 @@ public:
     void write(int descriptor, const void* data, std::size_t size) const;
     /// Replaces the content in one step. The caller holds the lock. @throws BoardFailure
     void replace(const std::string& content) const;
-    /// Replaces the content, in one step, by a copy of what can be read from @p source. The caller holds the lock.
-    /// @throws BoardFailure
-    void replaceByCopy(int source) const;
+    /// Replaces the content, in one step, by a copy of the next @p size bytes of @p source. The caller holds the lock.
+    /// @throws BoardFailure, also when there are fewer.
+    void replaceByCopy(int source, std::uint64_t size) const;
+    /// Removes the file, if it can be.
+    void remove() const noexcept;
     /// Moves the file out of the way, having said why. @param reason as in "is no number"
     void setAside(const std::string& reason) const;
 

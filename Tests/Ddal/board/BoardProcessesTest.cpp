@@ -6,6 +6,7 @@
 #include "ddal_rio.h"
 #include "description/DescribedBoard.hpp"
 #include "device/FileSystem.hpp"
+#include "device/Fpga.hpp"
 #include "device/Resets.hpp"
 #include "fault/FaultStore.hpp"
 #include "node/PerNode.hpp"
@@ -14,6 +15,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,6 +33,10 @@ protected:
         Process process(DORN_BOARD_PROGRAM, arguments);
         EXPECT_EQ(process.waitForEnd(), 0) << process.standardError();
         return process.standardOutput();
+    }
+    static std::optional<FlashedImage> primarySlot()
+    {
+        return Fpga(DescribedBoard::get().part("fpgas", fpga)).slots().at(0).area.flashed();
     }
 };
 
@@ -157,12 +163,41 @@ TEST_F(BoardProcessesTest, ProcessThatDiesWhileItFlashesLeavesAWholeImage)
         flashing.signal(SIGKILL);
         flashing.waitForEnd();
 
-        const std::string content = m_node.readBoardFile("/var/lib/dorn/board/fpga-65538-slot-1.image");
+        const auto image = primarySlot();
+        ASSERT_TRUE(image && image->isWhole);
+        const std::string content = m_node.readBoardFile(image->path);
 
         EXPECT_TRUE(content == a || content == b);
         EXPECT_EQ(outputOf({"version"}), std::to_string(0x20010) + "\n");
     }
     EXPECT_EQ(ddal_fpga_update_mod(fpga, DDAL_FPGA_SLOT_PRIMARY, "/tmp/b"), DDAL_OK);
+}
+
+TEST_F(BoardProcessesTest, PowerIsLostHalfWay)
+{
+    writeImage(m_node, "/tmp/image", 0x77);
+    Process living(DORN_BOARD_PROGRAM, {"live"});
+    ASSERT_TRUE(living.waitForOutput("lives"));
+    m_board.fail("ddal_fpga_update_mod", FaultStore::powerLoss, 1, 1); // in the second call
+
+    EXPECT_EQ(Process(DORN_BOARD_PROGRAM, {"flash", "/tmp/image", "/tmp/image"}).waitForEnd(), -SIGKILL);
+
+    EXPECT_EQ(living.waitForEnd(), -SIGKILL);
+    EXPECT_EQ(resetCount(), 1U);
+    ASSERT_TRUE(primarySlot());
+    EXPECT_FALSE(primarySlot()->isWhole);
+    EXPECT_EQ(primarySlot()->size, m_node.readBoardFile("/tmp/image").size() / 2);
+    EXPECT_EQ(outputOf({"version"}), std::to_string(0x20010) + "\n");
+}
+
+TEST_F(BoardProcessesTest, PowerMayBeLostInAnyFunction)
+{
+    m_board.fail("ddal_fpga_get_active_version", FaultStore::powerLoss);
+
+    EXPECT_EQ(Process(DORN_BOARD_PROGRAM, {"version"}).waitForEnd(), -SIGKILL);
+
+    EXPECT_EQ(resetCount(), 1U);
+    EXPECT_EQ(outputOf({"version"}), std::to_string(0x20010) + "\n");
 }
 
 TEST_F(BoardProcessesTest, ResetsOfManyProcessesAreAllCounted)

@@ -4,6 +4,9 @@
 #include "FailingFilePort.hpp"
 #include "ddal_boot.h"
 #include "ddal_fpga.h"
+#include "description/DescribedBoard.hpp"
+#include "device/BootLoader.hpp"
+#include "device/Fpga.hpp"
 #include "device/Resets.hpp"
 #include "node/PerNode.hpp"
 #include "state/StateFile.hpp"
@@ -12,6 +15,8 @@
 #include <cstddef>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <optional>
 
 namespace dorn::board {
 namespace {
@@ -33,6 +38,23 @@ protected:
         std::array<char, DDAL_BOOT_VERSION_SIZE> text{};
         EXPECT_EQ(ddal_boot_get_uboot_version(text.data()), DDAL_OK);
         return text.data();
+    }
+    /// What a slot of the FPGA holds.
+    static std::optional<FlashedImage> flashed(std::uint32_t slot = DDAL_FPGA_SLOT_PRIMARY)
+    {
+        return Fpga(DescribedBoard::get().part("fpgas", fpga)).slots().at(slot - 1).area.flashed();
+    }
+    std::size_t stateFiles() const
+    {
+        const std::filesystem::directory_iterator entries(m_node.boardPath("/var/lib/dorn/board"));
+        return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+    }
+    /// The board loses its power while an image is flashed.
+    void losePower(std::uint32_t version, std::uint32_t slot = DDAL_FPGA_SLOT_PRIMARY) const
+    {
+        writeImage(m_node, image, version);
+        Fpga(DescribedBoard::get().part("fpgas", fpga)).update(slot, image, FlashExtent::Half);
+        countReset();
     }
     std::int32_t flashFpga(std::uint32_t version, std::uint32_t slot = DDAL_FPGA_SLOT_PRIMARY) const
     {
@@ -145,7 +167,7 @@ TEST_F(DriverFirmwareTest, FlashHoldsTheImageByteForByte)
 
     EXPECT_EQ(ddal_fpga_update_mod(fpga, DDAL_FPGA_SLOT_SECONDARY, image), DDAL_OK);
 
-    EXPECT_EQ(m_node.readBoardFile("/var/lib/dorn/board/fpga-65538-slot-2.image"), m_node.readBoardFile(image));
+    EXPECT_EQ(m_node.readBoardFile(flashed(DDAL_FPGA_SLOT_SECONDARY)->path), m_node.readBoardFile(image));
 }
 
 TEST_F(DriverFirmwareTest, ImageThatIsTooLargeIsRefused)
@@ -237,15 +259,20 @@ TEST_F(DriverFirmwareTest, FullDiskLeavesTheOldImage)
 {
     flashFpga(1);
     countReset();
-    const std::string before = m_node.readBoardFile("/var/lib/dorn/board/fpga-65538-slot-1.image");
+    const std::string before = m_node.readBoardFile(flashed()->path);
+    const std::size_t files = stateFiles();
     writeImage(m_node, image, 2, 4000);
     {
         const testkit::FullDisk disk(2000);
         EXPECT_EQ(ddal_fpga_update_mod(fpga, DDAL_FPGA_SLOT_PRIMARY, image), DDAL_ERROR_NO_RESOURCE);
     }
+    {
+        const testkit::FullDisk disk(4000); // the image fits, the record does not
+        EXPECT_EQ(ddal_fpga_update_mod(fpga, DDAL_FPGA_SLOT_PRIMARY, image), DDAL_ERROR_NO_RESOURCE);
+    }
 
-    EXPECT_EQ(m_node.readBoardFile("/var/lib/dorn/board/fpga-65538-slot-1.image"), before);
-    EXPECT_FALSE(std::filesystem::exists(m_node.boardPath("/var/lib/dorn/board/fpga-65538-slot-1.image.new")));
+    EXPECT_EQ(m_node.readBoardFile(flashed()->path), before);
+    EXPECT_EQ(stateFiles(), files);
     EXPECT_EQ(fpgaVersion(), 1U);
     countReset();
     EXPECT_EQ(fpgaVersion(), 1U);
@@ -287,16 +314,114 @@ TEST_F(DriverFirmwareTest, StateSurvivesTheProcess)
     EXPECT_EQ(fpgaVersion(), 9U);
 }
 
-TEST_F(DriverFirmwareTest, DamagedNoteIsSetAsideAndTheImageCounts)
+TEST_F(DriverFirmwareTest, VersionIsTheOneInTheRecord)
 {
     flashFpga(9);
-    m_node.writeBoardFile("/var/lib/dorn/board/fpga-65538-slot-1.note", "rubbish");
+    countReset();
+    const std::string path = flashed()->path;
+    std::string content = m_node.readBoardFile(path);
+    content[3] = 10; // the version's last byte
+    m_node.writeBoardFile(path, content);
 
     EXPECT_EQ(fpgaVersion(), 9U);
-    EXPECT_EQ(m_node.readBoardFile("/var/lib/dorn/board/fpga-65538-slot-1.note.broken"), "rubbish");
-    EXPECT_EQ(m_log.texts(), std::vector<std::string>{
-                                 "Warning 0x0 '/var/lib/dorn/board/fpga-65538-slot-1.note' is no note of the board's "
-                                 "state; set aside as '/var/lib/dorn/board/fpga-65538-slot-1.note.broken'"});
+}
+
+TEST_F(DriverFirmwareTest, EachImageTakesThePlaceOfTheOneBefore)
+{
+    flashFpga(1);
+    const std::size_t files = stateFiles();
+    for (std::uint32_t version = 2; version < 6; ++version) {
+        EXPECT_EQ(flashFpga(version), DDAL_OK);
+        EXPECT_EQ(flashed()->version, version);
+    }
+    EXPECT_EQ(stateFiles(), files);
+}
+
+TEST_F(DriverFirmwareTest, SlotThatWasFlashedHalfIsNotUsed)
+{
+    flashFpga(5, DDAL_FPGA_SLOT_PRIMARY);
+    flashFpga(6, DDAL_FPGA_SLOT_SECONDARY);
+    countReset();
+    EXPECT_EQ(fpgaVersion(), 5U);
+    const std::string other = m_node.readBoardFile(flashed(DDAL_FPGA_SLOT_SECONDARY)->path);
+
+    losePower(7);
+
+    EXPECT_FALSE(flashed()->isWhole);
+    EXPECT_EQ(flashed()->version, std::nullopt);
+    EXPECT_EQ(flashed()->size, m_node.readBoardFile(image).size() / 2);
+    EXPECT_TRUE(flashed(DDAL_FPGA_SLOT_SECONDARY)->isWhole);
+    EXPECT_EQ(m_node.readBoardFile(flashed(DDAL_FPGA_SLOT_SECONDARY)->path), other);
+    EXPECT_EQ(fpgaVersion(), 6U);
+}
+
+TEST_F(DriverFirmwareTest, SecondarySlotThatWasFlashedHalfLeavesThePrimaryOne)
+{
+    flashFpga(7);
+    losePower(7, DDAL_FPGA_SLOT_SECONDARY);
+
+    EXPECT_TRUE(flashed()->isWhole);
+    EXPECT_FALSE(flashed(DDAL_FPGA_SLOT_SECONDARY)->isWhole);
+    EXPECT_EQ(fpgaVersion(), 7U);
+}
+
+TEST_F(DriverFirmwareTest, SlotThatWasFlashedHalfIsFlashedAnew)
+{
+    losePower(7);
+    EXPECT_EQ(fpgaVersion(), 0x20010U); // of the other slot, as the board came
+
+    EXPECT_EQ(flashFpga(7), DDAL_OK);
+    countReset();
+
+    EXPECT_TRUE(flashed()->isWhole);
+    EXPECT_EQ(fpgaVersion(), 7U);
+}
+
+TEST_F(DriverFirmwareTest, ImageThatIsGoneIsNotWhole)
+{
+    flashFpga(7);
+    countReset();
+    std::filesystem::remove(m_node.boardPath(flashed()->path));
+
+    EXPECT_FALSE(flashed()->isWhole);
+    EXPECT_EQ(fpgaVersion(), 0x20010U);
+}
+
+TEST_F(DriverFirmwareTest, BoardStartsFromTheBackupWhenTheBootLoaderWasFlashedHalf)
+{
+    const BootLoader loader(DescribedBoard::get().part("boot-loader"));
+    ASSERT_EQ(loader.startLocation(), DDAL_BOOT_PRIMARY);
+    writeImage(m_node, image, 20481);
+
+    loader.update(image, FlashExtent::Half);
+    EXPECT_EQ(loader.startLocation(), DDAL_BOOT_PRIMARY); // it is started already
+    countReset();
+
+    EXPECT_EQ(loader.startLocation(), DDAL_BOOT_BACKUP);
+    EXPECT_EQ(bootVersion(), "20480");
+    EXPECT_EQ(ddal_boot_update_uboot(image), DDAL_OK);
+    countReset();
+    EXPECT_EQ(loader.startLocation(), DDAL_BOOT_PRIMARY);
+    EXPECT_EQ(bootVersion(), "20481");
+}
+
+TEST_F(DriverFirmwareTest, DamagedRecordIsSetAside)
+{
+    const std::string path = "/var/lib/dorn/board/fpga-65538-slot-1.record";
+    for (const char* const record : {"rubbish", "0\n2 4 7 131088\n", "0\n0 4 seven 131088\n", "0\n0 4 7\n"}) {
+        flashFpga(9);
+        m_node.writeBoardFile(path, record);
+
+        EXPECT_FALSE(flashed()) << record;
+        EXPECT_EQ(m_node.readBoardFile(path + ".broken"), record);
+    }
+    EXPECT_EQ(fpgaVersion(), 0x20010U);
+    EXPECT_EQ(
+        m_log.count("Warning 0x0 '" + path + "' is no note of the board's state; set aside as '" + path + ".broken'"),
+        1U);
+    EXPECT_EQ(
+        m_log.count("Warning 0x0 '" + path + "' is no record of an image in flash; set aside as '" + path + ".broken'"),
+        3U);
 }
 
 } // namespace

@@ -48,6 +48,26 @@ TEST_F(FaultStoreTest, AsManyCallsFailAsWereTold)
     EXPECT_EQ(m_store.take(reboot), std::nullopt);
 }
 
+TEST_F(FaultStoreTest, SomeCallsMayWorkBefore)
+{
+    m_store.set(reboot, -5, 1, 2);
+    EXPECT_EQ(m_store.list().at(0).after, 2U);
+
+    EXPECT_EQ(m_store.take(reboot), std::nullopt);
+    EXPECT_EQ(m_store.take(reboot), std::nullopt);
+    EXPECT_EQ(m_store.list().at(0).after, 0U);
+    EXPECT_EQ(m_store.take(reboot), -5);
+    EXPECT_EQ(m_store.take(reboot), std::nullopt);
+}
+
+TEST_F(FaultStoreTest, NewOrderForgetsWhichCallsWereToWork)
+{
+    m_store.set(reboot, -5, 1, 2);
+    m_store.set(reboot, -6, 1);
+
+    EXPECT_EQ(m_store.take(reboot), -6);
+}
+
 TEST_F(FaultStoreTest, AlwaysHasNoEnd)
 {
     m_store.set(reboot, 9, FaultStore::always);
