@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "binary.h"
 
+#include "binary/CopyPayload.hpp"
 #include "binary/OwnedFile.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 
-using vel::hwapi::firmware::OwnedFile;
-
+namespace vel::hwapi::firmware {
 namespace {
 
 std::int32_t copyBytes(AaFile* from, AaFile* to, std::uint32_t size)
@@ -30,7 +30,7 @@ std::int32_t copyBytes(AaFile* from, AaFile* to, std::uint32_t size)
 
 } // namespace
 
-std::int32_t binary_copy_without_trailer(const char* source, const char* destination)
+std::int32_t copyPayload(const char* source, const char* destination, NewFileOnly isNewOnly)
 {
     const OwnedFile from(AaFileOpen(source, "r"));
     if (!from) {
@@ -56,11 +56,19 @@ std::int32_t binary_copy_without_trailer(const char* source, const char* destina
     if (AaFileSetPosition(from.get(), 0, EAaFileOrigin_Begin) != 0) {
         return BINARY_COPY_NO_BEGIN;
     }
-    OwnedFile to(AaFileOpen(destination, "w"));
+    OwnedFile to(AaFileOpen(destination, isNewOnly == NewFileOnly::Yes ? "wx" : "w"));
     if (!to) {
         return BINARY_COPY_DESTINATION_NOT_OPENED;
     }
     const std::int32_t result = copyBytes(from.get(), to.get(), beginning);
     const bool isStored = AaFileClose(to.release()) == 0; // closing stores what the platform has kept back
     return result == BINARY_COPY_OK && !isStored ? static_cast<std::int32_t>(BINARY_COPY_NOT_WRITTEN) : result;
+}
+
+} // namespace vel::hwapi::firmware
+
+std::int32_t binary_copy_without_trailer(const char* source, const char* destination)
+{
+    using namespace vel::hwapi::firmware;
+    return copyPayload(source, destination, NewFileOnly::No);
 }

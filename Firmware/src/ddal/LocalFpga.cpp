@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#include "firmware.h"
+
+#include "firmware/UnitIdentity.hpp"
+
+#include <algorithm>
+
+using namespace vel::hwapi::firmware;
+
+std::uint32_t fpga_id_local()
+{
+    const auto* const row = std::find_if(localFpgaRows.begin(), localFpgaRows.end(),
+                                         [](const LocalFpgaRow& one) { return isThisUnit(one.key, one.unit); });
+    return row != localFpgaRows.end() ? row->id : 0;
+}

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+/// @file FirmwareCatalogue.hpp
+/// Which firmware goes where. A maker of boards replaces this file.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace vel::hwapi::firmware {
+
+/// What a row applies to.
+enum class UnitKey {
+    Version, ///< the whole unit id
+    Type     ///< its first three characters
+};
+
+/// An FPGA of a unit.
+struct FpgaRow {
+    UnitKey key;
+    std::string_view unit;
+    const char* name;           ///< for people
+    const char* chipIdentifier; ///< in the names of image files
+    std::uint32_t id;           ///< the driver's number
+};
+
+/// Searched in this order.
+inline constexpr std::array<FpgaRow, 7> fpgaRows{{{UnitKey::Version, "NAXE", "brindle", "BRINDLE", 0x10002},
+                                                  {UnitKey::Version, "NAXF", "marlow", "MARLOW", 0x10001},
+                                                  {UnitKey::Type, "NAX", "fenwick", "FENWICK", 0x10001},
+                                                  {UnitKey::Type, "RUD", "sorrel", "SORREL", 0x60001},
+                                                  {UnitKey::Type, "RUE", "sorrel", "SORREL", 0x60001},
+                                                  {UnitKey::Type, "RUG", "hollis", "HOLLIS", 0x70001},
+                                                  {UnitKey::Type, "RUF", "hollis", "HOLLIS", 0x70001}}};
+static_assert(fpgaRows.size() == 7);
+
+/// The FPGA on a unit itself. Not the same table: "NAXF", "RUE" and "RUF" differ.
+struct LocalFpgaRow {
+    UnitKey key;
+    std::string_view unit;
+    std::uint32_t id;
+};
+
+/// Searched in this order.
+inline constexpr std::array<LocalFpgaRow, 5> localFpgaRows{{{UnitKey::Version, "NAXE", 0x10002},
+                                                            {UnitKey::Version, "NAXF", 0x10002},
+                                                            {UnitKey::Type, "NAX", 0x10001},
+                                                            {UnitKey::Type, "RUD", 0x60001},
+                                                            {UnitKey::Type, "RUG", 0x70001}}};
+static_assert(localFpgaRows.size() == 5);
+
+/// The BMU of a board whose main controller it does not have.
+struct BmuRow {
+    std::uint32_t board; ///< the driver's board code
+    std::uint32_t id;
+};
+inline constexpr std::array<BmuRow, 3> bmuRows{{{2, 0x20001}, {3, 0x30001}, {4, 0x40001}}};
+static_assert(bmuRows.size() == 3);
+
+/// In the names of image files of the boot loader.
+inline constexpr const char* bootLoaderChipIdentifier = "THISTLE";
+
+/// In the names of image files of the BMU.
+inline constexpr const char* bmuChipIdentifier = "BMU";
+inline constexpr const char* microBmuChipIdentifier = "uBMU";
+
+/// The unit that has the small BMU.
+inline constexpr std::string_view microBmuUnit = "KIVN";
+
+/// Whether no chip identifier stands within another one, so that none finds the other's images.
+constexpr bool areChipIdentifiersApart()
+{
+    for (const FpgaRow& row : fpgaRows) {
+        const std::string_view identifier = row.chipIdentifier;
+        for (const FpgaRow& other : fpgaRows) {
+            if (identifier != other.chipIdentifier && identifier.find(other.chipIdentifier) != identifier.npos) {
+                return false;
+            }
+        }
+        if (identifier.find(bmuChipIdentifier) != identifier.npos ||
+            identifier.find(bootLoaderChipIdentifier) != identifier.npos) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(areChipIdentifiersApart());
+
+} // namespace vel::hwapi::firmware
