@@ -17,6 +17,7 @@ void addAlarmNoun(Program& program);
 void addRedundancyNoun(Program& program);
 void addBoardNoun(Program& program);
 void addRamlNoun(Program& program);
+void addImageNoun(Program& program);
 void addCompletionNoun(Program& program);
 
 /// Adds them all, in the order of the help.
@@ -31,6 +32,7 @@ inline void addNouns(Program& program)
     addRedundancyNoun(program);
     addBoardNoun(program);
     addRamlNoun(program);
+    addImageNoun(program);
     addCompletionNoun(program);
 }
 

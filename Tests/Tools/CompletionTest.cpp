@@ -51,26 +51,10 @@ protected:
 
 TEST_F(CompletionTest, NounsAreProposed)
 {
-    EXPECT_EQ(proposals({""}),
-              "service
-rad
-tag
-msg
-log
-alarm
-redundancy
-board
-raml
-image
-completion
---help
--h
---version
-");
-    EXPECT_EQ(proposals({"r"}), "rad
-redundancy
-raml
-");
+    EXPECT_EQ(
+        proposals({""}),
+        "service\nrad\ntag\nmsg\nlog\nalarm\nredundancy\nboard\nraml\nimage\ncompletion\n--help\n-h\n--version\n");
+    EXPECT_EQ(proposals({"r"}), "rad\nredundancy\nraml\n");
 }
 
 TEST_F(CompletionTest, VerbsAreProposedBehindTheirNoun)

@@ -65,6 +65,7 @@ TEST_F(ProgramTest, HelpNamesEveryNoun)
               "  redundancy              The unit's part in a redundant pair\n"
               "  board                   The hardware of the board, and what happens to it\n"
               "  raml                    RAML configuration documents, in files or pipes\n"
+              "  image                   Firmware images: a payload with a trailer\n"
               "  completion              Completion of this command in a shell\n"
               "\n"
               "Exit status: 0 fine, 1 the answer is no, 2 wrong use.\n"
@@ -151,10 +152,10 @@ TEST_P(WrongUseTest, IsExplainedAndStatus2)
 INSTANTIATE_TEST_SUITE_P(
     Lines, WrongUseTest,
     ::testing::Values(
-        WrongUseCase{"dorn", "dorn: 'dorn' needs a noun: alarm, board, completion, log, msg, rad, raml, "
+        WrongUseCase{"dorn", "dorn: 'dorn' needs a noun: alarm, board, completion, image, log, msg, rad, raml, "
                              "redundancy, service, tag\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn foo",
-                     "dorn: unknown noun 'foo'; there are alarm, board, completion, log, msg, rad, raml, "
+                     "dorn: unknown noun 'foo'; there are alarm, board, completion, image, log, msg, rad, raml, "
                      "redundancy, service, tag\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn --foo", "dorn: unknown option '--foo' of 'dorn'\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn rad", "dorn: 'dorn rad' needs a verb: get, list, set, watch\nTry 'dorn rad --help'\n"},
