@@ -19,6 +19,11 @@ std::string Board::program(const std::string& name)
     return (programs() / ("Dorn" + name + "Exe")).string();
 }
 
+std::string Board::command()
+{
+    return (programs() / "dorn").string();
+}
+
 testkit::Process& Board::start(const std::string& name, const std::vector<std::string>& arguments)
 {
     return *(m_services[name] = std::make_unique<testkit::Process>(program(name), arguments));

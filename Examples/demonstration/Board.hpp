@@ -30,6 +30,8 @@ public:
 
     /// Path of a service's executable, beside this program.
     static std::string program(const std::string& name);
+    /// Path of the operator's command, beside this program.
+    static std::string command();
     /// Where the board's files lie in the source tree.
     static std::filesystem::path files();
     /// The device tree of the board: the Tarn board that works alone.

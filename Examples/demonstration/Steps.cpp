@@ -7,11 +7,13 @@
 #include "ClockMessages.hpp"
 #include "ComfortMessages.hpp"
 #include "DoorbellMessages.hpp"
+#include "FirmwareSteps.hpp"
 #include "LedMessages.hpp"
 #include "LinkMessages.hpp"
 #include "Peer.hpp"
 #include "RadWait.hpp"
 #include "RedundancyMessages.hpp"
+#include "Require.hpp"
 #include "SfpMessages.hpp"
 #include "TestNode.hpp"
 #include "boundaryIf/swpllstatemonitor/SwPllTypes.hpp"
@@ -56,13 +58,6 @@ std::string contentOf(const std::filesystem::path& path)
 {
     std::ifstream file(path);
     return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void require(bool condition, const std::string& otherwise)
-{
-    if (!condition) {
-        throw std::runtime_error(otherwise);
-    }
 }
 
 /// The node's log from now on.
@@ -119,6 +114,7 @@ private:
 
     void start(const std::string& name, const std::vector<std::string>& arguments = {});
     bool isWaiting(const std::string& name) const;
+    void updateFirmware();
     void startServices();
     void awaitUnits();
     void applyPlan();
@@ -197,6 +193,24 @@ bool Demonstration::isWaiting(const std::string& name) const
     const auto info = find(name);
     return info && info->alive && info->pid == m_board.service(name).pid() && !info->published.empty() &&
            info->published.front().value == waiting;
+}
+
+/// Before the other services start: a reset of the board kills whatever runs on it.
+void Demonstration::updateFirmware()
+{
+    const auto startFirmware = [this] {
+        start("FirmwareS");
+        setSwitch(ERadHwapi_SWDL, 1);
+    };
+    FirmwareSteps firmware(m_node, m_board, startFirmware, [this](const std::string& ending) { awaitLine(ending); });
+    step("the board runs an old FPGA image: FirmwareS finds a newer one and flashes both slots",
+         [&] { firmware.flashNewer(); });
+    step("the board is reset, and runs the new FPGA image", [&] { firmware.reset(); });
+    step("a damaged image and one for another board are refused with their reasons",
+         [&] { firmware.refuseBadImages(); });
+    step("an operator's marker files switch updates off, and force one", [&] { firmware.heedMarkers(); });
+    step("the power goes while a slot is flashed: the board runs the other one until it is flashed anew",
+         [&] { firmware.losePower(); });
 }
 
 void Demonstration::startServices()
@@ -476,6 +490,7 @@ void Demonstration::endAll()
 
 bool Demonstration::run()
 {
+    updateFirmware();
     step("nine services start as processes of their own, tell their unit and wait for messages",
          [this] { startServices(); });
     step("ClimateS and ComfortS have applied the plan, a RAML document on the board", [this] { applyPlan(); });

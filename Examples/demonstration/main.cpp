@@ -55,7 +55,7 @@ int showLive()
     for (const char* name : {"FaultManager", "RedundancyManager", "LedS", "ComfortS", "DoorbellS"}) {
         board.start(name);
     }
-    for (const char* name : {"SfpS", "LinkS", "ClockS"}) {
+    for (const char* name : {"SfpS", "LinkS", "ClockS", "FirmwareS"}) {
         board.start(name, {"-v"});
     }
     // ClimateS registers with the redundancy manager, and would wait ten seconds for one that is not there yet.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The services with simulated hardware switch their prints on when they are told to.
 #include "ClockS.hpp"
+#include "FirmwareS.hpp"
 #include "LinkS.hpp"
 #include "SfpS.hpp"
 
@@ -26,7 +27,7 @@ protected:
     }
 };
 
-using Services = ::testing::Types<SfpS, LinkS, ClockS>;
+using Services = ::testing::Types<SfpS, LinkS, ClockS, FirmwareS>;
 TYPED_TEST_SUITE(VerboseTest, Services);
 
 TYPED_TEST(VerboseTest, PrintsAreOffWithoutTheOption)

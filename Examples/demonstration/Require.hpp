@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+/// @file Require.hpp
+/// What a step of the demonstration has to see.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace dorn::demonstration {
+
+/// Ends the step unless @p condition holds. @throws std::runtime_error
+inline void require(bool condition, const std::string& otherwise)
+{
+    if (!condition) {
+        throw std::runtime_error(otherwise);
+    }
+}
+
+} // namespace dorn::demonstration
