@@ -2,6 +2,7 @@
 /// @file ImageFuzz.cpp
 /// Any bytes as a firmware image: every reader gives one of its results, and they agree with each other.
 #include "AaCpu.h"
+#include "FuzzBoard.hpp"
 #include "binary.h"
 
 #include <algorithm>
@@ -10,7 +11,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -19,43 +19,21 @@
 
 namespace {
 
+using dorn::fuzz::FuzzBoard;
+using dorn::fuzz::require;
+
 constexpr std::uint32_t ownId = 0x3A01;
 
-void require(bool holds)
+void writeImage(const FuzzBoard& board, const std::string& image)
 {
-    if (!holds) {
-        std::abort();
-    }
+    std::ofstream(board.place("/image.bin"), std::ios::binary) << image;
 }
 
-/// A board root of this program's own.
-class FuzzBoard {
-public:
-    FuzzBoard()
-    {
-        require(mkdtemp(m_directory.data()) != nullptr);
-        setenv("DORN_ROOT", m_directory.c_str(), 1);
-        setenv("DORN_RUN_DIR", m_directory.c_str(), 1);
-        setenv("DORN_LOG", "none", 1);
-    }
-    ~FuzzBoard()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_directory, ignored);
-    }
-    FuzzBoard(const FuzzBoard&) = delete;
-    FuzzBoard& operator=(const FuzzBoard&) = delete;
-
-    void write(const std::string& image) const { std::ofstream(m_directory + "/image.bin", std::ios::binary) << image; }
-    std::string payload() const
-    {
-        std::ifstream file(m_directory + "/payload", std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-private:
-    std::string m_directory = std::filesystem::temp_directory_path().string() + "/imageXXXXXX";
-};
+std::string payloadOn(const FuzzBoard& board)
+{
+    std::ifstream file(board.place("/payload"), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 template <std::size_t count>
 bool isOneOf(std::int32_t result, const std::array<std::int32_t, count>& results)
@@ -91,7 +69,7 @@ void checkCopy(const FuzzBoard& board, const std::string& image)
 {
     const std::int32_t result = binary_copy_without_trailer("/image.bin", "/payload");
     require(isOneOf<3>(result, {BINARY_COPY_OK, BINARY_COPY_NO_OFFSET_WORD, BINARY_COPY_OFFSET_INVALID}));
-    require(result != BINARY_COPY_OK || board.payload() == image.substr(0, beginningIn(image)));
+    require(result != BINARY_COPY_OK || payloadOn(board) == image.substr(0, beginningIn(image)));
 }
 
 void checkVersion(std::int32_t wholeness)
@@ -113,7 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     static const FuzzBoard board;
     const std::string image(reinterpret_cast<const char*>(data), size);
-    board.write(image);
+    writeImage(board, image);
 
     checkTrailer(image);
     checkCopy(board, image);
