@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <deque>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 
 namespace dorn::host {
@@ -62,6 +63,15 @@ std::string followLinks(const std::string& root, const std::string& path, LastLi
     return path.back() == '/' || followed.empty() ? followed + "/" : followed;
 }
 
+/// The path by its name on Linux: the platform calls the storage that survives a reset "/rpram", Linux "/var/tmp".
+std::string linuxPath(const std::string& path)
+{
+    constexpr std::string_view platformName = "/rpram";
+    const bool isBelow =
+        path.starts_with(platformName) && (path.size() == platformName.size() || path[platformName.size()] == '/');
+    return isBelow ? "/var/tmp" + path.substr(platformName.size()) : path;
+}
+
 } // namespace
 
 std::string boardPath(const std::string& targetPath, LastLink lastLink)
@@ -70,7 +80,7 @@ std::string boardPath(const std::string& targetPath, LastLink lastLink)
         return {};
     }
     // lexically_normal() drops every ".." that would lead above "/".
-    const std::string normal = std::filesystem::path(targetPath).lexically_normal().string();
+    const std::string normal = linuxPath(std::filesystem::path(targetPath).lexically_normal().string());
     const char* const root = std::getenv("DORN_ROOT");
     std::string path = root ? root : "";
     while (!path.empty() && path.back() == '/') {

@@ -48,6 +48,19 @@ TEST_F(BoardRootTest, SlashBehindTheRootIsNotDoubled)
     EXPECT_EQ(boardPath("/ram"), "/board/ram");
 }
 
+TEST_F(BoardRootTest, StorageThatSurvivesAResetHasTwoNames)
+{
+    setenv("DORN_ROOT", "/board", 1);
+    EXPECT_EQ(boardPath("/rpram"), "/board/var/tmp");
+    EXPECT_EQ(boardPath("/rpram/"), "/board/var/tmp/");
+    EXPECT_EQ(boardPath("/rpram/hwapi/x"), "/board/var/tmp/hwapi/x");
+    EXPECT_EQ(boardPath("/ram/../rpram/x"), "/board/var/tmp/x");
+    EXPECT_EQ(boardPath("/rpramx"), "/board/rpramx");
+    EXPECT_EQ(boardPath("/x/rpram"), "/board/x/rpram");
+    unsetenv("DORN_ROOT");
+    EXPECT_EQ(boardPath("/rpram/hwapi"), "/var/tmp/hwapi");
+}
+
 TEST_F(BoardRootTest, WithoutRootThePathStands)
 {
     unsetenv("DORN_ROOT");
