@@ -4,6 +4,7 @@
 #include "TreeBlobWriter.hpp"
 #include "description/TreeBlob.hpp"
 #include "fault/FaultStore.hpp"
+#include "fault/RioFaultStore.hpp"
 #include "node/BoardRoot.hpp"
 #include "node/PerNode.hpp"
 
@@ -179,6 +180,16 @@ void TestBoard::fail(const std::string& function, std::int32_t code, std::uint32
         throw std::invalid_argument("there is no driver function '" + function + "'");
     }
     host::PerNode<board::FaultStore>::get().set(*known, code, times, after);
+}
+
+void TestBoard::corruptRio(std::uint16_t device, std::uint32_t copies) const
+{
+    host::PerNode<board::RioFaultStore>::get().corrupt({0, device}, copies);
+}
+
+void TestBoard::slowRio(std::uint16_t device, std::chrono::milliseconds delay) const
+{
+    host::PerNode<board::RioFaultStore>::get().slow({0, device}, delay);
 }
 
 void TestBoard::write() const

@@ -5,6 +5,7 @@
 
 #include "description/DeviceTree.hpp"
 
+#include <chrono>
 #include <cstdint>
 #include <initializer_list>
 #include <string>
@@ -41,6 +42,12 @@ public:
     /// process and in all others of the node: what `dorn board fault` does. FailNth is for this process alone.
     /// @param function "ddal_fpga_update_mod"; another word throws std::invalid_argument
     void fail(const std::string& function, std::int32_t code, std::uint32_t times = 1, std::uint32_t after = 0) const;
+
+    /// Has a RapidIO device behind port 0 spoil the first byte of each of the next @p copies to it: what `dorn board
+    /// rio corrupt` does.
+    void corruptRio(std::uint16_t device, std::uint32_t copies = 1) const;
+    /// Has each copy to or from it take longer: `dorn board rio slow`.
+    void slowRio(std::uint16_t device, std::chrono::milliseconds delay) const;
 
     /// Where the blob lies: the value of `DORN_BOARD`.
     const std::string& path() const { return m_path; }

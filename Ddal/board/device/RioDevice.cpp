@@ -60,7 +60,8 @@ std::uint64_t RioMemory::bytesOnDisk() const
                : 0;
 }
 
-RioDevice::RioDevice(std::uint32_t port, const BoardNode& node) : m_id(node.number()), m_label(node.textIfAny("label"))
+RioDevice::RioDevice(std::uint32_t port, const BoardNode& node)
+    : m_port(port), m_id(node.number()), m_label(node.textIfAny("label"))
 {
     const std::string name = "rapidio-" + std::to_string(port) + "-device-" + std::to_string(m_id);
     for (const BoardNode& memory : node.numberedChildren()) {

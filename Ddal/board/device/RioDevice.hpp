@@ -29,6 +29,8 @@ public:
     /// @param node a node of a RapidIO port. @throws BoardFailure when its description makes no sense.
     RioDevice(std::uint32_t port, const BoardNode& node);
 
+    /// The number of the port behind which it is.
+    std::uint32_t port() const { return m_port; }
     std::uint32_t id() const { return m_id; }
     /// What people call it; may be empty.
     const std::string& label() const { return m_label; }
@@ -42,6 +44,7 @@ public:
 private:
     const RioMemory& memoryAt(std::uint64_t address, std::uint32_t size) const;
 
+    std::uint32_t m_port;
     std::uint32_t m_id;
     std::string m_label;
     std::vector<RioMemory> m_memories;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "device/RioDevice.hpp"
+#include "fault/RioFaultStore.hpp"
 
 #include <cstdint>
 #include <map>
@@ -15,7 +16,8 @@ namespace dorn::board {
 /// An open copy handle.
 struct RioHandle {
     RioDevice device;
-    std::uint32_t mode; ///< a value of #ddal_rio_mode
+    std::uint32_t mode;    ///< a value of #ddal_rio_mode
+    RioFaultStore* faults; ///< what devices have been told; null when nobody can tell them anything
 };
 
 class RioHandles {

@@ -6,6 +6,10 @@
 #include "driver/DriverCall.hpp"
 #include "driver/RioHandles.hpp"
 #include "node/PerNode.hpp"
+#include "port/Clock.hpp"
+
+#include <atomic>
+#include <vector>
 
 namespace {
 
@@ -38,6 +42,49 @@ std::shared_ptr<const RioHandle> requireHandle(std::int32_t number, ddal_rio_mod
     return handle;
 }
 
+/// Without the store nobody has told the devices anything.
+RioFaultStore* openFaults()
+{
+    try {
+        return &dorn::host::PerNode<RioFaultStore>::get();
+    } catch (const std::exception& failure) {
+        reportFailure(DriverFunction("ddal_rio_copy_open_fd"), failure);
+        return nullptr;
+    }
+}
+
+RioAddress addressOf(const RioHandle& handle)
+{
+    return {handle.device.port(), handle.device.id()};
+}
+
+/// Waits as long as the device has been told to take longer.
+void waitForSlow(const RioHandle& handle)
+{
+    dorn::host::Clock& clock = dorn::host::Clock::get();
+    const auto delay = handle.faults ? handle.faults->delayOf(addressOf(handle)) : std::chrono::milliseconds(0);
+    if (delay == delay.zero()) {
+        return;
+    }
+    const dorn::host::Deadline until = clock.monotonic() + delay;
+    std::atomic<std::uint32_t> nobodyWakes{0};
+    while (clock.monotonic() < until) {
+        clock.waitWhile(nobodyWakes, 0, until, false);
+    }
+}
+
+/// Writes, and spoils what is written if the device has been told to.
+void write(const RioHandle& handle, std::uint64_t address, const char* data, std::uint32_t size)
+{
+    if (!handle.faults || !handle.faults->takeCorruption(addressOf(handle))) {
+        handle.device.write(address, data, size);
+        return;
+    }
+    std::vector<char> spoilt(data, data + size);
+    spoilt.front() = static_cast<char>(~spoilt.front());
+    handle.device.write(address, spoilt.data(), size);
+}
+
 } // namespace
 
 int32_t ddal_rio_get_own_id(uint16_t* id)
@@ -52,7 +99,7 @@ int32_t ddal_rio_copy_open_fd(uint32_t port, uint16_t deviceId, uint32_t mode, i
         if (mode > DDAL_RIO_READ_WRITE) {
             throw BoardFailure(DDAL_ERROR_INVALID_ARGUMENT, "there is no mode " + std::to_string(mode));
         }
-        result = handles().add({rioPort(port).device(deviceId), mode});
+        result = handles().add({rioPort(port).device(deviceId), mode, openFaults()});
     });
 }
 
@@ -61,7 +108,9 @@ int32_t ddal_rio_copy_to_fd(int32_t handle, uint64_t address, const void* buffer
     return driverCall(DriverFunction("ddal_rio_copy_to_fd"), [&] {
         const auto open = requireHandle(handle, DDAL_RIO_READ, " for writing");
         if (size != 0) {
-            open->device.write(address, &require(static_cast<const char*>(buffer)), size);
+            const char* const data = &require(static_cast<const char*>(buffer));
+            waitForSlow(*open);
+            write(*open, address, data, size);
         }
     });
 }
@@ -71,7 +120,9 @@ int32_t ddal_rio_copy_from_fd(int32_t handle, uint64_t address, void* buffer, ui
     return driverCall(DriverFunction("ddal_rio_copy_from_fd"), [&] {
         const auto open = requireHandle(handle, DDAL_RIO_WRITE, " for reading");
         if (size != 0) {
-            open->device.read(address, &require(static_cast<char*>(buffer)), size);
+            char* const data = &require(static_cast<char*>(buffer));
+            waitForSlow(*open);
+            open->device.read(address, data, size);
         }
     });
 }

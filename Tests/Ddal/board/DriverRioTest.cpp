@@ -2,11 +2,13 @@
 // Copying to and from the memory of RapidIO devices.
 #include "BoardTest.hpp"
 #include "FailingFilePort.hpp"
+#include "ManualClock.hpp"
 #include "ddal_rio.h"
 #include "driver/RioHandles.hpp"
 #include "node/PerNode.hpp"
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <numeric>
@@ -262,6 +264,65 @@ TEST_F(DriverRioTest, DiskErrorsAreTheDevices)
         EXPECT_EQ(handle.write(memoryBegin, "x"), DDAL_ERROR_IO);
     }
     EXPECT_EQ(handle.write(memoryBegin, "x"), DDAL_OK);
+}
+
+TEST_F(DriverRioTest, CorruptingDeviceSpoilsTheFirstByteOfACopy)
+{
+    const Handle handle;
+    m_board.corruptRio(device, 2);
+
+    for (const std::uint64_t offset : {0U, 16U, 32U}) {
+        EXPECT_EQ(handle.write(memoryBegin + offset, "data"), DDAL_OK);
+    }
+
+    const std::string spoilt = std::string(1, static_cast<char>(~'d')) + "ata";
+    EXPECT_EQ(handle.read(memoryBegin, 4), spoilt);
+    EXPECT_EQ(handle.read(memoryBegin + 16, 4), spoilt);
+    EXPECT_EQ(handle.read(memoryBegin + 32, 4), "data");
+}
+
+TEST_F(DriverRioTest, OtherDevicesDoNotCorrupt)
+{
+    m_board.cells("rapidio/port@0/device@11", "reg", {0x11});
+    m_board.cells("rapidio/port@0/device@11/memory@80000000", "reg", {0, 0x80000000, 0, 0x1000});
+    m_board.corruptRio(0x11);
+    const Handle handle;
+
+    EXPECT_EQ(handle.write(memoryBegin, "data"), DDAL_OK);
+
+    EXPECT_EQ(handle.read(memoryBegin, 4), "data");
+}
+
+TEST_F(DriverRioTest, SlowDeviceTakesItsTimeForEachCopy)
+{
+    using namespace std::chrono_literals;
+    testkit::ManualClock clock;
+    const Handle handle;
+    m_board.slowRio(device, 500ms);
+    std::jthread time([&clock] {
+        for (int copy = 0; copy < 2; ++copy) {
+            EXPECT_TRUE(clock.waitForSleepers());
+            clock.advance(499ms);
+            EXPECT_TRUE(clock.waitForSleepers()) << "too fast";
+            clock.advance(1ms);
+        }
+    });
+    const auto begin = clock.monotonic();
+
+    EXPECT_EQ(handle.write(memoryBegin, "data"), DDAL_OK);
+    EXPECT_EQ(handle.read(memoryBegin, 4), "data");
+
+    EXPECT_EQ(clock.monotonic() - begin, 1s);
+}
+
+TEST_F(DriverRioTest, StoreOfFaultsThatCannotBeOpenedIsInNobodysWay)
+{
+    std::filesystem::create_directory(m_node.nodeDirectory() + "/board.rapidio");
+    const Handle handle;
+
+    EXPECT_EQ(handle.write(memoryBegin, "data"), DDAL_OK);
+
+    EXPECT_EQ(handle.read(memoryBegin, 4), "data");
 }
 
 TEST_F(DriverRioTest, ThreadsCopyThroughOneHandleAtOnce)
