@@ -45,6 +45,11 @@ std::map<std::string, int> Board::end()
     for (const auto& [name, process] : m_services) {
         process->signal(SIGTERM);
     }
+    return awaitEnd();
+}
+
+std::map<std::string, int> Board::awaitEnd()
+{
     std::map<std::string, int> statuses;
     for (const auto& [name, process] : m_services) {
         statuses[name] = process->waitForEnd();

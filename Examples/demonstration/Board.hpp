@@ -24,6 +24,8 @@ public:
     /// The services that run.
     std::vector<std::string> running() const;
 
+    /// Waits until all have ended. @return their exit statuses, negative for a signal.
+    std::map<std::string, int> awaitEnd();
     /// Asks all that run to end, as SIGTERM does, and waits for them.
     /// @return their exit statuses, negative for a signal. A service that ended well has 1.
     std::map<std::string, int> end();

@@ -7,6 +7,7 @@
 #include "ClockMessages.hpp"
 #include "ComfortMessages.hpp"
 #include "DoorbellMessages.hpp"
+#include "DownloadMessages.hpp"
 #include "FirmwareSteps.hpp"
 #include "LedMessages.hpp"
 #include "LinkMessages.hpp"
@@ -14,12 +15,15 @@
 #include "RadWait.hpp"
 #include "RedundancyMessages.hpp"
 #include "Require.hpp"
+#include "ResetMessages.hpp"
 #include "SfpMessages.hpp"
 #include "TestNode.hpp"
 #include "boundaryIf/swpllstatemonitor/SwPllTypes.hpp"
 #include "config/RadStore.hpp"
 #include "ddal_devicetree.h"
+#include "ddal_ffs.h"
 #include "ddal_fpga.h"
+#include "device/Resets.hpp"
 #include "fault/FaultStore.hpp"
 #include "log/LogReader.hpp"
 #include "node/EeTable.hpp"
@@ -132,6 +136,8 @@ private:
     void loseReference();
     void switchOver();
     void useDrivers();
+    void loadDsp();
+    void resetBoard();
     void killAndRestart();
     void refuseSecond();
     void endAll();
@@ -224,6 +230,9 @@ void Demonstration::startServices()
     start("SfpS");
     start("LinkS");
     start("ClockS");
+    start("MountS");
+    start("DownloadS");
+    start("ResetS");
     const auto led = find("LedS");
     require(led && led->alive, "LedS is not listed as alive");
     awaitUnits();
@@ -461,6 +470,48 @@ void Demonstration::useDrivers()
     require(ddal_fpga_update_mod(fpga, DDAL_FPGA_SLOT_PRIMARY, "/tmp/fpgafile") == DDAL_OK, "the FPGA is not flashed");
 }
 
+std::uint32_t modeOf(std::uint32_t fileSystem)
+{
+    std::uint32_t mode = 0;
+    require(ddal_ffs_is_mounted(fileSystem, &mode) == DDAL_OK, "the driver does not know the file system");
+    return mode;
+}
+
+void Demonstration::loadDsp()
+{
+    m_node.writeBoardFile("/ram/dsp.bin", std::string(300'000, 'd'));
+    require(modeOf(1) == DDAL_FFS_READ_ONLY, "the file system is not mounted read-only");
+    testkit::Peer peer;
+    SDownloadReq request{.transactionId = 15, .device = 0x10, .addressHigh = 0, .addressLow = 0x0C000000, .file = {}};
+    std::snprintf(request.file.data(), request.file.size(), "/ram/dsp.bin");
+    peer.send<DownloadReqMsg>(downloadServiceCpid, request);
+    const auto answer = peer.expect<DownloadRespMsg>(stepBound);
+    require(answer->writeResult == 0 && answer->validationResult == 0, "the DSP is not loaded");
+    require(answer->isWritable == 1 && modeOf(1) == DDAL_FFS_READ_WRITE && modeOf(2) == DDAL_FFS_READ_WRITE,
+            "the file systems are not mounted read-write");
+    std::printf("                  | 300000 bytes verified, file systems read-write\n");
+}
+
+void Demonstration::resetBoard()
+{
+    const std::uint32_t resets = board::resetCount();
+    testkit::Peer peer;
+    SResetReq request{.transactionId = 16, .reason = 7, .text = {}};
+    std::snprintf(request.text.data(), request.text.size(), "the demonstration wanted it");
+    peer.send<ResetReqMsg>(resetServiceCpid, request);
+    for (const auto& [name, status] : m_board.awaitEnd()) {
+        require(status == -SIGKILL, name + " does not end with the board");
+    }
+    require(board::resetCount() == resets + 1, "the board has not counted its reset");
+    startServices();
+    peer.send<ResetShowReqMsg>(resetServiceCpid, {.transactionId = 17});
+    const auto last = peer.expect<ResetShowRespMsg>(stepBound);
+    require(last->isKnown == 1 && last->reason == 7, "the reason did not survive");
+    std::printf("                  | start %u, last reset because of %u: %s\n", last->startCount, last->reason,
+                last->text.data());
+    require(modeOf(1) == DDAL_FFS_READ_ONLY, "the file system is not mounted as each start mounts it");
+}
+
 void Demonstration::killAndRestart()
 {
     m_board.service("ClimateS").signal(SIGKILL);
@@ -491,7 +542,7 @@ void Demonstration::endAll()
 bool Demonstration::run()
 {
     updateFirmware();
-    step("nine services start as processes of their own, tell their unit and wait for messages",
+    step("twelve services start as processes of their own, tell their unit and wait for messages",
          [this] { startServices(); });
     step("ClimateS and ComfortS have applied the plan, a RAML document on the board", [this] { applyPlan(); });
     step("an operator switches prints on, and off again, while the services run", [this] { switchPrintsOn(); });
@@ -508,6 +559,9 @@ bool Demonstration::run()
     step("the clock reference is lost: the PLL goes into holdover, the oscillator drifts", [this] { loseReference(); });
     step("the redundancy manager drives ClimateS through a switch-over and back", [this] { switchOver(); });
     step("drivers tell what the board is, flash an FPGA, and fail when they are told to", [this] { useDrivers(); });
+    step("a DSP is loaded over RapidIO and verified, the file systems are mounted read-write", [this] { loadDsp(); });
+    step("the watchdog resets the board; all services start again, and the reason has survived",
+         [this] { resetBoard(); });
     step("ClimateS is killed, listed as dead, started again and finds its cpid free", [this] { killAndRestart(); });
     step("a second LedS is refused while the first lives", [this] { refuseSecond(); });
     step("all services are asked to end, and end in state 4", [this] { endAll(); });
