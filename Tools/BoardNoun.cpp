@@ -12,6 +12,8 @@ void addBoardNoun(Program& program)
     CLI::App& noun = program.addNoun("board", "The hardware of the board, and what happens to it");
     addBoardShow(program, noun);
     addBoardFault(program, noun);
+    addBoardReset(program, noun);
+    addBoardRio(program, noun);
     addBoardSfp(program, noun);
     addBoardLink(program, noun);
     addBoardClock(program, noun);

@@ -60,13 +60,18 @@ std::int32_t sendToManager(const Manager& manager, TAaSysComMsgId id, BytesView 
     return AaSysComMsgSend(&message);
 }
 
+void sendOrExplain(const Manager& manager, TAaSysComMsgId id, BytesView payload)
+{
+    if (const std::int32_t status = sendToManager(manager, id, payload); status != EAaSysComStatus_Ok) {
+        explain(manager, status);
+    }
+}
+
 MessageHandle askManager(const Manager& manager, TAaSysComMsgId id, BytesView request, TAaSysComMsgId answerId,
                          std::size_t leastSize)
 {
     const host::Deadline until = host::Clock::get().monotonic() + patience;
-    if (const std::int32_t status = sendToManager(manager, id, request); status != EAaSysComStatus_Ok) {
-        explain(manager, status);
-    }
+    sendOrExplain(manager, id, request);
     const std::uint32_t transactionId = transactionOf(request);
     while (MessageHandle message = receive(until)) {
         if (isAnswer(message.get(), answerId, leastSize, transactionId)) {

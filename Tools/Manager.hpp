@@ -59,6 +59,9 @@ private:
 /// Sends bytes to a manager. @return an EAaSysComStatus.
 std::int32_t sendToManager(const Manager& manager, TAaSysComMsgId id, BytesView payload);
 
+/// The same. @throws Failure when it could not be delivered.
+void sendOrExplain(const Manager& manager, TAaSysComMsgId id, BytesView payload);
+
 /// Sends a request of at least 4 bytes, the first of which are its transaction id, and waits for the answer with the
 /// same transaction id. Other messages are dropped.
 /// @param leastSize bytes that the answer has at least

@@ -18,6 +18,8 @@ void addRedundancyNoun(Program& program);
 void addBoardNoun(Program& program);
 void addRamlNoun(Program& program);
 void addImageNoun(Program& program);
+void addRpramNoun(Program& program);
+void addSrioNoun(Program& program);
 void addCompletionNoun(Program& program);
 
 /// Adds them all, in the order of the help.
@@ -33,6 +35,8 @@ inline void addNouns(Program& program)
     addBoardNoun(program);
     addRamlNoun(program);
     addImageNoun(program);
+    addRpramNoun(program);
+    addSrioNoun(program);
     addCompletionNoun(program);
 }
 

@@ -66,6 +66,8 @@ TEST_F(ProgramTest, HelpNamesEveryNoun)
               "  board                   The hardware of the board, and what happens to it\n"
               "  raml                    RAML configuration documents, in files or pipes\n"
               "  image                   Firmware images: a payload with a trailer\n"
+              "  rpram                   The reset-persistent fields: what survives a reset of the unit\n"
+              "  srio                    The memory of the devices behind RapidIO\n"
               "  completion              Completion of this command in a shell\n"
               "\n"
               "Exit status: 0 fine, 1 the answer is no, 2 wrong use.\n"
@@ -109,6 +111,7 @@ TEST_F(ProgramTest, HelpOfANounNamesItsParts)
     EXPECT_EQ(run("dorn board --help"), Outcome::Fine);
     EXPECT_THAT(m_console.answer(),
                 HasSubstr("Parts, with verbs of their own:\n"
+                          "  rio                     The RapidIO devices and what goes wrong with them\n"
                           "  sfp                     The SFP cages and their modules\n"
                           "  link                    The baseband links and their fibres\n"
                           "  clock                   The clock reference, the oscillator and what follows them\n"));
@@ -153,10 +156,10 @@ INSTANTIATE_TEST_SUITE_P(
     Lines, WrongUseTest,
     ::testing::Values(
         WrongUseCase{"dorn", "dorn: 'dorn' needs a noun: alarm, board, completion, image, log, msg, rad, raml, "
-                             "redundancy, service, tag\nTry 'dorn --help'\n"},
+                             "redundancy, rpram, service, srio, tag\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn foo",
                      "dorn: unknown noun 'foo'; there are alarm, board, completion, image, log, msg, rad, raml, "
-                     "redundancy, service, tag\nTry 'dorn --help'\n"},
+                     "redundancy, rpram, service, srio, tag\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn --foo", "dorn: unknown option '--foo' of 'dorn'\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn rad", "dorn: 'dorn rad' needs a verb: get, list, set, watch\nTry 'dorn rad --help'\n"},
         WrongUseCase{"dorn rad lst",
