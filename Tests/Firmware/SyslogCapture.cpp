@@ -19,6 +19,8 @@ std::string nameOf(int priority)
         return "info";
     case LOG_DEBUG:
         return "debug";
+    case LOG_ERR:
+        return "error";
     default:
         return std::to_string(priority);
     }

@@ -50,7 +50,7 @@ bool succeeds(TAaTrblFileCallback step, const std::string& path, void* opaque)
 TroubleFiles::TroubleFiles() : TroubleFiles(PerNode<RunDirectory>::get()) {}
 
 TroubleFiles::TroubleFiles(const RunDirectory& directory)
-    : m_store(directory, "trouble", {0x6C627274, 1, headerSize + capacity * sizeof(Record)})
+    : m_store(directory, "trouble", {0x6C627274, 2, headerSize + capacity * sizeof(Record)})
 {
 }
 

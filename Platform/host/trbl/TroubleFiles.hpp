@@ -42,7 +42,7 @@ struct TroubleFileSteps {
 class TroubleFiles {
 public:
     static constexpr std::size_t capacity = 128;
-    static constexpr std::size_t nameSize = 32;  ///< with the terminator
+    static constexpr std::size_t nameSize = 64;  ///< with the terminator
     static constexpr std::size_t pathSize = 256; ///< with the terminator
 
     /// Opens the list of this process's node. @throws EnvironmentError. Use it through `PerNode<TroubleFiles>`.
