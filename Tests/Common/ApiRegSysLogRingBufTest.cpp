@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ApiRegSysLogRingBuf.h"
 
+#include "Bound.hpp"
 #include "FailNth.hpp"
 #include "LogCapture.hpp"
 #include "TestNode.hpp"
@@ -11,7 +12,7 @@
 #include "AaTrbl.h"
 #include "node/PerNode.hpp"
 #include "rad/ERadHwapi.h"
-#include "trbl/TroubleFiles.hpp"
+#include "trbl/TroubleCollection.hpp"
 
 #include <gmock/gmock.h>
 #include <string>
@@ -26,6 +27,8 @@ namespace dorn::test {
 namespace {
 
 using host::PerNode;
+using host::TroubleAnswer;
+using host::TroubleCollection;
 using host::TroubleFile;
 using host::TroubleFiles;
 using testing::ElementsAre;
@@ -89,7 +92,7 @@ TEST_F(RingBufferRegistrationTest, BufferAndFileAreRegistered)
     const TroubleFile file = PerNode<TroubleFiles>::get().list().front();
     EXPECT_EQ(file.name, "dsp.log");
     EXPECT_EQ(file.priority, 1U);
-    EXPECT_TRUE(file.isProduced);
+    EXPECT_TRUE(file.hasSteps);
     EXPECT_THAT(m_log.texts(), ElementsAre("Info 0x20046 hwApiRegisterSysLogRingBuffer() call "
                                            "AaTrblFileRegister(/ram/dsp.log)"));
     EXPECT_EQ(AaSysLogDumpRingBufferToFile(feature, "/ram/dump"), 0);
@@ -266,6 +269,11 @@ TEST_F(RingBufferRegistrationTest, FunctionsAreCalledFromC)
 
 class RingBufferFileTest : public RingBufferRegistrationTest {
 protected:
+    static TroubleCollection collect()
+    {
+        return {PerNode<TroubleFiles>::get(), host::Clock::get().monotonic() + testkit::generousBound};
+    }
+
     std::uint32_t m_context = feature;
 };
 
@@ -353,11 +361,12 @@ TEST_F(RingBufferFileTest, CollectedFileHoldsTheBufferAndIsGoneAfterwards)
     ASSERT_EQ(add(feature, "dsp.log"), 1U);
     AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, feature, "a line");
 
-    std::string collected;
-    PerNode<TroubleFiles>::get().collectOwn(
-        [&](const TroubleFile& file) { collected = m_node.readBoardFile(file.path); });
-
-    EXPECT_THAT(collected, HasSubstr("a line\n"));
+    {
+        const TroubleCollection collection = collect();
+        ASSERT_EQ(collection.files().size(), 1U);
+        EXPECT_EQ(collection.files()[0].answer, TroubleAnswer::Done);
+        EXPECT_THAT(m_node.readBoardFile("/ram/dsp.log"), HasSubstr("a line\n"));
+    }
     EXPECT_THROW(static_cast<void>(m_node.readBoardFile("/ram/dsp.log")), std::system_error);
 }
 
@@ -369,10 +378,7 @@ TEST_F(RingBufferFileTest, FileWithoutContextIsNotTaken)
     }
     m_log.clear();
 
-    int taken = 0;
-    PerNode<TroubleFiles>::get().collectOwn([&](const TroubleFile&) { ++taken; });
-
-    EXPECT_EQ(taken, 0);
+    EXPECT_EQ(collect().files()[0].answer, TroubleAnswer::Failed);
     EXPECT_THAT(m_log.texts(), ElementsAre("Warning 0x2000f hwApiAaStoreFileDefaultCb failed, NULL pointers, "
                                            "fileName: OK, opaque: NULL"));
 }

@@ -4,36 +4,15 @@
 #include "AaSysLog.h"
 #include "log/Log.hpp"
 #include "node/PerNode.hpp"
+#include "node/SignalsBlocked.hpp"
 
 #include <algorithm>
-#include <csignal>
 #include <pthread.h>
 #include <system_error>
 #include <utility>
 #include <vector>
 
 namespace dorn::host {
-namespace {
-
-/// Signals are for the process's own threads.
-class SignalsBlocked {
-public:
-    SignalsBlocked()
-    {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &m_previous);
-    }
-    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &m_previous, nullptr); }
-    SignalsBlocked(const SignalsBlocked&) = delete;
-    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
-private:
-    sigset_t m_previous{};
-};
-
-} // namespace
-
 bool isProcessTag(const std::string& name)
 {
     return name.starts_with("tessel.service.");

@@ -33,8 +33,7 @@ int32_t AaTrblFileRegister(const char* name, const char* path, uint32_t priority
     }
     const CancellationOff off; // not a wait
     try {
-        if (PerNode<TroubleFiles>::get().add({name, path, priority, store != nullptr},
-                                             {prepare, store, remove, opaque})) {
+        if (PerNode<TroubleFiles>::get().add(name, path, priority, {prepare, store, remove, opaque})) {
             return registered;
         }
         AaSysLogPrint(EAaSysLogSeverityLevel_Warning,

@@ -4,7 +4,7 @@
 #include "FailingFilePort.hpp"
 #include "NodeTest.hpp"
 #include "node/PerNode.hpp"
-#include "trbl/TroubleFiles.hpp"
+#include "trbl/TroubleCollection.hpp"
 
 #include <gmock/gmock.h>
 #include <ostream>
@@ -17,14 +17,14 @@ namespace dorn::host {
 
 void PrintTo(const TroubleFile& file, std::ostream* stream)
 {
-    *stream << file.name << " " << file.path << " " << file.priority << (file.isProduced ? " produced " : " ")
+    *stream << file.name << " " << file.path << " " << file.priority << (file.hasSteps ? " with steps " : " ")
             << file.pid;
 }
 
 bool operator==(const TroubleFile& left, const TroubleFile& right)
 {
     return left.name == right.name && left.path == right.path && left.priority == right.priority &&
-           left.isProduced == right.isProduced && left.pid == right.pid;
+           left.hasSteps == right.hasSteps && left.pid == right.pid;
 }
 
 namespace {
@@ -62,10 +62,15 @@ protected:
         return AaTrblFileRegister(name, path, priority, 0, step<'p'>, step<'s'>, step<'r'>, context);
     }
     static TroubleFiles& files() { return PerNode<TroubleFiles>::get(); }
-    /// Collects the files of this process; a file that is taken is a step, too.
+    /// Collects the files of the node; a file that is taken is a step, too.
     static void collect()
     {
-        files().collectOwn([](const TroubleFile& file) { steps.push_back("take " + file.path); });
+        const TroubleCollection collection(files(), Clock::get().monotonic() + testkit::generousBound);
+        for (const auto& [file, answer] : collection.files()) {
+            if (answer == TroubleAnswer::Done) {
+                steps.push_back("take " + file.path);
+            }
+        }
     }
 };
 
@@ -93,7 +98,7 @@ TEST_F(AaTrblTest, FileOfAnotherProcessIsListedAlsoAfterItsEnd)
 
     EXPECT_THAT(files().list(), ElementsAre(TroubleFile{"dump", "/ram/dump", 2, false, child}));
     collect();
-    EXPECT_THAT(steps, IsEmpty());
+    EXPECT_THAT(steps, ElementsAre("take /ram/dump"));
 
     EXPECT_EQ(add("dump", "/ram/dump", 3), 0);
     EXPECT_THAT(files().list(), ElementsAre(TroubleFile{"dump", "/ram/dump", 3, false, getpid()}));
@@ -108,7 +113,7 @@ TEST_F(AaTrblTest, FileThatIsRegisteredAgainIsReplaced)
     EXPECT_THAT(files().list(), ElementsAre(TroubleFile{"dump", "/ram/other", 6, false, getpid()},
                                             TroubleFile{"dump", "/ram/dump", 7, true, getpid()}));
     collect();
-    EXPECT_THAT(steps, ElementsAre("take /ram/other", "p /ram/dump mine", "s /ram/dump mine", "take /ram/dump",
+    EXPECT_THAT(steps, ElementsAre("p /ram/dump mine", "s /ram/dump mine", "take /ram/other", "take /ram/dump",
                                    "r /ram/dump mine"));
 }
 
@@ -119,8 +124,8 @@ TEST_F(AaTrblTest, FilesAreCollectedStepByStepInTheirOrder)
 
     collect();
 
-    EXPECT_THAT(steps, ElementsAre("p /ram/a mine", "s /ram/a mine", "take /ram/a", "r /ram/a mine", "p /ram/b mine",
-                                   "s /ram/b mine", "take /ram/b", "r /ram/b mine"));
+    EXPECT_THAT(steps, ElementsAre("p /ram/a mine", "s /ram/a mine", "p /ram/b mine", "s /ram/b mine", "take /ram/a",
+                                   "take /ram/b", "r /ram/a mine", "r /ram/b mine"));
 }
 
 TEST_F(AaTrblTest, FileOfWhichAStepFailsIsNotTaken)
@@ -135,8 +140,8 @@ TEST_F(AaTrblTest, FileOfWhichAStepFailsIsNotTaken)
     steps.clear();
     failingStep = "s /ram/b";
     collect();
-    EXPECT_THAT(steps, ElementsAre("p /ram/a mine", "s /ram/a mine", "take /ram/a", "r /ram/a mine", "p /ram/b mine",
-                                   "s /ram/b mine"));
+    EXPECT_THAT(steps, ElementsAre("p /ram/a mine", "s /ram/a mine", "p /ram/b mine", "s /ram/b mine", "take /ram/a",
+                                   "r /ram/a mine"));
 }
 
 TEST_F(AaTrblTest, BadArgumentsAreRefused)
