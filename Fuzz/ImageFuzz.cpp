@@ -11,29 +11,16 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <syslog.h>
 #include <zlib.h>
 
 namespace {
 
-using dorn::fuzz::FuzzBoard;
-using dorn::fuzz::require;
-
 constexpr std::uint32_t ownId = 0x3A01;
 
-void writeImage(const FuzzBoard& board, const std::string& image)
-{
-    std::ofstream(board.place("/image.bin"), std::ios::binary) << image;
-}
-
-std::string payloadOn(const FuzzBoard& board)
-{
-    std::ifstream file(board.place("/payload"), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+using dorn::fuzz::FuzzBoard;
+using dorn::fuzz::require;
 
 template <std::size_t count>
 bool isOneOf(std::int32_t result, const std::array<std::int32_t, count>& results)
@@ -69,7 +56,7 @@ void checkCopy(const FuzzBoard& board, const std::string& image)
 {
     const std::int32_t result = binary_copy_without_trailer("/image.bin", "/payload");
     require(isOneOf<3>(result, {BINARY_COPY_OK, BINARY_COPY_NO_OFFSET_WORD, BINARY_COPY_OFFSET_INVALID}));
-    require(result != BINARY_COPY_OK || payloadOn(board) == image.substr(0, beginningIn(image)));
+    require(result != BINARY_COPY_OK || board.read("/payload") == image.substr(0, beginningIn(image)));
 }
 
 void checkVersion(std::int32_t wholeness)
@@ -91,7 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     static const FuzzBoard board;
     const std::string image(reinterpret_cast<const char*>(data), size);
-    writeImage(board, image);
+    board.write("/image.bin", image);
 
     checkTrailer(image);
     checkCopy(board, image);
