@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#include "SupervisorS.hpp"
+
+#include "AaSysLog.h"
+
+#include <array>
+#include <climits>
+#include <poll.h>
+#include <unistd.h>
+
+namespace dorn::examples {
+namespace {
+
+using vel::hwapi::common::EventDispatcher;
+
+constexpr unsigned int dispatcherId = 2;
+constexpr unsigned int priority = 5;
+constexpr unsigned int stackSize = 16384;
+
+} // namespace
+
+SupervisorS::SupervisorS(int fifo)
+    : Service("SupervisorS", supervisorServiceCpid, ERadHwapi_STARTUP, ERadHwapiState_SupervisorServiceState),
+      m_fifo(fifo),
+      m_dispatcher(*EventDispatcher::Get(dispatcherId))
+{
+}
+
+void SupervisorS::Init()
+{
+    m_dispatcher.RegisterEventHandler(m_fifo, *this, POLLIN);
+    m_dispatcher.Setup(GetRadId(), "SupervisorFifo", priority, stackSize);
+}
+
+void SupervisorS::HandleEvent(int fd)
+{
+    std::array<char, PIPE_BUF> message{}; // what is written at once and is no longer arrives in one piece
+    const ssize_t size = read(fd, message.data(), message.size());
+    if (size > 0) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Info, GetRadId(), "Supervisor is told: %.*s", static_cast<int>(size),
+                       message.data());
+    }
+}
+
+SupervisorS::~SupervisorS()
+{
+    m_dispatcher.Stop();
+    m_dispatcher.UnregisterEventHandler(m_fifo);
+}
+
+} // namespace dorn::examples
