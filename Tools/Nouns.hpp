@@ -20,6 +20,8 @@ void addRamlNoun(Program& program);
 void addImageNoun(Program& program);
 void addRpramNoun(Program& program);
 void addSrioNoun(Program& program);
+void addPostNoun(Program& program);
+void addSnapshotNoun(Program& program);
 void addCompletionNoun(Program& program);
 
 /// Adds them all, in the order of the help.
@@ -37,6 +39,8 @@ inline void addNouns(Program& program)
     addImageNoun(program);
     addRpramNoun(program);
     addSrioNoun(program);
+    addPostNoun(program);
+    addSnapshotNoun(program);
     addCompletionNoun(program);
 }
 

@@ -2,10 +2,9 @@
 #include "TimeLimit.hpp"
 
 #include "Outcome.hpp"
+#include "node/SignalsBlocked.hpp"
 
-#include <csignal>
 #include <cstdlib>
-#include <pthread.h>
 #include <unistd.h>
 
 namespace dorn::tool {
@@ -13,12 +12,8 @@ namespace dorn::tool {
 TimeLimit::TimeLimit(host::Nanoseconds limit, std::function<void()> giveUp)
     : m_until(host::Clock::get().monotonic() + limit), m_giveUp(std::move(giveUp))
 {
-    sigset_t all;
-    sigset_t previous;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &previous);
+    const host::SignalsBlocked untilStarted;
     m_thread = std::thread([this] { run(); });
-    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
 }
 
 TimeLimit::~TimeLimit()

@@ -68,6 +68,8 @@ TEST_F(ProgramTest, HelpNamesEveryNoun)
               "  image                   Firmware images: a payload with a trailer\n"
               "  rpram                   The reset-persistent fields: what survives a reset of the unit\n"
               "  srio                    The memory of the devices behind RapidIO\n"
+              "  post                    The results of power-on self-tests\n"
+              "  snapshot                Gathers all that is known of the node in one archive\n"
               "  completion              Completion of this command in a shell\n"
               "\n"
               "Exit status: 0 fine, 1 the answer is no, 2 wrong use.\n"
@@ -155,11 +157,12 @@ TEST_P(WrongUseTest, IsExplainedAndStatus2)
 INSTANTIATE_TEST_SUITE_P(
     Lines, WrongUseTest,
     ::testing::Values(
-        WrongUseCase{"dorn", "dorn: 'dorn' needs a noun: alarm, board, completion, image, log, msg, rad, raml, "
-                             "redundancy, rpram, service, srio, tag\nTry 'dorn --help'\n"},
+        WrongUseCase{"dorn",
+                     "dorn: 'dorn' needs a noun: alarm, board, completion, image, log, msg, post, rad, raml, "
+                     "redundancy, rpram, service, snapshot, srio, tag\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn foo",
-                     "dorn: unknown noun 'foo'; there are alarm, board, completion, image, log, msg, rad, raml, "
-                     "redundancy, rpram, service, srio, tag\nTry 'dorn --help'\n"},
+                     "dorn: unknown noun 'foo'; there are alarm, board, completion, image, log, msg, post, rad, raml, "
+                     "redundancy, rpram, service, snapshot, srio, tag\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn --foo", "dorn: unknown option '--foo' of 'dorn'\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn rad", "dorn: 'dorn rad' needs a verb: get, list, set, watch\nTry 'dorn rad --help'\n"},
         WrongUseCase{"dorn rad lst",
