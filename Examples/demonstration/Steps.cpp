@@ -12,6 +12,8 @@
 #include "LedMessages.hpp"
 #include "LinkMessages.hpp"
 #include "Peer.hpp"
+#include "PostMessages.hpp"
+#include "Process.hpp"
 #include "RadWait.hpp"
 #include "RedundancyMessages.hpp"
 #include "Require.hpp"
@@ -134,6 +136,8 @@ private:
     void plugModule();
     void breakLink();
     void loseReference();
+    void runSelfTests();
+    void takeSnapshot();
     void switchOver();
     void useDrivers();
     void loadDsp();
@@ -233,6 +237,8 @@ void Demonstration::startServices()
     start("MountS");
     start("DownloadS");
     start("ResetS");
+    start("SupervisorS");
+    start("PostS");
     const auto led = find("LedS");
     require(led && led->alive, "LedS is not listed as alive");
     awaitUnits();
@@ -443,6 +449,45 @@ void Demonstration::loseReference()
     awaitLine("Clock PLL: acquire3");
 }
 
+void Demonstration::runSelfTests()
+{
+    setSwitch(ERadHwapi_STARTUP, 1);
+    testkit::Peer tester;
+    SPostRunResp latest{};
+    for (const std::uint32_t failing : {3U, 0U}) {
+        tester.send<PostRunReqMsg>(postServiceCpid, {.transactionId = 15, .failing = failing});
+        latest = *tester.expect<PostRunRespMsg>(stepBound);
+        require(latest.status == 0, "the results are not recorded");
+    }
+    require(latest.failedLatest == 0 && latest.failedBefore == 3, "the results are not those of the two runs");
+    require(contentOf(m_node.boardPath(mcuPostPath)) == "0 0 0 0 0 0 0 0 0 0 0 0 0 0\n1 1 1 0 0 0 0 0 0 0 0 0 0 0\n",
+            "the POST file does not hold the two results");
+    awaitLine("Supervisor is told: POST: 0 of 14 tests failed");
+}
+
+/// A file of an archive.
+std::string unpacked(const std::string& archive, const std::string& file)
+{
+    testkit::Process tar("/bin/tar", {"-xzOf", archive, "--wildcards", "*/" + file});
+    require(tar.waitForEnd(stepBound) == 0, file + " is not in the archive: " + tar.standardError());
+    return tar.standardOutput();
+}
+
+void Demonstration::takeSnapshot()
+{
+    const std::string archive = m_node.runDirectory() + "/snapshot.tar.gz";
+    testkit::Process command(Board::command(), {"snapshot", archive});
+    require(command.waitForEnd(stepBound) == 0, command.standardError());
+    const std::string lines = unpacked(archive, "files/ram/post.log");
+    require(lines.find("POST: 0 of 14 tests failed") != std::string::npos, "the ring buffer is not in the snapshot");
+    std::printf("                  | %s", lines.substr(lines.rfind('\n', lines.size() - 2) + 1).c_str());
+    for (const auto& [file, content] : {std::pair("services.json", "PostS"), std::pair("parameters.json", "PostState"),
+                                        std::pair("tags.json", ambientTag), std::pair("log.txt", "POST: 0 of 14"),
+                                        std::pair("alarms.json", "overheated")}) {
+        require(unpacked(archive, file).find(content) != std::string::npos, std::string(file) + " lacks " + content);
+    }
+}
+
 void Demonstration::switchOver()
 {
     testkit::Peer peer;
@@ -542,7 +587,7 @@ void Demonstration::endAll()
 bool Demonstration::run()
 {
     updateFirmware();
-    step("twelve services start as processes of their own, tell their unit and wait for messages",
+    step("fourteen services start as processes of their own, tell their unit and wait for messages",
          [this] { startServices(); });
     step("ClimateS and ComfortS have applied the plan, a RAML document on the board", [this] { applyPlan(); });
     step("an operator switches prints on, and off again, while the services run", [this] { switchPrintsOn(); });
@@ -557,6 +602,8 @@ bool Demonstration::run()
     step("an SFP module is plugged and pulled: its driver's events reach the service", [this] { plugModule(); });
     step("a CPRI and an OBSAI link lose their light, and synchronise again step by step", [this] { breakLink(); });
     step("the clock reference is lost: the PLL goes into holdover, the oscillator drifts", [this] { loseReference(); });
+    step("self-tests run twice: both results are kept, the supervisor is told", [this] { runSelfTests(); });
+    step("a snapshot of the board is taken and opened: ring buffer, services, log, alarms", [this] { takeSnapshot(); });
     step("the redundancy manager drives ClimateS through a switch-over and back", [this] { switchOver(); });
     step("drivers tell what the board is, flash an FPGA, and fail when they are told to", [this] { useDrivers(); });
     step("a DSP is loaded over RapidIO and verified, the file systems are mounted read-write", [this] { loadDsp(); });

@@ -48,8 +48,8 @@ constexpr const char* hint =
 
 void startServices(Board& board)
 {
-    for (const char* name :
-         {"FaultManager", "RedundancyManager", "LedS", "ComfortS", "DoorbellS", "MountS", "DownloadS", "ResetS"}) {
+    for (const char* name : {"FaultManager", "RedundancyManager", "LedS", "ComfortS", "DoorbellS", "MountS",
+                             "DownloadS", "ResetS", "SupervisorS", "PostS"}) {
         board.start(name);
     }
     for (const char* name : {"SfpS", "LinkS", "ClockS", "FirmwareS"}) {

@@ -5,6 +5,7 @@
 #include "AaMem.h"
 #include "AaSysLog.h"
 #include "ApiRegSysLogRingBuf.h"
+#include "OwnUnit.hpp"
 #include "PostFile.h"
 #include "SupervisorFifo.h"
 #include "dsp.h"
@@ -71,6 +72,7 @@ PostS::PostS()
 
 void PostS::Init()
 {
+    logOwnUnit(GetRadId());
     AaFileCreateDir("/ffs/run");
     AaFileCreateDir("/ram");
     HwApiRegisterSysLogRingBuffer(GetRadId(), ringBufferSize, EAaSysLogSeverityLevel_Info, nullptr, postLogName);

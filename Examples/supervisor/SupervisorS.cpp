@@ -2,6 +2,7 @@
 #include "SupervisorS.hpp"
 
 #include "AaSysLog.h"
+#include "OwnUnit.hpp"
 
 #include <array>
 #include <climits>
@@ -28,6 +29,7 @@ SupervisorS::SupervisorS(int fifo)
 
 void SupervisorS::Init()
 {
+    logOwnUnit(GetRadId());
     m_dispatcher.RegisterEventHandler(m_fifo, *this, POLLIN);
     m_dispatcher.Setup(GetRadId(), "SupervisorFifo", priority, stackSize);
 }
