@@ -35,16 +35,37 @@ std::string headerFault(std::span<const std::byte> blob, int error)
     return std::string("is damaged: ") + fdt_strerror(error);
 }
 
+/// Whether each part of the structure is followed by one that lies behind it. A property whose length is 0 minus 12 is
+/// followed by itself, and libfdt 1.6.1 goes round there for ever.
+bool hasAnEnd(const void* fdt)
+{
+    int next = 0;
+    for (int offset = 0; fdt_next_tag(fdt, offset, &next) != FDT_END; offset = next) {
+        if (next <= offset) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Looks at the whole blob, of which the header is there. @return 0, or an error of libfdt
+int checkBlob(std::span<const std::byte> blob)
+{
+    if (const int error = fdt_check_header(blob.data()); error != 0) {
+        return error;
+    }
+    if (fdt_totalsize(blob.data()) > blob.size()) {
+        return -FDT_ERR_TRUNCATED;
+    }
+    return hasAnEnd(blob.data()) ? fdt_check_full(blob.data(), blob.size()) : -FDT_ERR_BADSTRUCTURE;
+}
+
 void requireBlob(std::span<const std::byte> blob)
 {
     if (blob.size() < sizeof(fdt_header)) {
         throw TreeError("is truncated: " + std::to_string(blob.size()) + " bytes are no device tree blob");
     }
-    int error = fdt_check_header(blob.data());
-    if (error == 0) {
-        error = fdt_check_full(blob.data(), blob.size());
-    }
-    if (error != 0) {
+    if (const int error = checkBlob(blob); error != 0) {
         throw TreeError(headerFault(blob, error));
     }
 }

@@ -167,11 +167,23 @@ TEST(TreeBlobTest, DamagedStructureIsRefused)
     EXPECT_EQ(errorOf(blob), "is damaged: FDT_ERR_BADSTRUCTURE");
 }
 
+TEST(TreeBlobTest, LengthThatLeadsBackToItsPropertyIsRefused)
+{
+    TreeBytes blob = goodBlob();
+    const std::uint32_t structure = fdt_off_dt_struct(blob.data());
+    constexpr std::uint32_t firstProperty = 8; // behind the root's begin and its empty name
+    ASSERT_EQ(fdt32_ld(reinterpret_cast<const fdt32_t*>(blob.data() + structure + firstProperty)), FDT_PROP);
+    putCell(blob, structure + firstProperty + 4, 0U - 12U);
+
+    EXPECT_EQ(errorOf(blob), "is damaged: FDT_ERR_BADSTRUCTURE");
+}
+
 TEST(TreeBlobTest, EveryDamagedWordIsSurvived)
 {
     const TreeBytes good = goodBlob();
     for (std::size_t offset = 0; offset + 4 <= good.size(); offset += 4) {
-        for (const std::uint32_t value : {0U, 1U, 3U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
+        for (const std::uint32_t value :
+             {0U, 1U, 3U, 0x7FFFFFFFU, 0xFFFFFFF0U, 0xFFFFFFF4U, 0xFFFFFFF8U, 0xFFFFFFFFU}) {
             TreeBytes blob = good;
             putCell(blob, offset, value);
             errorOf(blob); // that it comes back is all that is asked
