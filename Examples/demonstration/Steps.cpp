@@ -548,6 +548,7 @@ void Demonstration::resetBoard()
         require(status == -SIGKILL, name + " does not end with the board");
     }
     require(board::resetCount() == resets + 1, "the board has not counted its reset");
+    start("FirmwareS");
     startServices();
     peer.send<ResetShowReqMsg>(resetServiceCpid, {.transactionId = 17});
     const auto last = peer.expect<ResetShowRespMsg>(stepBound);

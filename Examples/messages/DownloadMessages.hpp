@@ -30,7 +30,7 @@ struct SDownloadResp {
     std::uint32_t isWritable;      ///< 1 when both flash file systems are mounted read-write
 };
 
-using DownloadReqMsg = vel::hwapi::common::Msg<SDownloadReq, 0x21A1>;
-using DownloadRespMsg = vel::hwapi::common::Msg<SDownloadResp, 0x21A2>;
+using DownloadReqMsg = vel::hwapi::common::Msg<SDownloadReq, 0x21C1>;
+using DownloadRespMsg = vel::hwapi::common::Msg<SDownloadResp, 0x21C2>;
 
 } // namespace dorn::examples

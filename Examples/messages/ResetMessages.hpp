@@ -12,7 +12,7 @@
 namespace dorn::examples {
 
 /// The reset service's cpid.
-constexpr std::uint16_t resetServiceCpid = 0x0218;
+constexpr std::uint16_t resetServiceCpid = 0x021C;
 
 using ResetText = std::array<char, RPRAM_TEXT_SIZE>;
 
@@ -48,9 +48,9 @@ struct SResetShowResp {
     ResetText text;
 };
 
-using ResetReqMsg = vel::hwapi::common::Msg<SResetReq, 0x2191>;
-using ResetRespMsg = vel::hwapi::common::Msg<SResetResp, 0x2192>;
-using ResetShowReqMsg = vel::hwapi::common::Msg<SResetShowReq, 0x2193>;
-using ResetShowRespMsg = vel::hwapi::common::Msg<SResetShowResp, 0x2194>;
+using ResetReqMsg = vel::hwapi::common::Msg<SResetReq, 0x21B1>;
+using ResetRespMsg = vel::hwapi::common::Msg<SResetResp, 0x21B2>;
+using ResetShowReqMsg = vel::hwapi::common::Msg<SResetShowReq, 0x21B3>;
+using ResetShowRespMsg = vel::hwapi::common::Msg<SResetShowResp, 0x21B4>;
 
 } // namespace dorn::examples
