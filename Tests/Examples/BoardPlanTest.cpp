@@ -40,7 +40,7 @@ TEST_F(BoardPlanTest, NumbersOfThePlanAreTakenAndLogged)
 
     EXPECT_EQ(values(), std::pair(-10, 10));
     EXPECT_THAT(m_log.texts(),
-                ElementsAre("Vip 0x2000A Plan /opt/dorn/plan.xml applied to Board=1,A=1: low=-10 high=10"));
+                ElementsAre("Vip 0x2000a Plan /opt/dorn/plan.xml applied to Board=1,A=1: low=-10 high=10"));
 }
 
 TEST_F(BoardPlanTest, NumberThatThePlanDoesNotHaveStays)
@@ -78,7 +78,7 @@ TEST_F(BoardPlanTest, PlanThatCannotBeReadIsTold)
     m_node.writeBoardFile(std::string(boardPlanFile) + "/folder-instead", "");
     EXPECT_FALSE(apply());
     EXPECT_THAT(m_log.texts(), ElementsAre("Error 0x20066 Opening of RAML file failed",
-                                           "Warning 0x2000A Plan /opt/dorn/plan.xml not applied to Board=1,A=1: the "
+                                           "Warning 0x2000a Plan /opt/dorn/plan.xml not applied to Board=1,A=1: the "
                                            "document has errors or cannot be read"));
 }
 
@@ -101,7 +101,7 @@ TEST_P(BoardPlanRefusalTest, NothingIsTaken)
     EXPECT_EQ(values(), std::pair(1, 2));
     ASSERT_THAT(m_log.texts(), testing::Not(IsEmpty()));
     EXPECT_EQ(m_log.texts().back(),
-              std::string("Warning 0x2000A Plan /opt/dorn/plan.xml not applied to Board=1,A=1: ") + GetParam().trouble);
+              std::string("Warning 0x2000a Plan /opt/dorn/plan.xml not applied to Board=1,A=1: ") + GetParam().trouble);
 }
 
 const std::string good = planned("low", "0");

@@ -421,7 +421,7 @@ INSTANTIATE_TEST_SUITE_P(
                   "--limit: '5X' is not a size (a number of bytes, or of K, M, G, up to 1024G)"},
         UsageCase{"ShowNothing", {"show"}, "'dorn raml show' needs FILE"},
         UsageCase{"ShowMore", {"show", "a", "b", "c"}, "'dorn raml show' does not take the argument 'c'"},
-        UsageCase{"ShowNamesOfOne", {"show", "--names", "a", "b"}, "'--names' and 'DISTNAME' do not go together"},
+        UsageCase{"ShowNamesOfOne", {"show", "--names", "a", "b"}, "'DISTNAME' and '--names' do not go together"},
         UsageCase{"GetLess", {"get", "a", "b"}, "'dorn raml get' needs PARAMETER"},
         UsageCase{"DiffOne", {"diff", "a"}, "'dorn raml diff' needs AFTER"},
         UsageCase{"DiffStandardInputTwice", {"diff", "-", "-"}, "only one of the documents can be standard input"},
@@ -442,7 +442,7 @@ INSTANTIATE_TEST_SUITE_P(
                   "--depth: 1000001 is too great; the greatest is 1000000"},
         UsageCase{"GenerateSizeAndObjects",
                   {"generate", "--size", "1K", "--objects", "1"},
-                  "'--size' and '--objects' do not go together"}),
+                  "'--objects' and '--size' do not go together"}),
     [](const auto& test) { return test.param.name; });
 
 } // namespace

@@ -97,7 +97,7 @@ TEST(RamlTreeTest, JsonHasTheAttributesOfTheDocument)
         R"({"operation":"delete","parameters":[{"name":"from","value":"30"},{"name":"","value":""}]}]}]},)"
         R"({"class":"Led","distName":"Led=1","operation":"create","parameters":[]}]},)"
         R"({"type":"actual","scope":"changes","logs":[],"managedObjects":[{"class":"A","distName":"B",)"
-        R"("operation":"auto","levelScope":"(invalid)","funcScope":"0x80000000","filter":"(invalid)",)"
+        R"json("operation":"auto","levelScope":"(invalid)","funcScope":"0x80000000","filter":"(invalid)",)json"
         R"("parameters":[]}]}]})");
 }
 

@@ -40,7 +40,7 @@ TEST(SourceLinesTest, PlaceBehindTheTextIsTheEndOrNothing)
 TEST(SourceLinesTest, TabulatorsAndControlCharactersAreHarmless)
 {
     SourceLines lines("\ta\033[31m<p>");
-    EXPECT_EQ(lines.excerpt(1, 8), "  1 |  a\\x1B[31m<p>\n    |           ^\n");
+    EXPECT_EQ(lines.excerpt(1, 8), "  1 |  a\\x1b[31m<p>\n    |           ^\n");
 }
 
 TEST(SourceLinesTest, CharactersBeyondAsciiCountOnce)
