@@ -147,7 +147,7 @@ TEST(TreeBlobTest, LaterVersionIsNamed)
     putCell(blob, offsetof(fdt_header, version), 40);
     putCell(blob, offsetof(fdt_header, last_comp_version), 39);
 
-    EXPECT_EQ(errorOf(blob), "is a device tree blob of version 40, compatible with 39; up to 17 can be read");
+    EXPECT_EQ(errorOf(blob), "is a device tree blob of version 40, compatible with 39; 17 can be read");
 }
 
 TEST(TreeBlobTest, OldVersionIsNamed)
@@ -155,7 +155,19 @@ TEST(TreeBlobTest, OldVersionIsNamed)
     TreeBytes blob = goodBlob();
     putCell(blob, offsetof(fdt_header, version), 1);
 
-    EXPECT_EQ(errorOf(blob), "is a device tree blob of version 1, compatible with 16; up to 17 can be read");
+    EXPECT_EQ(errorOf(blob), "is a device tree blob of version 1, compatible with 16; 17 can be read");
+}
+
+TEST(TreeBlobTest, VersionOfWhichNotAllIsCheckedIsRefused)
+{
+    for (const std::uint32_t version : {2U, 15U, 16U}) {
+        TreeBytes blob = goodBlob();
+        putCell(blob, offsetof(fdt_header, version), version);
+        putCell(blob, offsetof(fdt_header, last_comp_version), 2);
+
+        EXPECT_EQ(errorOf(blob), "is a device tree blob of version " + std::to_string(version) +
+                                     ", compatible with 2; 17 can be read");
+    }
 }
 
 TEST(TreeBlobTest, DamagedStructureIsRefused)
