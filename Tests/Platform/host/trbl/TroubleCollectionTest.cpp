@@ -10,8 +10,10 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <string>
+#include <sys/stat.h>
 
 namespace dorn::host {
 namespace {
@@ -98,7 +100,7 @@ TEST_F(TroubleCollectionTest, ProcessThatHangsIsWaitedForNoLongerThanWanted)
     const Owner hanging("hung", "/ram/a");
     const Owner owner("stored", "/ram/b");
     {
-        const TroubleCollection collection(list(), in(300ms));
+        const TroubleCollection collection(list(), in(2s));
 
         ASSERT_EQ(collection.files().size(), 2U);
         EXPECT_EQ(collection.files()[0].answer, TroubleAnswer::Pending);
@@ -109,18 +111,18 @@ TEST_F(TroubleCollectionTest, ProcessThatHangsIsWaitedForNoLongerThanWanted)
 
 TEST_F(TroubleCollectionTest, ProcessThatStoresLateRemovesThen)
 {
-    Owner owner("stored", "/ram/a");
-    owner.signal(SIGSTOP);
+    const std::string gate = m_node.boardPath("/ram/gate");
+    ASSERT_EQ(mkfifo(gate.c_str(), 0600), 0);
+    const Owner owner("late", "/ram/a");
     {
-        const TroubleCollection collection(list(), in(10ms));
+        const TroubleCollection collection(list(), in(50ms));
         EXPECT_EQ(collection.files()[0].answer, TroubleAnswer::Pending);
     }
 
-    owner.signal(SIGCONT);
-    const TroubleCollection next(list(), in(20s));
+    std::ofstream(gate) << "now"; // waits for the process to be there
 
-    EXPECT_EQ(next.files()[0].answer, TroubleAnswer::Done);
-    EXPECT_TRUE(isThere("/ram/a"));
+    EXPECT_TRUE(owner.waitForOutput("removed"));
+    EXPECT_FALSE(isThere("/ram/a"));
 }
 
 TEST_F(TroubleCollectionTest, FileOfADeadProcessIsThereAsItWasLeft)

@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: MIT
 /// @file TroubleProgram.cpp
 /// Registers a troubleshooting file and waits: `<program> MODE NAME PATH`. MODE is what becomes of it when it is to be
-/// stored: stored, failed, crashed, hung; or left, for one that is there without steps. With the MODE collecting it is
-/// the one who collects.
+/// stored: stored, late, failed, crashed, hung; or left, for one that is there without steps. With the MODE collecting
+/// it is the one who collects.
 #include "AaFile.h"
 #include "AaTrbl.h"
 #include "node/PerNode.hpp"
 #include "trbl/TroubleCollection.hpp"
 
+#include <array>
+#include <climits>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
+#include <fstream>
 #include <string>
 #include <unistd.h>
 
@@ -44,11 +45,21 @@ int32_t hang(const char* /*path*/, void* /*opaque*/)
     }
 }
 
+/// Waits until something has been written into the pipe "/ram/gate".
+int32_t storeLate(const char* path, void* opaque)
+{
+    std::array<char, PATH_MAX> gate{};
+    AaFileGetBoardPath("/ram/gate", gate.data(), gate.size());
+    std::ifstream(gate.data()).get();
+    return storeFile(path, opaque);
+}
+
 int32_t removeFile(const char* path, void* /*opaque*/)
 {
+    const int32_t status = AaFileRemove(path);
     std::printf("removed\n");
     std::fflush(stdout);
-    return AaFileRemove(path);
+    return status;
 }
 
 TAaTrblFileCallback storeOf(const std::string& mode)
@@ -58,6 +69,9 @@ TAaTrblFileCallback storeOf(const std::string& mode)
     }
     if (mode == "crashed") {
         return crash;
+    }
+    if (mode == "late") {
+        return storeLate;
     }
     return mode == "hung" ? hang : storeFile;
 }
