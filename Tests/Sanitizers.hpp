@@ -43,3 +43,13 @@ constexpr const char* signalIsKeptBack = "ThreadSanitizer keeps signals back whi
         return "report_mutex_bugs=0";                                                                                  \
     }                                                                                                                  \
     static_assert(true)
+
+/// Keeps LeakSanitizer from reporting what a function allocates: memory that lives as long as the process, in a test
+/// program where it outlives the node that knows of it.
+#define DORN_LASTING_MEMORY_OF(function)                                                                               \
+    extern "C" const char* __lsan_default_suppressions();                                                              \
+    extern "C" const char* __lsan_default_suppressions()                                                               \
+    {                                                                                                                  \
+        return "leak:" function;                                                                                       \
+    }                                                                                                                  \
+    static_assert(true)

@@ -4,6 +4,7 @@
 #include "Bound.hpp"
 #include "FailNth.hpp"
 #include "LogCapture.hpp"
+#include "Sanitizers.hpp"
 #include "TestNode.hpp"
 
 #include "AaConfigRad.h"
@@ -17,9 +18,8 @@
 #include <gmock/gmock.h>
 #include <string>
 
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/lsan_interface.h>
-#endif
+// The context of a registration lives as long as the process.
+DORN_LASTING_MEMORY_OF("HwApiRegisterSysLogRingBuffer");
 
 extern "C" TBoolean registerRingBufferInC(std::uint32_t featureId, const char* fileName);
 
@@ -41,18 +41,8 @@ using testkit::FailNth;
 constexpr std::uint32_t feature = 0x20046; // 131142
 constexpr EAaSysLogSeverityLevel info = EAaSysLogSeverityLevel_Info;
 
-/// The context of a registration lives as long as the process, longer than the node that knows of it.
-class LastingMemory {
-#if defined(__SANITIZE_ADDRESS__)
-    __lsan::ScopedDisabler m_disabler;
-#endif
-public:
-    LastingMemory() {} // NOLINT: used by being there
-};
-
 TBoolean add(std::uint32_t featureId, const char* fileName, std::uint32_t size = 4096)
 {
-    const LastingMemory lasting;
     return HwApiRegisterSysLogRingBuffer(featureId, size, info, nullptr, fileName);
 }
 
@@ -119,12 +109,9 @@ int tooLongCount = 0;
 
 TEST_F(RingBufferRegistrationTest, SizeAndCallbackAreHandedOn)
 {
-    {
-        const LastingMemory lasting;
-        ASSERT_EQ(HwApiRegisterSysLogRingBuffer(
-                      feature, 200, info, [] { return ++tooLongCount; }, "dsp.log"),
-                  1U);
-    }
+    ASSERT_EQ(HwApiRegisterSysLogRingBuffer(
+                  feature, 200, info, [] { return ++tooLongCount; }, "dsp.log"),
+              1U);
     tooLongCount = 0;
 
     AaSysLogPrintE(info, feature, "%s", std::string(50, 'a').c_str());
@@ -234,8 +221,6 @@ TEST_F(RingBufferRegistrationTest, FileIsRegisteredAlsoWithoutMemoryForItsContex
 
 TEST_F(RingBufferRegistrationTest, FeatureBehindAPointerIsRegistered)
 {
-    const LastingMemory lasting;
-
     EXPECT_EQ(hwApiRegisterSysLogRingBuffer(&feature, 4096, info, nullptr, "dsp.log"), 1U);
 
     EXPECT_THAT(registeredPaths(), ElementsAre("/ram/dsp.log"));
@@ -258,8 +243,6 @@ TEST_F(RingBufferRegistrationTest, NullPointersOfTheOtherFormAreNamed)
 
 TEST_F(RingBufferRegistrationTest, FunctionsAreCalledFromC)
 {
-    const LastingMemory lasting;
-
     EXPECT_EQ(registerRingBufferInC(feature, "dsp.log"), 1U);
 
     EXPECT_THAT(registeredPaths(), ElementsAre("/ram/dsp.log"));

@@ -5,6 +5,7 @@
 #include "AaSysLog.h"
 #include "NodeTest.hpp"
 #include "Peer.hpp"
+#include "Sanitizers.hpp"
 #include "ServiceUnderTest.hpp"
 #include "node/PerNode.hpp"
 #include "trbl/TroubleCollection.hpp"
@@ -15,9 +16,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/lsan_interface.h>
-#endif
+// What a ring buffer is registered with lives as long as the process.
+DORN_LASTING_MEMORY_OF("HwApiRegisterSysLogRingBuffer");
 
 namespace dorn::examples {
 namespace {
@@ -28,19 +28,6 @@ using testkit::ServiceUnderTest;
 
 class PostSTest : public testkit::NodeTest {
 protected:
-    PostSTest()
-    {
-#if defined(__SANITIZE_ADDRESS__)
-        __lsan_disable(); // the context of a ring buffer lives as long as the process, longer than its node
-#endif
-    }
-    ~PostSTest() override
-    {
-#if defined(__SANITIZE_ADDRESS__)
-        __lsan_enable();
-#endif
-    }
-
     static SPostRunResp run(Peer& tester, TAaSysComSicad service, std::uint32_t failing)
     {
         tester.send<PostRunReqMsg>(service, {.transactionId = 7, .failing = failing});
