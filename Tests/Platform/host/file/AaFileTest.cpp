@@ -492,11 +492,11 @@ TEST_F(AaFileTest, OnlyADirectoryExistsAsOne)
 
 TEST_F(AaFileTest, DirectoryIsCreatedWithThoseAboveIt)
 {
-    EXPECT_EQ(AaFileCreateDir("/rpram/hwapi/deep"), 0);
-    EXPECT_TRUE(std::filesystem::is_directory(m_node.boardRoot() + "/rpram/hwapi/deep"));
-    EXPECT_EQ(AaFileCreateDir("/rpram/hwapi/deep"), 0);
-    EXPECT_EQ(AaFileCreateDir("/rpram/other/"), 0);
-    EXPECT_TRUE(std::filesystem::is_directory(m_node.boardRoot() + "/rpram/other"));
+    EXPECT_EQ(AaFileCreateDir("/store/hwapi/deep"), 0);
+    EXPECT_TRUE(std::filesystem::is_directory(m_node.boardRoot() + "/store/hwapi/deep"));
+    EXPECT_EQ(AaFileCreateDir("/store/hwapi/deep"), 0);
+    EXPECT_EQ(AaFileCreateDir("/store/other/"), 0);
+    EXPECT_TRUE(std::filesystem::is_directory(m_node.boardRoot() + "/store/other"));
 }
 
 TEST_F(AaFileTest, DirectoryInPlaceOfAFileFails)
