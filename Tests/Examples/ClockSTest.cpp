@@ -86,6 +86,14 @@ TEST_F(ClockSTest, ClockAcquiresAndTracks)
     EXPECT_NE(warm.controlValue, OcxoModel::factoryControlValue);
 }
 
+TEST_F(ClockSTest, SystemTimerWaitsUntilThePllTracks)
+{
+    EXPECT_TRUE(shows([](const SClockShowResp& clock) {
+        EXPECT_TRUE(clock.timerState == ETimerSyncState_OutOfSync || clock.pllState >= ESwPllState_TrackMed);
+        return clock.timerState == ETimerSyncState_InSync;
+    }));
+}
+
 TEST_F(ClockSTest, LostReferenceIsHeldOverWhileTheTimeDrifts)
 {
     ASSERT_TRUE(locks());

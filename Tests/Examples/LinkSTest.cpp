@@ -63,12 +63,18 @@ protected:
     {
         return passTimeUntil(m_clock, [this] { return areAllUp(); });
     }
-    /// Lets time pass until nothing moves.
+    /// Lets time pass until nothing moves. A time-out that is on its way is awaited by nobody: it is looked for again.
     bool settle()
     {
+        constexpr int looks = 20;
         return passTimeUntil(m_clock, [this] {
-            m_running.sync();
-            return !awaitedTime(m_clock);
+            for (int look = 0; look < looks; ++look) {
+                m_running.sync();
+                if (awaitedTime(m_clock)) {
+                    return false;
+                }
+            }
+            return true;
         });
     }
 

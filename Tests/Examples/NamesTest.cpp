@@ -5,7 +5,7 @@
 #include "RedundancyNames.hpp"
 #include "SfpNames.hpp"
 #include "boundaryIf/baseband/BasebandTypes.hpp"
-#include "boundaryIf/baseband/cpri/CpriTypes.hpp"
+#include "boundaryIf/baseband/cpri/CpriNames.hpp"
 #include "boundaryIf/baseband/obsai/ObsaiTypes.hpp"
 #include "boundaryIf/phaselockstatusmonitor/PhaseLockTypes.hpp"
 #include "boundaryIf/swpllstatemonitor/SwPllTypes.hpp"
@@ -65,7 +65,9 @@ TEST(NamesTest, HardwareIsCalledWhatItsInterfacesMean)
     using namespace vel::hwapi::common::bif;
     EXPECT_STREQ(sfpModuleNames[ESfpModule_Starting], "starting");
     EXPECT_STREQ(linkStandardNames[baseband::EBasebandLinkType_Cpri], "CPRI");
-    EXPECT_STREQ(linkRxStateName(ELinkStandard_Cpri, baseband::cpri::ERxLinkState_HFNSYNC), "HFNSYNC");
+    for (const auto& [state, name] : namesOf(baseband::cpri::ERxLinkState{})) {
+        EXPECT_EQ(linkRxStateName(ELinkStandard_Cpri, state), std::string(name));
+    }
     EXPECT_STREQ(linkRxStateName(ELinkStandard_Obsai, baseband::obsai::ERxLinkState_WaitForFrame), "WAIT_FOR_FRAME");
     EXPECT_STREQ(linkRxStateName(ELinkStandard_Obsai, baseband::obsai::ERxLinkState_Frame), "FRAME");
     EXPECT_STREQ(linkRxStateName(ELinkStandard_Cpri, 5), "");

@@ -128,6 +128,18 @@ TEST_F(SfpSTest, MissingTimerIsLoggedAndTheNextPluggingTriesAgain)
     EXPECT_TRUE(passTimeUntil(m_clock, [this] { return show()[0].isDetected == 1 && show()[1].isDetected == 1; }));
 }
 
+TEST_F(SfpSTest, OneTimerServesAllModulesThatStart)
+{
+    const testkit::CountCalls<AaTimerArm> armed;
+
+    plug(0, true);
+    plug(1, true);
+    plug(3, true);
+
+    EXPECT_EQ(armed.count(), 1U);
+    EXPECT_TRUE(passTimeUntil(m_clock, [this] { return show()[3].isDetected == 1; }));
+}
+
 TEST_F(SfpSTest, AnswerWithoutMemoryIsLogged)
 {
     m_log.clear(); // of what it has said at its start

@@ -81,6 +81,16 @@ TEST_F(SimulatedCpriTest, LinkIsEnabledAndDisabled)
     EXPECT_EQ(m_synchronizer.getRxLinkSynchronizationState(cpri0), ERxLinkState_XACQ1);
 }
 
+TEST_F(SimulatedCpriTest, LinksMoveAtTheSameTime)
+{
+    m_synchronizer.enableLink(cpri0);
+    m_synchronizer.enableLink(cpri1);
+    steps(4);
+
+    EXPECT_EQ(m_synchronizer.getRxLinkSynchronizationState(cpri0), ERxLinkState_HFNSYNC);
+    EXPECT_EQ(m_synchronizer.getRxLinkSynchronizationState(cpri1), ERxLinkState_HFNSYNC);
+}
+
 TEST_F(SimulatedCpriTest, LinkThatTheBoardDoesNotHaveIsRefused)
 {
     EXPECT_THROW(m_synchronizer.enableLink(absent), InvalidParameterException);

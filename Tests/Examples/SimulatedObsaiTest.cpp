@@ -64,6 +64,17 @@ TEST_F(SimulatedObsaiTest, EachStateIsToldOnceAndPiWhenFramesAreReceived)
     EXPECT_EQ(m_synchronizer.getRxLinkSynchronizationState(obsai0), ERxLinkState_Unsync);
 }
 
+TEST_F(SimulatedObsaiTest, LinksMoveAtTheSameTime)
+{
+    m_synchronizer.enableLink(obsai0);
+    m_synchronizer.enableLink(obsai1);
+    while (m_synchronizer.getRxLinkSynchronizationState(obsai0) != ERxLinkState_Frame) {
+        ASSERT_TRUE(m_links.step());
+    }
+
+    EXPECT_EQ(m_synchronizer.getRxLinkSynchronizationState(obsai1), ERxLinkState_Frame);
+}
+
 TEST_F(SimulatedObsaiTest, LinkThatIsDisabledIsToldToBeDown)
 {
     m_synchronizer.enableLink(obsai0);

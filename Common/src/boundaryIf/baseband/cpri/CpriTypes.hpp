@@ -29,8 +29,8 @@ enum ECpriProtocolVersion : std::uint32_t {
 enum ERxLinkState : std::uint32_t {
     ERxLinkState_XACQ1 = 0,  ///< looks for the synchronisation byte (LOF)
     ERxLinkState_XACQ2 = 1,  ///< has seen it once (LOF)
-    ERxLinkState_XSYNC1 = 2, ///< hyperframes seem to be found (LOF)
-    ERxLinkState_XSYNC2 = 3, ///< has lost one while synchronised
+    ERxLinkState_XSYNC1 = 2, ///< finds hyperframes: no LOF from here on
+    ERxLinkState_XSYNC2 = 3, ///< has found more of them
     ERxLinkState_HFNSYNC = 4 ///< synchronised to hyperframes and their numbers
 };
 
