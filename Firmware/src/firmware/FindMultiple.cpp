@@ -41,8 +41,9 @@ struct Found {
 
     void add(const char* path, const char* name)
     {
-        if (count < capacity) {
-            std::snprintf(names[count], FIRMWARE_FILE_NAME_SIZE, "%s/%s", path, name);
+        // Cut where it is too long; a failure leaves no name half made.
+        if (count < capacity && std::snprintf(names[count], FIRMWARE_FILE_NAME_SIZE, "%s/%s", path, name) < 0) {
+            names[count][0] = '\0';
         }
         ++count;
     }
