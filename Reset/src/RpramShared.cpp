@@ -8,13 +8,15 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstdio>
-#include <cstdlib>
+#include <exception>
 #include <fstream>
 #include <limits>
-#include <new>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <vector>
 
 using namespace vel::hwapi::reset;
@@ -44,6 +46,13 @@ void provideDirectory()
                    result);
 }
 
+/// Reads a line. @throws std::exception when there is no memory for it, or the file cannot be read.
+void readLine(std::ifstream& file, std::string& line)
+{
+    file.exceptions(std::ios::badbit); // otherwise a stream keeps to itself why a line is cut
+    std::getline(file, line);
+}
+
 /// The lines of a file that will be its history; none when there is no file.
 std::vector<std::string> readHistory(const std::string& place)
 {
@@ -51,7 +60,7 @@ std::vector<std::string> readHistory(const std::string& place)
     std::ifstream file(place);
     std::string line;
     while (file.good()) {
-        std::getline(file, line);
+        readLine(file, line);
         if (history.size() < longestHistory) {
             history.push_back(line);
         }
@@ -60,16 +69,18 @@ std::vector<std::string> readHistory(const std::string& place)
 }
 
 /// The number at the beginning of a text, as a 32-bit board's strtoul() reads it: one that is too great is the
-/// greatest, one behind a minus sign is negated.
-std::uint32_t numberIn(const std::string& text)
+/// greatest, whatever its sign; any other behind a minus sign is negated.
+std::uint32_t numberIn(std::string_view text)
 {
-    constexpr unsigned long long greatest = std::numeric_limits<std::uint32_t>::max();
-    const unsigned long long number = std::strtoull(text.c_str(), nullptr, 16);
-    if (number <= greatest) {
-        return static_cast<std::uint32_t>(number);
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    const bool isNegated = text.starts_with('-');
+    text.remove_prefix(isNegated || text.starts_with('+') ? 1 : 0);
+    text.remove_prefix(text.starts_with("0x") || text.starts_with("0X") ? 2 : 0);
+    std::uint32_t number = 0;
+    if (std::from_chars(text.data(), text.data() + text.size(), number, 16).ec == std::errc::result_out_of_range) {
+        return std::numeric_limits<std::uint32_t>::max();
     }
-    const bool isNegated = text[text.find_first_not_of(" \t\n\v\f\r")] == '-';
-    return static_cast<std::uint32_t>(isNegated && 0 - number <= greatest ? number : greatest);
+    return isNegated ? 0 - number : number;
 }
 
 std::int32_t set(ERP_RAM_field field, std::uint32_t value, const char* text)
@@ -83,7 +94,10 @@ std::int32_t set(ERP_RAM_field field, std::uint32_t value, const char* text)
     provideDirectory();
     const std::string place = placeOf(path);
     const std::vector<std::string> history = readHistory(place);
-    std::ofstream file(place, std::ios::trunc);
+    std::array<char, 2048> buffer; // for all lines; a stream that has none needs memory when the old content is gone
+    std::ofstream file;
+    file.rdbuf()->pubsetbuf(buffer.data(), buffer.size());
+    file.open(place, std::ios::trunc);
     if (!file.is_open()) {
         return NotOpened;
     }
@@ -112,10 +126,11 @@ std::int32_t get(ERP_RAM_field field, std::uint32_t& value, char* text)
         return NotOpened;
     }
     std::string line;
-    std::getline(file, line);
-    const std::size_t colon = std::min(line.find(':'), line.size());
-    const std::string found = line.substr(std::min(colon + 1, line.size()), longestText);
-    value = numberIn(line.substr(0, colon));
+    readLine(file, line);
+    const std::string_view content = line;
+    const std::size_t colon = std::min(content.find(':'), content.size());
+    const std::string_view found = content.substr(std::min(colon + 1, content.size()), longestText);
+    value = numberIn(content.substr(0, colon));
     *std::copy(found.begin(), found.end(), text) = '\0';
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RESET, "ApiResetRpramGet: Found value 0x%X : %s from %s",
                    value, text, path.c_str());
@@ -127,13 +142,13 @@ std::int32_t get(ERP_RAM_field field, std::uint32_t& value, char* text)
 std::int32_t ApiResetRpramSet(ERP_RAM_field field, std::uint32_t value, const char* text)
 try {
     return set(field, value, text);
-} catch (const std::bad_alloc&) {
+} catch (const std::exception&) {
     return NotOpened;
 }
 
 std::int32_t ApiResetRpramGet(ERP_RAM_field field, std::uint32_t* value, char* text)
 try {
     return get(field, *value, text);
-} catch (const std::bad_alloc&) {
+} catch (const std::exception&) {
     return NotOpened;
 }

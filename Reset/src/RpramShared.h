@@ -114,14 +114,16 @@ typedef enum ERP_RAM_field {
 ///   no line feeds: they are written as they stand, and what is behind the first is read as earlier values. Null is as
 ///   "".
 /// @return 0, also when the storage was full and took only a part of the file; 1 when the file cannot be opened for
-///   writing; 3 when @p field is none or has no storage, which is logged
+///   writing, or its history cannot be read or needs more memory than there is: the field is as it was then; 3 when
+///   @p field is none or has no storage, which is logged
 int32_t ApiResetRpramSet(ERP_RAM_field field, uint32_t value, const char* text);
 
 /// Reads what has last been written to a field.
-/// @param value receives the value; 0 when the file holds no number in front of its first colon
+/// @param value receives the value; 0 when the file holds no number in front of its first colon, 0xFFFFFFFF when that
+///   has more than 32 bits
 /// @param text receives the text, terminated: #RPRAM_TEXT_SIZE bytes
-/// @return 0; 1 when nothing has been written yet or the file cannot be opened; 3 when @p field is none or has no
-///   storage, which is logged. @p value and @p text are set only when it is 0.
+/// @return 0; 1 when nothing has been written yet, the file cannot be opened or read, or there is no memory; 3 when
+///   @p field is none or has no storage, which is logged. @p value and @p text are set only when it is 0.
 int32_t ApiResetRpramGet(ERP_RAM_field field, uint32_t* value, char* text);
 
 #ifdef __cplusplus

@@ -13,8 +13,11 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <linux/capability.h>
 #include <string>
 #include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -405,6 +408,47 @@ TEST_F(RpramTest, FileThatCannotBeMadeIsAFailureWithoutMessage)
                                            "Debug 0x20006 ApiResetRpramSet: AaFileCreateDir returned 1"));
 }
 
+/// While it lives, the modes of files bind the calling thread even if it is root's.
+class BoundByModes {
+public:
+    BoundByModes()
+    {
+        EXPECT_EQ(syscall(SYS_capget, &m_header, m_before), 0);
+        __user_cap_data_struct bound[] = {m_before[0], m_before[1]};
+        bound[0].effective &= ~(1U << CAP_DAC_OVERRIDE);
+        EXPECT_EQ(syscall(SYS_capset, &m_header, bound), 0);
+    }
+    ~BoundByModes() { EXPECT_EQ(syscall(SYS_capset, &m_header, m_before), 0); }
+    BoundByModes(const BoundByModes&) = delete;
+    BoundByModes& operator=(const BoundByModes&) = delete;
+
+private:
+    __user_cap_header_struct m_header{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct m_before[_LINUX_CAPABILITY_U32S_3]{};
+};
+
+TEST_F(RpramTest, FileThatCannotBeWrittenStaysAsItIs)
+{
+    writeFile("0x3 :warm");
+    std::filesystem::permissions(m_node.boardPath(resetTypeFile), std::filesystem::perms::owner_read);
+    const BoundByModes bound;
+
+    EXPECT_EQ(set(4, "cold"), 1);
+
+    EXPECT_EQ(readFile(), "0x3 :warm");
+    EXPECT_THAT(m_log.texts(), IsEmpty());
+}
+
+TEST_F(RpramTest, FileThatCannotBeReadIsNeitherReadNorWritten)
+{
+    std::filesystem::create_directories(m_node.boardPath(resetTypeFile)); // it can be opened, and that is all
+
+    EXPECT_EQ(get(), (Read{1, 0xDEAD, "(untouched)"}));
+    EXPECT_EQ(set(4, "cold"), 1);
+
+    EXPECT_THAT(m_log.texts(), IsEmpty());
+}
+
 TEST_F(RpramTest, PathThatHasNoPlaceIsAFailure)
 {
     ASSERT_EQ(set(3, "warm"), 0);
@@ -470,8 +514,18 @@ INSTANTIATE_TEST_SUITE_P(
         Content{"MuchTooGreat", "0xFFFFFFFFFFFFFFFFFF :text", 0xFFFFFFFF, "text"},
         Content{"GreatestOf64Bits", "0xFFFFFFFFFFFFFFFF :text", 0xFFFFFFFF, "text"},
         Content{"NearlyGreatestOf64Bits", "0xFFFFFFFF00000001 :text", 0xFFFFFFFF, "text"},
-        Content{"Negative", " -0x10 :text", 0xFFFFFFF0, "text"},
+        Content{"Negative", " -0x10 :text", 0xFFFFFFF0, "text"}, Content{"MinusOne", "-1 :text", 0xFFFFFFFF, "text"},
+        Content{"MinusZero", "-0x0 :text", 0, "text"}, Content{"MostNegative", "-0xFFFFFFFF :text", 1, "text"},
         Content{"TooNegative", "-0x100000000 :text", 0xFFFFFFFF, "text"},
+        Content{"TooNegativeByOne", "-0x100000001 :text", 0xFFFFFFFF, "text"},
+        Content{"NegativeOf60Bits", "-0xFFFFFFFFFFFFFFF0 :text", 0xFFFFFFFF, "text"},
+        Content{"NegativeOf64Bits", "-0xFFFFFFFFFFFFFFFF :text", 0xFFFFFFFF, "text"},
+        Content{"NegativeOf68Bits", "-0xFFFFFFFFFFFFFFFF0 :text", 0xFFFFFFFF, "text"},
+        Content{"Positive", "+0x1F :text", 0x1F, "text"}, Content{"TwoSigns", "--5 :text", 0, "text"},
+        Content{"BlankBehindTheSign", "- 5 :text", 0, "text"}, Content{"OnlyASign", "- :text", 0, "text"},
+        Content{"WhiteSpace", " \t\v\f\r5 :text", 5, "text"}, Content{"BigX", "0X1F :text", 0x1F, "text"},
+        Content{"OnlyThePrefix", "0x :text", 0, "text"}, Content{"SignBehindThePrefix", "0x-5 :text", 0, "text"},
+        Content{"PrefixTwice", "0x0x5 :text", 0, "text"}, Content{"LettersBehind", "0x5xyz :text", 5, "text"},
         Content{"ZeroByte", std::string("0x5\0 :text", 10), 5, "text"},
         Content{"TextWithZeroByte", std::string("0x5 :a\0b", 8), 5, "a"}, Content{"OnlyBlanks", "   ", 0, ""},
         Content{"OnlyTheFirstLine", "\n0x5 :text", 0, ""}, Content{"LineFeedAtTheEnd", "0x5 :text\n", 5, "text"},
