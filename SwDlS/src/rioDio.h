@@ -9,8 +9,11 @@
 ///
 /// Both work in blocks of 64 KiB, so that an image of any size needs no buffer of its own size, and block their caller
 /// until they are done. They may be called from any thread and from several at once; transfers to the same addresses
-/// are not coordinated. Paths are the target's. Whatever goes wrong is logged at severity Warning or above, each step
-/// at Debug, with the feature id `ERadHwapi_SWDL`.
+/// are not coordinated. Paths are the target's.
+///
+/// Lines of the log have the feature id `ERadHwapi_SWDL`: each step at severity Debug, what goes wrong at Warning or
+/// Error. At Info stand a dump that was written, that a file turned out shorter than its size while it was verified,
+/// and as the last line what validateSrioWrite() returns when that is not 0.
 #ifndef SWDLS_RIO_DIO_H
 #define SWDLS_RIO_DIO_H
 
@@ -36,7 +39,7 @@ typedef enum ERioWrite {
 /// @param device RapidIO id of the device
 /// @param address of the device's memory at which the file begins
 /// @param filename path of the file; null is a file that cannot be opened
-/// @return an #ERioWrite. A file of no bytes is not written: #ERioWrite_Failed.
+/// @return an #ERioWrite. A file of no bytes, or of a size that cannot be told, is not written: #ERioWrite_Failed.
 int32_t writeBinaryFileToSrio(uint16_t device, uint64_t address, const char* filename);
 
 /// Compares a device's memory with a file, up to the end of the first block of 64 KiB in which they differ.
@@ -44,7 +47,8 @@ int32_t writeBinaryFileToSrio(uint16_t device, uint64_t address, const char* fil
 /// @param address of the device's memory at which the file was written
 /// @param filename path of the file
 /// @return the number of bytes that differ in that block; 0 when none differs, and for a file of no bytes;
-///   #RIO_VALIDATION_FAILED when it could not be found out
+///   #RIO_VALIDATION_FAILED when it could not be found out. A Warning says why, except for a file whose size cannot be
+///   told (the last line is all there is then) or that ends early.
 int32_t validateSrioWrite(uint16_t device, uint64_t address, const char* filename);
 
 /// Writes data to the file "/ram/dsp_parameters/<prefix>_0x<id>", in place of what was there.

@@ -161,6 +161,18 @@ TEST_F(MountTest, AnswerIsLoggedWithAllItSays)
     EXPECT_EQ(takeNext(), 0U) << "the answer is taken";
 }
 
+TEST_F(MountTest, NumbersAreInUpperCase)
+{
+    answer(address(), {0xDEAD0, 0xABCD, 0xFFFFFFFE, 0xBEEF});
+
+    requestRwMount(address(), feature, 0xFACE);
+    receiveMountResp(feature);
+
+    EXPECT_THAT(m_log.texts(),
+                ElementsAre(info + "requestRwMount(): Requesting RW mount for fs 0xFACE.",
+                            receivedLine("fsId 0xABCD, type 0xFFFFFFFE, mode 0xBEEF, success_code 0xDEAD0")));
+}
+
 TEST_F(MountTest, AnswerThatIsCutSaysNoughtBehindTheCut)
 {
     answer(address(), {1, 0x36});
@@ -197,8 +209,7 @@ TEST_F(MountTest, AnswerIsAwaitedForFiveSeconds)
     EXPECT_THAT(m_log.texts(), ElementsAre(timeoutLine));
 }
 
-// -------------------------------------------------------------------------------------------------------- both
-// together
+// ------------------------------------------------------------------------------------------------------- both together
 
 TEST_F(MountTest, BothFileSystemsAreMountedAndBothAnswersAwaited)
 {
@@ -228,6 +239,17 @@ TEST_F(MountTest, FeatureOfTheLinesIsTheCallers)
         EXPECT_TRUE(line.starts_with("Info 0x20005 ")) << line;
     }
     EXPECT_EQ(m_log.texts().size(), 4U);
+}
+
+TEST_F(MountTest, FeatureOfTheErrorsIsTheCallers)
+{
+    const FailEvery<AaSysComMsgReceiveSelective> nothing;
+
+    MountFilesystemsToRwMode(0, 0x20005);
+    receiveMountResp(0x20005);
+
+    EXPECT_THAT(m_log.texts(), ElementsAre("Error 0x20005 MountFilesystemsToRwMode(): Invalid API_MOUNT_REQ_MSG sender",
+                                           "Error 0x20005 receiveMountResp(): Timeout for API_MOUNT_RESP_MSG"));
 }
 
 TEST_F(MountTest, NobodyAsksWithoutAnAddress)
@@ -366,6 +388,33 @@ TEST_F(MountModeTest, DriverThatSaysNothingSaysReadOnly)
 
     EXPECT_EQ(isMountNeeded(feature, 1, 0), 0U);
     EXPECT_EQ(isMountNeeded(feature, 1, 1), 1U);
+}
+
+TEST_F(MountModeTest, FeatureOfTheLinesIsTheCallers)
+{
+    EXPECT_EQ(isMountNeeded(0x20005, 1, 0), 0U);
+    const FailEvery<ddal_ffs_is_mounted> failing(-12);
+    EXPECT_EQ(isMountNeeded(0x20005, 1, 0), 1U);
+
+    EXPECT_THAT(m_log.texts(),
+                ElementsAre("Info 0x20005 isMountNeeded(): ddal_ffs_is_mounted() for FS 1 (0x1) OK. Current mount mode "
+                            "is RO (1).",
+                            "Info 0x20005 isMountNeeded(): 1 (0x1) is in the requested mode RO already, do nothing",
+                            "Warning 0x20005 isMountNeeded(): ddal_ffs_is_mounted() for FS 1 (0x1) FAILED. Returned "
+                            "-12"));
+}
+
+TEST_F(MountModeTest, GreatNumberOfAFileSystemIsSignedInDecimalAndInUpperCase)
+{
+    const FailEvery<ddal_ffs_is_mounted> silent(DDAL_OK); // read-only
+
+    EXPECT_EQ(isMountNeeded(feature, 0xFFFFFFAB, 0), 0U);
+
+    EXPECT_THAT(m_log.texts(),
+                ElementsAre(info + "isMountNeeded(): ddal_ffs_is_mounted() for FS -85 (0xFFFFFFAB) OK. Current mount "
+                                   "mode is RO (1).",
+                            info + "isMountNeeded(): -85 (0xFFFFFFAB) is in the requested mode RO already, do "
+                                   "nothing"));
 }
 
 TEST_F(MountModeTest, FileSystemThatTheBoardDoesNotHaveIsNeeded)

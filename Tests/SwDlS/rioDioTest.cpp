@@ -80,6 +80,13 @@ protected:
         EXPECT_EQ(ddal_rio_copy_close_fd(handle), DDAL_OK);
     }
 
+    /// Gives the board a device whose number is written in letters, with memory at 0x80000000.
+    void describeDeviceAb()
+    {
+        m_board.cells("rapidio/port@0/device@ab", "reg", {0xAB});
+        m_board.cells("rapidio/port@0/device@ab/memory@80000000", "reg", {0, 0x80000000, 0, 0x100000});
+    }
+
     /// The log, with the one thing in it that differs from run to run written as POINTER.
     std::vector<std::string> lines() const
     {
@@ -188,6 +195,30 @@ TEST_F(RioWriteTest, AddressMayLieAbove32Bits)
     EXPECT_THAT(lines(), Contains(writingLine("0x80000ffff", 1)));
 }
 
+TEST_F(RioWriteTest, FileMayLieAcrossTheEndOf32Bits)
+{
+    m_board.cells("rapidio/port@0/device@10/memory@80000000", "reg", {0, 0xFFFF0000, 0, 0x100000});
+    writeFile(0x10001);
+
+    EXPECT_EQ(writeBinaryFileToSrio(device, 0xFFFFFF00, path), 0);
+
+    expectLines(0x10001, {writingLine("0xffffff00", blockSize), writingLine("0x10000ff00", 1)});
+}
+
+TEST_F(RioWriteTest, DevicesNumberIsInUpperCase)
+{
+    describeDeviceAb();
+    writeFile(1);
+
+    EXPECT_EQ(writeBinaryFileToSrio(0xAB, 0x80000000, path), 0);
+    EXPECT_EQ(writeBinaryFileToSrio(0xAB, 0, path), 2);
+
+    EXPECT_THAT(lines(), Contains(debug + "Writing file '/ffs/run/dsp.bin' to SRIO device 0xAB, address 0x80000000, "
+                                          "size 1"));
+    EXPECT_EQ(lines().back(),
+              warning + "Writing file '/ffs/run/dsp.bin' to SRIO device 0xAB failed! current 0x0, total 0x1");
+}
+
 TEST_F(RioWriteTest, EmptyFileIsAFailure)
 {
     writeFile(0);
@@ -240,13 +271,27 @@ TEST_F(RioWriteTest, WithoutMemoryNothingIsWritten)
     EXPECT_EQ(filesClosed.count(), 1U);
 }
 
+TEST_F(RioWriteTest, SmallFileThatFindsNoMemoryIsNotWritten)
+{
+    writeFile(100);
+    const FailNth<AaMemMalloc> noMemory(1);
+
+    EXPECT_EQ(write(), 2);
+
+    EXPECT_EQ(lines().back(), warning + "Failed to allocate memory 100");
+}
+
 TEST_F(RioWriteTest, HandleThatCannotBeOpenedIsClosedAllTheSame)
 {
     writeFile(10);
     const FailNth<ddal_rio_copy_open_fd> noHandle(1);
+    const CountCalls<AaMemUnRef> freed;
+    const CountCalls<AaFileClose> filesClosed;
 
     EXPECT_EQ(write(), 2);
 
+    EXPECT_EQ(freed.count(), 1U);
+    EXPECT_EQ(filesClosed.count(), 1U);
     expectLines(10, {warning + "Failed to open handle for rio transfer (write)",
                      "Error 0x0 ddal_rio_copy_close_fd(): copy handle -1 is not open",
                      warning + "Failed to close transfer handle", failedLine("0x0", "0xa")});
@@ -262,13 +307,27 @@ TEST_F(RioWriteTest, CloseThatFailsIsOnlySaid)
     expectLines(10, {writingLine("0x80000100", 10), warning + "Failed to close transfer handle"});
 }
 
+TEST_F(RioWriteTest, CopyAndCloseThatFailAreBothSaid)
+{
+    writeFile(10);
+    const FailNth<ddal_rio_copy_to_fd> noCopy(1);
+    const FailNth<ddal_rio_copy_close_fd> noClose(1);
+
+    EXPECT_EQ(write(), 2);
+
+    expectLines(10, {warning + "Failed to close transfer handle", failedLine("0x0", "0xa")});
+}
+
 class RioWriteFailureTest : public RioWriteTest, public testing::WithParamInterface<unsigned> {
 protected:
     RioWriteFailureTest() { writeFile(0x28000); }
 
-    /// The blocks before the one that fails, and the failure.
+    /// The blocks before the one that fails, and the failure. Everything that was taken has been given back.
     void expectFailure() const
     {
+        EXPECT_EQ(m_handlesClosed.count(), 1U);
+        EXPECT_EQ(m_freed.count(), 1U);
+        EXPECT_EQ(m_filesClosed.count(), 1U);
         const std::array<std::string, 3> addresses{"0x80000100", "0x80010100", "0x80020100"};
         const std::array<std::string, 3> written{"0x0", "0x10000", "0x20000"};
         std::vector<std::string> behind;
@@ -278,6 +337,10 @@ protected:
         behind.push_back(failedLine(written.at(GetParam() - 1), "0x28000"));
         expectLines(0x28000, behind);
     }
+
+    const CountCalls<ddal_rio_copy_close_fd> m_handlesClosed;
+    const CountCalls<AaMemUnRef> m_freed;
+    const CountCalls<AaFileClose> m_filesClosed;
 };
 
 TEST_P(RioWriteFailureTest, ReadThatFailsEndsIt)
@@ -297,9 +360,7 @@ TEST_P(RioWriteFailureTest, FileThatEndsEarlyEndsIt)
 TEST_P(RioWriteFailureTest, CopyThatFailsEndsIt)
 {
     const FailNth<ddal_rio_copy_to_fd> noCopy(GetParam());
-    const CountCalls<ddal_rio_copy_close_fd> closed;
     EXPECT_EQ(write(), 2);
-    EXPECT_EQ(closed.count(), 1U);
     expectFailure();
 }
 
@@ -346,8 +407,7 @@ TEST_F(RioWriteTest, FullDiskBehindTheDeviceIsAFailure)
     EXPECT_EQ(lines().back(), failedLine("0x10000", "0x20000"));
 }
 
-// ----------------------------------------------------------------------------------------------------------
-// verification
+// -------------------------------------------------------------------------------------------------------- verification
 
 class RioValidateTest : public RioTest {
 protected:
@@ -398,6 +458,45 @@ TEST_F(RioValidateTest, EveryBlockHasAHandleAndBuffersOfItsOwn)
     EXPECT_EQ(closed.count(), 3U);
     EXPECT_EQ(allocated.count(), 6U);
     EXPECT_EQ(freed.count(), 6U);
+}
+
+TEST_F(RioValidateTest, FileMayLieAcrossTheEndOf32Bits)
+{
+    m_board.cells("rapidio/port@0/device@10/memory@80000000", "reg", {0, 0xFFFF0000, 0, 0x100000});
+    m_node.writeBoardFile(path, std::string(0x10001, '\0')); // as the device holds
+
+    EXPECT_EQ(validateSrioWrite(device, 0xFFFFFF00, path), 0);
+
+    EXPECT_THAT(lines(), ElementsAre(readingLine(1, "0xffffff00", blockSize), readingLine(2, "0x10000ff00", 1)));
+}
+
+TEST_F(RioValidateTest, DevicesNumberIsInUpperCase)
+{
+    describeDeviceAb();
+    m_node.writeBoardFile(path, "#");
+    const std::string name = "validateSrioWrite, [0xAB] ";
+
+    EXPECT_EQ(validateSrioWrite(0xAB, 0x80000000, path), 1);
+    EXPECT_EQ(validateSrioWrite(0xAB, 0x80000000, "/missing"), 100);
+    {
+        const FailNth<AaFileRead> noRead(1);
+        EXPECT_EQ(validateSrioWrite(0xAB, 0x80000000, path), 100);
+    }
+    {
+        const FailNth<AaMemMalloc> noMemory(1);
+        EXPECT_EQ(validateSrioWrite(0xAB, 0x80000000, path), 100);
+    }
+
+    EXPECT_THAT(lines(),
+                ElementsAre(debug + "validateSrioWrite, Reading 1. block from SRIO device 0xAB, address 0x80000000, "
+                                    "size 1",
+                            info + name + "SRIO write failed, corrupted 1 bytes", //
+                            warning + name + "AaFileOpen() failed",
+                            info + name + "SRIO write failed, corrupted 100 bytes", //
+                            info + name + "bytes == size failed",
+                            info + name + "SRIO write failed, corrupted 100 bytes", //
+                            warning + name + "AaMemMalloc(1) failed",
+                            info + name + "SRIO write failed, corrupted 100 bytes"));
 }
 
 TEST_F(RioValidateTest, FirstBlockThatDiffersIsTheLast)
@@ -456,7 +555,9 @@ TEST_F(RioValidateTest, FileOfUnknownSizeIsAFailure)
 {
     writeFile(10);
     const FailNth<AaFileGetSize> noSize(1);
+    const CountCalls<AaFileClose> filesClosed;
     EXPECT_EQ(validate(), 100);
+    EXPECT_EQ(filesClosed.count(), 1U);
     EXPECT_THAT(lines(), ElementsAre(corruptedLine(100)));
 }
 
@@ -466,8 +567,8 @@ protected:
     RioValidateFailureTest() { load(0x20000); }
 
     unsigned block() const { return GetParam(); }
-    /// Everything that was taken has been given back.
-    void expectFailure(const std::vector<std::string>& message, bool isRead)
+    /// Everything that was taken has been given back: so many blocks of memory, and the file.
+    void expectFailure(const std::string& message, bool isRead, unsigned freedBlocks)
     {
         const CountCalls<AaMemUnRef> freed;
         const CountCalls<AaFileClose> filesClosed;
@@ -482,37 +583,37 @@ protected:
             expected.push_back(block() == 1 ? readingLine(1, "0x80000100", blockSize)
                                             : readingLine(2, "0x80010100", blockSize));
         }
-        expected.insert(expected.end(), message.begin(), message.end());
+        expected.push_back(message);
         expected.push_back(corruptedLine(100));
         EXPECT_EQ(lines(), expected);
         EXPECT_EQ(filesClosed.count(), 1U);
-        EXPECT_LE(freed.count(), 2 * block());
+        EXPECT_EQ(freed.count(), freedBlocks);
     }
 };
 
 TEST_P(RioValidateFailureTest, NoMemoryForTheFile)
 {
     const FailNth<AaMemMalloc> noMemory(2 * block() - 1);
-    expectFailure({warning + "validateSrioWrite, [0x10] AaMemMalloc(1) failed"}, false);
+    expectFailure(warning + "validateSrioWrite, [0x10] AaMemMalloc(1) failed", false, 2 * block() - 2);
 }
 
 TEST_P(RioValidateFailureTest, FileThatCannotBeRead)
 {
     const FailNth<AaFileRead> noRead(block());
-    expectFailure({info + "validateSrioWrite, [0x10] bytes == size failed"}, false);
+    expectFailure(info + "validateSrioWrite, [0x10] bytes == size failed", false, 2 * block() - 1);
 }
 
 TEST_P(RioValidateFailureTest, FileThatIsShorterThanItSaid)
 {
     const FailNth<AaFileRead> shortRead(block(), 0xFFFF);
-    expectFailure({info + "validateSrioWrite, [0x10] bytes == size failed"}, false);
+    expectFailure(info + "validateSrioWrite, [0x10] bytes == size failed", false, 2 * block() - 1);
 }
 
 TEST_P(RioValidateFailureTest, NoHandle)
 {
     const FailNth<ddal_rio_copy_open_fd> noHandle(block());
     const CountCalls<ddal_rio_copy_close_fd> closed;
-    expectFailure({warning + "validateSrioWrite, Failed to open handle for rio transfer (read)"}, false);
+    expectFailure(warning + "validateSrioWrite, Failed to open handle for rio transfer (read)", false, 2 * block() - 1);
     EXPECT_EQ(closed.count(), block() - 1);
 }
 
@@ -520,7 +621,7 @@ TEST_P(RioValidateFailureTest, NoMemoryForTheDevice)
 {
     const FailNth<AaMemMalloc> noMemory(2 * block());
     const CountCalls<ddal_rio_copy_close_fd> closed;
-    expectFailure({warning + "validateSrioWrite, [0x10] AaMemMalloc(2) failed"}, false);
+    expectFailure(warning + "validateSrioWrite, [0x10] AaMemMalloc(2) failed", false, 2 * block() - 1);
     EXPECT_EQ(closed.count(), block());
 }
 
@@ -528,14 +629,14 @@ TEST_P(RioValidateFailureTest, DeviceThatCannotBeRead)
 {
     const FailNth<ddal_rio_copy_from_fd> noCopy(block());
     const CountCalls<ddal_rio_copy_close_fd> closed;
-    expectFailure({warning + "validateSrioWrite, [0x10] ddal_rio_copy_from() failed"}, true);
+    expectFailure(warning + "validateSrioWrite, [0x10] ddal_rio_copy_from() failed", true, 2 * block());
     EXPECT_EQ(closed.count(), block());
 }
 
 TEST_P(RioValidateFailureTest, HandleThatCannotBeClosed)
 {
     const FailNth<ddal_rio_copy_close_fd> noClose(block());
-    expectFailure({warning + "validateSrioWrite, Failed to close transfer handle"}, true);
+    expectFailure(warning + "validateSrioWrite, Failed to close transfer handle", true, 2 * block());
 }
 
 INSTANTIATE_TEST_SUITE_P(Blocks, RioValidateFailureTest, testing::Values(1U, 2U));
@@ -550,6 +651,20 @@ TEST_F(RioValidateTest, CloseThatFailsHidesTheDifferences)
 
     EXPECT_THAT(lines(),
                 ElementsAre(readingLine(1, "0x80000100", 100),
+                            warning + "validateSrioWrite, Failed to close transfer handle", corruptedLine(100)));
+}
+
+TEST_F(RioValidateTest, CopyAndCloseThatFailAreBothSaid)
+{
+    load(100);
+    const FailNth<ddal_rio_copy_from_fd> noCopy(1);
+    const FailNth<ddal_rio_copy_close_fd> noClose(1);
+
+    EXPECT_EQ(validate(), 100);
+
+    EXPECT_THAT(lines(),
+                ElementsAre(readingLine(1, "0x80000100", 100),
+                            warning + "validateSrioWrite, [0x10] ddal_rio_copy_from() failed",
                             warning + "validateSrioWrite, Failed to close transfer handle", corruptedLine(100)));
 }
 
@@ -587,8 +702,7 @@ TEST_F(RioValidateTest, FunctionsAreCalledFromC)
     EXPECT_EQ(loadInC(0x77, address, path), -2);
 }
 
-// --------------------------------------------------------------------------------------------------------------
-// dumping
+// ------------------------------------------------------------------------------------------------------------- dumping
 
 class RioDumpTest : public RioTest {
 protected:
