@@ -12,8 +12,9 @@
 ///     DSP                "%x %x %x %x : ": bootStatus, boardId, chipNumber, numberOfPosts; then "%x %x " for each test
 ///     second POST data   "%x : ": numOfPost; then "%x %x " for each test
 ///
-/// What is read: a number is any that `strtoul` takes in base 16, of which 32 bits count; one that is greater is
-/// 0xFFFFFFFF. White space may stand anywhere. A line of more than 1023 bytes is read as several lines of that length.
+/// What is read: a number is any that `scanf` takes for "%x", of which 32 bits count; one that is greater is
+/// 0xFFFFFFFF, and "0x" without digits behind it is 0. White space may stand between numbers and around the colon. A
+/// line of more than 1023 bytes is read as several lines of that length.
 ///
 /// What can be lost: an update empties the file before it writes. When the disk is full, or power fails, just then,
 /// both results are gone or the last line is cut off; the update then gives #EStatus_UndefinedError, if it is there to
@@ -101,9 +102,8 @@ typedef struct SApi2PostDataResp {
 
 /// Records a result of the main controller. The file then has exactly two lines; see #POST_FILE_MCU_MARKER.
 /// @return #EStatus_NoError; #EStatus_UndefinedError when the file cannot be opened for writing, not be written whole
-/// or
-///   not be closed, when @p result is null or when there is no memory. A write that falls short ends the writing: the
-///   file stays cut off.
+///   or not be closed, when @p result is null or when there is no memory. A write that falls short ends the writing:
+///   the file stays cut off.
 EStatus UpdateMcuPost(const char* filename, const SMcuPostResult* result);
 
 /// Records a result of a DSP; the one before stays behind it. Of a result before that announces more than
@@ -119,19 +119,19 @@ EStatus UpdatePostData2(const char* filename, const SApi2PostDataResp* result);
 
 /// Reads all results of the main controller, however many lines there are.
 /// @param results receives the array, the newest first, which the caller ends with AaMemUnRefDbg(); null when there are
-///   none. A line that does not begin with 14 numbers counts; all fields of its result are 0xFFFFFFFF.
+///   none. It grows in steps, so that its block may be larger than the results need. A line that does not begin with 14
+///   numbers counts; all fields of its result are 0xFFFFFFFF.
 /// @param nbrOfResults receives the number of results
 /// @return #EStatus_NoError, also when lines were malformed; #EStatus_UndefinedError when the file cannot be opened,
-/// when
-///   a parameter is null or when there is no memory, each with no results; or when the file could not be closed, with
-///   what has been read.
+///   when a parameter is null or when there is no memory, each with no results; or when the file could not be closed,
+///   with what has been read.
 EStatus QueryMcuPost(const char* filename, SMcuPostResult** results, uint32_t* nbrOfResults);
 
 /// Reads the first two results of a DSP.
 /// @param results receives an array of pointers, the newest first, or null when there are none. The caller ends each
 ///   record and then the array with AaMemUnRefDbg(). A record has room for #POST_FILE_PAIRS_MAX tests, whatever
 ///   numberOfPosts says; what the file does not give is all ones. In a malformed line the numbers up to the fault are
-///   read.
+///   read: without the colon behind its header it has no tests, whatever follows.
 /// @param nbrOfResults receives the number of results
 /// @return as QueryMcuPost().
 EStatus QueryDspPost(const char* filename, DspReadyInd*** results, uint32_t* nbrOfResults);

@@ -18,7 +18,8 @@ bool HexReader::number(std::uint32_t& number)
     }
     char* end = nullptr;
     const unsigned long long value = std::strtoull(digits, &end, 16); // wider than 32 bits everywhere
-    m_at = end;
+    const bool isPrefixAlone = end == digits + 1 && *digits == '0' && (*end == 'x' || *end == 'X');
+    m_at = isPrefixAlone ? end + 1 : end;
     number = static_cast<std::uint32_t>(std::min<unsigned long long>(value, UINT32_MAX));
     if (isNegative && value <= UINT32_MAX) {
         number = 0 - number;

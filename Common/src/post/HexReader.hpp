@@ -13,7 +13,7 @@ public:
     /// @param text stays valid as long as the reader
     explicit HexReader(const char* text) : m_at(text) {}
 
-    /// Reads a number: a sign and the prefix "0x" are allowed, digits are needed. One of more than 32 bits is
+    /// Reads a number: a sign and the prefix "0x" are allowed; the prefix alone is 0. One of more than 32 bits is
     /// 0xFFFFFFFF.
     /// @return false, with @p number as it was, when there is none.
     bool number(std::uint32_t& number);

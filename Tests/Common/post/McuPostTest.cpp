@@ -24,6 +24,8 @@ SMcuPostResult resultFrom(EPostState first)
             first + 7, first + 8, first + 9, first + 10, first + 11, first + 12, first + 13};
 }
 
+constexpr std::string_view onesLine = "ffffffff ffffffff ffffffff ffffffff ffffffff ffffffff ffffffff "
+                                      "ffffffff ffffffff ffffffff ffffffff ffffffff ffffffff ffffffff\n";
 constexpr std::string_view lineFrom1 = "1 2 3 4 5 6 7 8 9 a b c d e\n";
 constexpr std::string_view lineFrom16 = "10 11 12 13 14 15 16 17 18 19 1a 1b 1c 1d\n";
 
@@ -111,6 +113,24 @@ TEST_F(McuPostTest, UpdateOfALongerFileLeavesTwoLines)
     EXPECT_EQ(content(), lineFrom1 + lineFrom16);
 }
 
+TEST_F(McuPostTest, EmptyFileIsOneWithoutPreviousResult)
+{
+    write("");
+
+    EXPECT_EQ(update(1), EStatus_NoError);
+
+    EXPECT_EQ(content(), lineFrom1 + markerLine);
+}
+
+TEST_F(McuPostTest, MalformedFirstLineIsThePreviousResultWithAllOnes)
+{
+    write("1 2 3\n" + std::string(lineFrom16));
+
+    EXPECT_EQ(update(1), EStatus_NoError);
+
+    EXPECT_EQ(content(), lineFrom1 + onesLine);
+}
+
 TEST_F(McuPostTest, ResultsAreReadBack)
 {
     update(0xF1000000);
@@ -186,6 +206,22 @@ TEST_F(McuPostTest, NumbersAreReadAsScanfDoesWith32Bits)
     ASSERT_EQ(m_count, 1U);
     EXPECT_THAT(words(0), ElementsAre(0x1F, 0xAB, 7, 0xFFFFFFFF, 0xFFFFFFF0, 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF, 1,
                                       0xFFFFFFFF, 0xA, 0xB, 0xC, 0));
+}
+
+TEST_F(McuPostTest, PrefixAloneIsZero)
+{
+    write("0x 1 0X 2 -0x 3 +0x 4 5 6 7 8 9 0x\n"
+          "0xg 2 3 4 5 6 7 8 9 a b c d e\n"
+          "00x 2 3 4 5 6 7 8 9 a b c d e\n"
+          "x 2 3 4 5 6 7 8 9 a b c d e f\n");
+
+    ASSERT_EQ(query(), EStatus_NoError);
+
+    ASSERT_EQ(m_count, 4U);
+    EXPECT_THAT(words(0), ElementsAre(0, 1, 0, 2, 0, 3, 0, 4, 5, 6, 7, 8, 9, 0));
+    EXPECT_THAT(words(1), Each(0xFFFFFFFFU)); // no number behind the prefix
+    EXPECT_THAT(words(2), Each(0xFFFFFFFFU)); // "00x" begins with none
+    EXPECT_THAT(words(3), Each(0xFFFFFFFFU));
 }
 
 TEST_F(McuPostTest, LastLineNeedsNoLineFeed)
@@ -333,6 +369,23 @@ TEST_F(McuPostTest, UpdateOfAFileWhoseReadingEndsBadlyKeepsWhatWasRead)
     }
 
     EXPECT_EQ(content(), lineFrom1 + lineFrom16);
+}
+
+TEST_F(McuPostTest, UpdateOfAFileWhoseReadingFailsPartWayKeepsWhatWasRead)
+{
+    struct Row {
+        unsigned failingRead;
+        std::string_view secondLine;
+    };
+    for (const Row& row : {Row{1, markerLine}, Row{2, lineFrom16}}) {
+        write(lineFrom16 + lineFrom16);
+        const FailNth<AaFileReadLine> read(row.failingRead);
+
+        EXPECT_EQ(update(1), EStatus_NoError);
+
+        EXPECT_TRUE(read.hasFailed());
+        EXPECT_EQ(content(), lineFrom1 + row.secondLine);
+    }
 }
 
 TEST_F(McuPostTest, ShortWriteStopsWritingAtOnce)

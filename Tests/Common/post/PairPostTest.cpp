@@ -229,6 +229,14 @@ TYPED_TEST(PairPostTest, HalfAPairIsRead)
     EXPECT_EQ(this->readLine(TypeParam::header("2") + "1 2 3 x\n"), record(words));
 }
 
+TYPED_TEST(PairPostTest, PrefixAloneIsZero)
+{
+    auto words = TypeParam::words(2);
+    words.insert(words.end(), {0, 5, 0});
+
+    EXPECT_EQ(this->readLine(TypeParam::header("2") + "0x 5 0xg 6 \n"), record(words));
+}
+
 TYPED_TEST(PairPostTest, GreatestCountYieldsNoMoreThan16)
 {
     auto words = TypeParam::words(none);
@@ -372,6 +380,55 @@ TYPED_TEST(PairPostTest, QueryWithoutPlaceForResultsIsAnError)
     EXPECT_EQ(TypeParam::query(nullptr, &results, &count), EStatus_UndefinedError);
 }
 
+TYPED_TEST(PairPostTest, UpdateWithoutNameIsAnError)
+{
+    RecordBuffer<typename TypeParam::Record> buffer{10, 11, 12, 1};
+    buffer.addPair(1, 2);
+
+    EXPECT_EQ(TypeParam::update(nullptr, buffer.get()), EStatus_UndefinedError);
+}
+
+TYPED_TEST(PairPostTest, UpdateOfAFileWhoseReadingFailsPartWayKeepsWhatWasRead)
+{
+    const std::string newLine = TypeParam::header("3") + "1 2 3 4 5 6 \n";
+    const std::string oldLine = TypeParam::header("1") + "1 2 \n";
+    const std::vector<std::string> kept{newLine, newLine + oldLine};
+    for (unsigned failingRead = 1; failingRead <= kept.size(); ++failingRead) {
+        this->write(oldLine + oldLine);
+        const FailNth<AaFileReadLine> read(failingRead);
+
+        EXPECT_EQ(this->update(3), EStatus_NoError);
+
+        EXPECT_TRUE(read.hasFailed());
+        EXPECT_EQ(this->content(), kept[failingRead - 1]);
+    }
+}
+
+TYPED_TEST(PairPostTest, UpdateOfAFileWhoseReadingEndsBadlyKeepsWhatWasRead)
+{
+    this->update(1);
+
+    {
+        const FailNth<AaFileClose> close(1);
+        EXPECT_EQ(this->update(2), EStatus_NoError);
+        EXPECT_TRUE(close.hasFailed());
+    }
+
+    EXPECT_EQ(this->content(), TypeParam::header("2") + "1 2 3 4 \n" + TypeParam::header("1") + "1 2 \n");
+}
+
+TYPED_TEST(PairPostTest, FileThatCannotBeReadIsWrittenAnew)
+{
+    this->update(1);
+
+    {
+        const FailNth<AaFileOpen> open(1);
+        EXPECT_EQ(this->update(2), EStatus_NoError);
+    }
+
+    EXPECT_EQ(this->content(), TypeParam::header("2") + "1 2 3 4 \n");
+}
+
 TYPED_TEST(PairPostTest, FileThatCannotBeOpenedForWritingStaysAsItWas)
 {
     this->update(1);
@@ -408,6 +465,19 @@ TYPED_TEST(PairPostTest, ShortWriteStopsWritingAtOnce)
     }
 
     EXPECT_EQ(this->content(), "");
+}
+
+TYPED_TEST(PairPostTest, FailingSecondWriteLeavesTheFirstLine)
+{
+    this->update(1);
+
+    {
+        const FailNth<AaFileWrite> write(2);
+        EXPECT_EQ(this->update(2), EStatus_UndefinedError);
+        EXPECT_EQ(write.count(), 2U);
+    }
+
+    EXPECT_EQ(this->content(), TypeParam::header("2") + "1 2 3 4 \n");
 }
 
 TYPED_TEST(PairPostTest, FullDiskLeavesWhatFits)
