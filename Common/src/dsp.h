@@ -21,13 +21,14 @@
 /// Elements are found by their exact names as direct children; of several with one name the first counts.
 ///
 /// A number is read as far as its digits go, 0 without any: in base 16 behind "0x", in base 8 behind "0", else in base
-/// 10. It is a signed number of 32 bits, also where addresses have 64: 0x80000000 and above give 0x7FFFFFFF, and below
-/// -0x80000000 gives -0x80000000. So an address is 0x7FFFFFFF at most, or, if the file has a negative number, that
-/// number's 32 bits; its upper 32 bits are 0.
+/// 10; nothing is in base 2, so "0b101" is 0. It is a signed number of 32 bits, also where addresses have 64:
+/// 0x80000000 and above give 0x7FFFFFFF, and below -0x80000000 gives -0x80000000. So an address is 0x7FFFFFFF at most,
+/// or, if the file has a negative number, that number's 32 bits; its upper 32 bits are 0.
 ///
 /// The functions may be called from any thread; they keep nothing and do not throw. What is wrong is logged under
 /// `ERadHwapi_PrintDspXml`: what concerns file and format at severity Warning, each missing element of the two sections
-/// at severity Error.
+/// at severity Error. That there is no memory for the file's content is a failure without a line, because nothing is
+/// wrong with the file; none for its tree is the parser's result 3.
 #ifndef DSP_H
 #define DSP_H
 

@@ -4,12 +4,18 @@
 #include "AaFile.h"
 #include "AaGpuXml.hpp"
 #include "AaSysLog.h"
+#include "PlatformBlock.hpp"
 #include "rad/ERadHwapi.h"
 
 #include <memory>
 #include <new>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+
+using vel::hwapi::common::allocateArray;
+using vel::hwapi::common::PlatformBlock;
 
 namespace {
 
@@ -29,58 +35,61 @@ OwnedFile open(const char* name)
     return file;
 }
 
-/// The whole content of a file; nothing when it cannot be had.
-std::optional<std::string> contentOf(AaFile* file)
+/// What has come of a text.
+struct Parsed {
+    std::unique_ptr<AaGpuXmlNode> above; ///< what stands above the document element; null when the text is no XML
+    EAaGpuXmlResult result;
+};
+
+Parsed parse(std::string_view text)
 try {
-    const std::int32_t size = AaFileGetSize(file);
-    if (size < 0) {
-        return std::nullopt;
-    }
-    std::string content(static_cast<std::size_t>(size), '\0');
-    if (AaFileRead(file, content.data(), static_cast<std::uint32_t>(size)) < size) {
-        return std::nullopt;
-    }
-    return content;
+    AaGpuXmlParser parser(0);
+    std::unique_ptr<AaGpuXmlNode> above(parser.AaGpuXmlParse(std::string(text), ""));
+    return {std::move(above), parser.AaGpuXmlLastResult()};
 } catch (const std::bad_alloc&) {
+    return {nullptr, AA_GPU_XML_NO_MEMORY};
+}
+
+std::nullopt_t readFailed(const char* name)
+{
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, ERadHwapi_PrintDspXml, "File '%s' read failed", name);
     return std::nullopt;
 }
 
-/// What stands above the document element; null when the text is no XML.
-std::unique_ptr<AaGpuXmlNode> parse(const std::string& text)
-{
-    AaGpuXmlParser parser(0);
-    std::unique_ptr<AaGpuXmlNode> above(parser.AaGpuXmlParse(text, ""));
-    if (!above) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, ERadHwapi_PrintDspXml, "XML parsing failed %d",
-                       static_cast<int>(parser.AaGpuXmlLastResult()));
-    }
-    return above;
-}
-
-std::unique_ptr<AaGpuXmlNode> read(const char* name)
+/// Parses a file and gives it back, with the buffer, before it returns. Nothing when there is no text to parse.
+std::optional<Parsed> parseFile(const char* name)
 {
     const OwnedFile file = open(name);
     if (!file) {
-        return nullptr;
+        return std::nullopt;
     }
-    const std::optional<std::string> content = contentOf(file.get());
+    const std::int32_t size = AaFileGetSize(file.get());
+    if (size < 0) {
+        return readFailed(name);
+    }
+    const auto length = static_cast<std::uint32_t>(size);
+    const PlatformBlock<char[]> content(allocateArray<char>(length));
     if (!content) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, ERadHwapi_PrintDspXml, "File '%s' read failed", name);
-        return nullptr;
+        return std::nullopt;
     }
-    return parse(*content);
+    if (AaFileRead(file.get(), content.get(), length) < size) {
+        return readFailed(name);
+    }
+    return parse({content.get(), length});
 }
 
 } // namespace
 
 TBoolean ApiReadDspXml(const char* name, SStartUpGlobalParameters* configParams, SDspAddressParams* addrParams)
 {
-    if (!name) {
+    const std::optional<Parsed> parsed = name ? parseFile(name) : std::nullopt;
+    if (!parsed) {
         return 0;
     }
-    const std::unique_ptr<AaGpuXmlNode> above = read(name);
-    if (!above) {
+    if (!parsed->above) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, ERadHwapi_PrintDspXml, "XML parsing failed %d",
+                       static_cast<int>(parsed->result));
         return 0;
     }
-    return ApiParseDspXml(*above->AaGpuXmlGetFirstChildren(), configParams, addrParams);
+    return ApiParseDspXml(*parsed->above->AaGpuXmlGetFirstChildren(), configParams, addrParams);
 }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 
+using namespace vel::hwapi::common;
 using namespace vel::hwapi::common::post;
 
 namespace {

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "post/PostArrays.hpp"
 
-#include "post/PlatformBlock.hpp"
+#include "PlatformBlock.hpp"
 
 #include <algorithm>
 #include <cstring>
 
+using namespace vel::hwapi::common;
 using namespace vel::hwapi::common::post;
 
 namespace {

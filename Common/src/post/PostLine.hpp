@@ -4,7 +4,7 @@
 #pragma once
 
 #include "AaTypes.h"
-#include "post/PlatformBlock.hpp"
+#include "PlatformBlock.hpp"
 
 #include <cstdint>
 #include <span>

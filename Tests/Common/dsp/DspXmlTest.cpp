@@ -10,6 +10,7 @@
 
 #include "AaFile.h"
 #include "AaGpuXml.hpp"
+#include "AaMem.h"
 #include "dsp/Signed32.hpp"
 #include "log/LogObserver.hpp"
 
@@ -27,6 +28,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testkit::CountCalls;
 using testkit::FailNth;
 using vel::hwapi::common::dsp::signed32Of;
 
@@ -179,6 +181,14 @@ TEST_F(DspXmlTest, NumbersAreThoseOfALongOf32Bits)
         {"-2147483648", 0x80000000, 0x80000000},
         {"-2147483649", 0x80000000, 0x80000000},
         {"-99999999999999999999", 0x80000000, 0x80000000},
+        {" \v\f\r-0x10", 0xFFFFFFF0, 0},
+        {"\t+010", 8, 10},
+        {"- 1", 0, 0},
+        {"0x", 0, 0},
+        {"0xg", 0, 0},
+        {"0b101", 0, 0}, // there is no base 2
+        {"0B101", 0, 0},
+        {"-0b1", 0, 0},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(signed32Of(row.text, 0), row.byPrefix) << row.text;
@@ -268,6 +278,34 @@ TEST_F(DspXmlTest, FailingCloseChangesNothing)
 
     EXPECT_TRUE(close.hasFailed());
     EXPECT_EQ(m_config.bootInfo.resetType, 2U);
+}
+
+TEST_F(DspXmlTest, FileForWhichThereIsNoBufferFailsSilently)
+{
+    const FailNth<AaMemMallocDbg> memory(1);
+
+    EXPECT_EQ(read(document(bootInfo + memAddress)), 0U);
+
+    EXPECT_TRUE(memory.hasFailed());
+    EXPECT_THAT(m_log.texts(), ElementsAre(opened));
+    EXPECT_TRUE(isUntouched());
+}
+
+TEST_F(DspXmlTest, BufferAndFileAreGivenBackBeforeTheTreeIsLookedAt)
+{
+    const CountCalls<AaMemUnRefDbg> released;
+    const CountCalls<AaFileClose> closed;
+    std::vector<std::string> linesAfterClose;
+    const int observer = host::addLogObserver([&](const host::LogLine& line) {
+        if (released.count() == 1 && closed.count() == 1) {
+            linesAfterClose.push_back(testkit::textOf(line));
+        }
+    });
+
+    EXPECT_EQ(read("<service"), 0U);
+    host::removeLogObserver(observer);
+
+    EXPECT_THAT(linesAfterClose, ElementsAre("Warning 0x20046 XML parsing failed 1"));
 }
 
 TEST_F(DspXmlTest, TextThatIsNoXml)
@@ -456,6 +494,23 @@ TEST_F(DspXmlDeathTest, NullPointersOfTheSectionsEndTheProcess)
                  "<Assertion failed: addrParams != NULL \\(file: Common");
 }
 
+TEST_F(DspXmlDeathTest, NullStructuresEndTheProcessOnceTheirSectionIsFound)
+{
+    const std::string text = document(bootInfo + memAddress);
+    m_node.writeBoardFile(path, text);
+    const auto root = tree(text);
+    AaGpuXmlNode* const service = ApiXmlGetTag(root.get(), "service");
+
+    EXPECT_DEATH(showAndCall([&] { ApiReadDspXml(path, nullptr, &m_addresses); }),
+                 "<Assertion failed: config != NULL \\(file: Common");
+    EXPECT_DEATH(showAndCall([&] { ApiReadDspXml(path, &m_config, nullptr); }),
+                 "<Assertion failed: addrParams != NULL \\(file: Common");
+    EXPECT_DEATH(showAndCall([&] { ApiParseDspXml(service, nullptr, &m_addresses); }),
+                 "<Assertion failed: config != NULL \\(file: Common");
+    EXPECT_DEATH(showAndCall([&] { ApiParseDspXml(service, &m_config, nullptr); }),
+                 "<Assertion failed: addrParams != NULL \\(file: Common");
+}
+
 // -------------------------------------------------------------------------------------------------------------- others
 
 TEST_F(DspXmlTest, FunctionsAreCalledFromC)
@@ -478,6 +533,10 @@ TEST(DspXmlMemoryTest, FileForWhichThereIsNoMemoryIsNotReadAndNothingIsThrown)
     SDspAddressParams addresses{};
     ASSERT_EQ(ApiReadDspXml(path, &config, &addresses), 1U);
 
+    int readFailedLines = 0;
+    const int observer = host::addLogObserver([&readFailedLines](const host::LogLine& line) {
+        readFailedLines += line.text.ends_with("read failed") ? 1 : 0; // takes no memory
+    });
     TBoolean isRead = 0;
     long blocks = 0;
     for (; isRead == 0 && blocks < 100; ++blocks) {
@@ -485,9 +544,11 @@ TEST(DspXmlMemoryTest, FileForWhichThereIsNoMemoryIsNotReadAndNothingIsThrown)
         isRead = ApiReadDspXml(path, &config, &addresses);
     }
     blocksBeforeFailure = -1;
+    host::removeLogObserver(observer);
 
     EXPECT_EQ(isRead, 1U);
     EXPECT_GT(blocks, 1);
+    EXPECT_EQ(readFailedLines, 0);
 }
 
 } // namespace

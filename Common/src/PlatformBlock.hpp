@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <memory>
 
-namespace vel::hwapi::common::post {
+namespace vel::hwapi::common {
 
 struct BlockRelease {
     void operator()(void* block) const { AaMemUnRefDbg(block, __FILE__, __LINE__); }
@@ -27,4 +27,4 @@ Element* allocateArray(std::uint64_t length)
     return static_cast<Element*>(AaMemMallocDbg(size, __FILE__, __LINE__));
 }
 
-} // namespace vel::hwapi::common::post
+} // namespace vel::hwapi::common
