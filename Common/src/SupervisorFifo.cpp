@@ -72,17 +72,18 @@ private:
     bool m_wasPending;
 };
 
-bool exists(const char* place)
+/// Whether there is nothing at the place. One that cannot be looked at is left to the opening, which says why.
+bool isMissing(const char* place)
 {
     struct stat status {};
-    return stat(place, &status) == 0;
+    return stat(place, &status) != 0 && (errno == ENOENT || errno == ENOTDIR);
 }
 
 std::int32_t writeOnce(int descriptor, const void* payload, std::size_t size)
 {
     errno = 0; // a write that stops half-way leaves it
     const ssize_t count = write(descriptor, payload, size);
-    if (count == static_cast<ssize_t>(size)) {
+    if (count >= 0 && static_cast<std::size_t>(count) == size) {
         syslog(LOG_INFO, "%s: %zd bytes written successfully.", tag, count);
         return written;
     }
@@ -100,7 +101,7 @@ int32_t SupervisorFifoWrite(size_t size, const void* payload)
         return failed;
     }
     std::array<char, PATH_MAX> place{};
-    if (AaFileGetBoardPath(fifoPath, place.data(), place.size()) != 0 || !exists(place.data())) {
+    if (AaFileGetBoardPath(fifoPath, place.data(), place.size()) != 0 || isMissing(place.data())) {
         syslog(LOG_INFO, "%s: %s is missing", tag, fifoPath);
         return failed;
     }

@@ -136,6 +136,34 @@ TEST_F(RingBufferRegistrationTest, NameOf40CharactersStaysWhole)
     EXPECT_THAT(registeredPaths(), ElementsAre("/ram/0123456789012345678901234567890123456789"));
 }
 
+TEST_F(RingBufferRegistrationTest, NameOf41CharactersLosesTheLast)
+{
+    EXPECT_EQ(add(feature, "0123456789012345678901234567890123456789x"), 1U);
+
+    EXPECT_THAT(registeredPaths(), ElementsAre("/ram/0123456789012345678901234567890123456789"));
+}
+
+TEST_F(RingBufferRegistrationTest, EmptyNameIsLeftToThePlatformToRefuse)
+{
+    EXPECT_EQ(add(feature, ""), 0U);
+
+    EXPECT_THAT(m_log.texts(),
+                ElementsAre("Info 0x20046 hwApiRegisterSysLogRingBuffer() call AaTrblFileRegister(/ram/)",
+                            "Warning 0x20046 hwApiRegisterSysLogRingBuffer() AaTrblFileRegister failed to register "
+                            "buffer, ret=1"));
+    EXPECT_THAT(registeredPaths(), IsEmpty());
+}
+
+TEST_F(RingBufferRegistrationTest, NullNameFailsAlsoForAFeatureThatPrints)
+{
+    makeParameter(1);
+
+    EXPECT_EQ(add(feature, nullptr), 0U);
+
+    EXPECT_THAT(m_log.texts(), ElementsAre("Warning 0x20046 hwApiRegisterSysLogRingBuffer() failed, NULL pointers, "
+                                           "fileName: NULL"));
+}
+
 TEST_F(RingBufferRegistrationTest, NullNameFails)
 {
     EXPECT_EQ(add(feature, nullptr), 0U);
@@ -204,6 +232,22 @@ TEST_F(RingBufferRegistrationTest, FileThatThePlatformDoesNotRegisterIsAFailure)
                 ElementsAre("Info 0x20046 hwApiRegisterSysLogRingBuffer() call AaTrblFileRegister(/ram/dsp.log)",
                             "Warning 0x20046 hwApiRegisterSysLogRingBuffer() AaTrblFileRegister failed to register "
                             "buffer, ret=7"));
+}
+
+TEST_F(RingBufferRegistrationTest, BufferStaysWhenItsFileIsNotRegistered)
+{
+    {
+        const FailNth<AaTrblFileRegister> file(1);
+        ASSERT_EQ(add(feature, "dsp.log"), 0U);
+    }
+    m_log.clear();
+
+    EXPECT_EQ(add(feature, "dsp.log"), 0U);
+
+    EXPECT_THAT(m_log.texts(),
+                ElementsAre("Warning 0x20046 hwApiRegisterSysLogRingBuffer() AaSysLogRegisterRingBuffer failed, 131142 "
+                            "buffer already registered"));
+    EXPECT_EQ(AaSysLogDumpRingBufferToFile(feature, "/ram/dump"), 0);
 }
 
 TEST_F(RingBufferRegistrationTest, FileIsRegisteredAlsoWithoutMemoryForItsContext)

@@ -4,19 +4,24 @@
 #include "../Firmware/SyslogCapture.hpp"
 #include "../TestKit/OpenDescriptors.hpp"
 #include "Bound.hpp"
+#include "FailNth.hpp"
 #include "TestNode.hpp"
 
 #include "AaFile.h"
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <fcntl.h>
+#include <filesystem>
 #include <future>
 #include <gmock/gmock.h>
 #include <pthread.h>
 #include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -26,9 +31,12 @@ namespace dorn::test {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::MatchesRegex;
+using testing::SizeIs;
+using testkit::FailNth;
 
 bool isPipeSignalPending()
 {
@@ -100,6 +108,45 @@ TEST_F(SupervisorFifoTest, MissingPipeIsNotWaitedFor)
     EXPECT_EQ(writeText("hello"), 1);
 
     EXPECT_THAT(m_syslog.texts(), ElementsAre("info SupervisorFifoWrite: /tmp/SupervisorFifo is missing"));
+}
+
+TEST_F(SupervisorFifoTest, NullPayloadIsAnErrorAlsoWithoutPipe)
+{
+    EXPECT_EQ(SupervisorFifoWrite(0, nullptr), 1);
+
+    EXPECT_THAT(m_syslog.texts(), ElementsAre("error SupervisorFifoWrite: Payload pointer is NULL."));
+}
+
+TEST_F(SupervisorFifoTest, PipeInAMissingFolderIsMissing)
+{
+    ASSERT_EQ(rmdir(m_node.boardPath("/tmp").c_str()), 0);
+    EXPECT_EQ(writeText("hello"), 1);
+    m_node.writeBoardFile("/tmp", "no folder");
+    EXPECT_EQ(writeText("hello"), 1);
+
+    EXPECT_THAT(m_syslog.texts(), Each("info SupervisorFifoWrite: /tmp/SupervisorFifo is missing"));
+    EXPECT_THAT(m_syslog.texts(), SizeIs(2));
+}
+
+TEST_F(SupervisorFifoTest, PipeWhosePathThePlatformCannotTranslateIsMissing)
+{
+    makeFifo();
+    const Reader reader(place());
+    const FailNth<AaFileGetBoardPath> path(1);
+
+    EXPECT_EQ(writeText("hello"), 1);
+
+    EXPECT_TRUE(path.hasFailed());
+    EXPECT_THAT(m_syslog.texts(), ElementsAre("info SupervisorFifoWrite: /tmp/SupervisorFifo is missing"));
+}
+
+TEST_F(SupervisorFifoTest, PipeThatCannotBeLookedAtIsNotCalledMissing)
+{
+    ASSERT_EQ(symlink(std::string(300, 'x').c_str(), place().c_str()), 0); // no file has so long a name
+
+    EXPECT_EQ(writeText("hello"), 1);
+
+    EXPECT_THAT(m_syslog.texts(), ElementsAre("error SupervisorFifoWrite: Fifo open failed. errno 36"));
 }
 
 TEST_F(SupervisorFifoTest, MessageIsWritten)
@@ -186,6 +233,70 @@ TEST_F(SupervisorFifoTest, ReaderThatGoesAwayInTheMiddleIsAnErrorAndNoSignal)
     EXPECT_THAT(m_syslog.texts(),
                 ElementsAre(MatchesRegex("error SupervisorFifoWrite: [0-9]+ bytes written. Input was 1000000 bytes. "
                                          "Something went wrong \\(errno 0\\).")));
+}
+
+/// Descriptors of this process that are open at a place.
+std::ptrdiff_t descriptorsAt(const std::string& place)
+{
+    struct stat searched {};
+    stat(place.c_str(), &searched);
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return std::count_if(begin(all), end(all), [&searched](const auto& descriptor) {
+        struct stat status {};
+        return stat(descriptor.path().c_str(), &status) == 0 && status.st_dev == searched.st_dev &&
+               status.st_ino == searched.st_ino;
+    });
+}
+
+/// A writer that has filled the pipe, so that all others wait.
+class FullPipe {
+public:
+    explicit FullPipe(const std::string& place) : m_descriptor(open(place.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK))
+    {
+        const std::string page(static_cast<std::size_t>(sysconf(_SC_PAGESIZE)), 'f');
+        while (write(m_descriptor, page.data(), page.size()) > 0) {
+        }
+    }
+    ~FullPipe() { close(m_descriptor); }
+    FullPipe(const FullPipe&) = delete;
+    FullPipe& operator=(const FullPipe&) = delete;
+
+private:
+    int m_descriptor;
+};
+
+TEST_F(SupervisorFifoTest, ReaderThatGoesAwayBeforeAnythingIsWrittenIsAnErrorAndNoSignal)
+{
+    makeFifo();
+    Reader reader(place());
+    const FullPipe full(place());
+    auto result = std::async(std::launch::async, [] {
+        const std::int32_t status = writeText("hello");
+        EXPECT_FALSE(isPipeSignalPending());
+        return status;
+    });
+
+    const auto until = std::chrono::steady_clock::now() + testkit::generousBound;
+    while (descriptorsAt(place()) < 3 && std::chrono::steady_clock::now() < until) {
+        std::this_thread::yield(); // until the pipe is open
+    }
+    reader.leave();
+
+    EXPECT_EQ(result.get(), 1);
+    EXPECT_THAT(m_syslog.texts(), ElementsAre("error SupervisorFifoWrite: -1 bytes written. Input was 5 bytes. "
+                                              "Something went wrong (errno 32)."));
+}
+
+TEST_F(SupervisorFifoTest, SizeBeyondAllMemoryIsAnError)
+{
+    makeFifo();
+    const Reader reader(place());
+
+    EXPECT_EQ(SupervisorFifoWrite(SIZE_MAX, "hello"), 1); // as a signed number, what a failing write returns
+
+    EXPECT_THAT(m_syslog.texts(),
+                ElementsAre(MatchesRegex("error SupervisorFifoWrite: -1 bytes written. Input was -1 bytes. "
+                                         "Something went wrong \\(errno [1-9][0-9]*\\).")));
 }
 
 /// Lets no file grow beyond a size.
