@@ -26,7 +26,7 @@ typedef struct AaFile AaFile;
 int32_t AaFileGetBoardPath(const char* path, char* buffer, uint32_t bufferSize);
 
 /// Opens a file. @param mode as for `fopen`: "r", "w", "a", each with "+" and "b" where wanted, "w" also with "x": the
-///   file must not be there yet, not even as a symbolic link.
+///   file must not be there yet, not even as a symbolic link, and with "l": a symbolic link is not followed (`ELOOP`).
 /// Waits for nobody at the other end of a named pipe: one without writer is empty, one without reader cannot be
 /// written.
 /// @return the file; null when it cannot be opened (`errno` tells why).

@@ -108,7 +108,8 @@ AaFile* AaFileOpen(const char* path, const char* mode)
         return nullptr;
     }
     using dorn::host::LastLink;
-    const std::string place = dorn::host::placeOf(path, (flags & O_EXCL) != 0 ? LastLink::Kept : LastLink::Followed);
+    const bool isLinkKept = (flags & (O_EXCL | O_NOFOLLOW)) != 0;
+    const std::string place = dorn::host::placeOf(path, isLinkKept ? LastLink::Kept : LastLink::Followed);
     if (place.empty()) {
         return nullptr;
     }

@@ -19,8 +19,11 @@ int openFlags(const char* mode)
     }
     const std::string_view options = mode + 1;
     const auto has = [options](char option) { return options.find(option) != std::string_view::npos; };
-    const std::string_view known = *mode == 'w' ? "+bx" : "+b";
-    if (options.find_first_not_of(known) != std::string_view::npos || options.size() > known.size()) {
+    const std::string_view known = *mode == 'w' ? "+bxl" : "+b";
+    const bool isRepeated = std::any_of(options.begin(), options.end(), [options](char option) {
+        return options.find(option) != options.rfind(option);
+    });
+    if (options.find_first_not_of(known) != std::string_view::npos || isRepeated) {
         return -EINVAL;
     }
     const int reading = has('+') ? O_RDWR : O_RDONLY;
@@ -29,7 +32,7 @@ int openFlags(const char* mode)
     case 'r':
         return reading;
     case 'w':
-        return writing | O_CREAT | O_TRUNC | (has('x') ? O_EXCL : 0);
+        return writing | O_CREAT | O_TRUNC | (has('x') ? O_EXCL : 0) | (has('l') ? O_NOFOLLOW : 0);
     case 'a':
         return writing | O_CREAT | O_APPEND;
     default:

@@ -177,6 +177,26 @@ TEST_F(AaFileTest, NewFileIsNotWrittenThroughALink)
     EXPECT_FALSE(std::filesystem::exists(m_node.boardRoot() + "/missing"));
 }
 
+TEST_F(AaFileTest, FileIsWrittenAndALinkIsNotWhereTheModeSaysSo)
+{
+    m_node.writeBoardFile("/file", "untouched");
+    std::filesystem::create_symlink("/file", m_node.boardRoot() + "/link");
+    std::filesystem::create_symlink("/missing", m_node.boardRoot() + "/dangling");
+    std::filesystem::create_symlink("/", m_node.boardRoot() + "/directory");
+    for (const char* const link : {"/link", "/dangling"}) {
+        errno = 0;
+        EXPECT_EQ(AaFileOpen(link, "wl"), nullptr) << link;
+        EXPECT_EQ(errno, ELOOP) << link;
+    }
+    EXPECT_EQ(m_node.readBoardFile("/file"), "untouched");
+    EXPECT_FALSE(std::filesystem::exists(m_node.boardRoot() + "/missing"));
+
+    write(open("/directory/file", "wl"), "one"); // only the last name counts
+    EXPECT_EQ(m_node.readBoardFile("/file"), "one");
+    write(open("/new", "w+bl"), "two");
+    EXPECT_EQ(m_node.readBoardFile("/new"), "two");
+}
+
 TEST_F(AaFileTest, OpeningForAppendingKeepsTheFile)
 {
     m_node.writeBoardFile("/a", "one ");
@@ -194,7 +214,7 @@ TEST_F(AaFileTest, OpeningForUpdateKeepsTheFile)
 
 TEST_F(AaFileTest, WrongModeIsRefused)
 {
-    for (const char* const mode : {"", "x", "rw", "r+b+", "rx", "ax", "w+bx+", "+r"}) {
+    for (const char* const mode : {"", "x", "rw", "r+b+", "rx", "ax", "w+bx+", "+r", "rl", "al", "wll"}) {
         errno = 0;
         EXPECT_EQ(AaFileOpen("/a", mode), nullptr) << mode;
         EXPECT_EQ(errno, EINVAL) << mode;
