@@ -5,8 +5,8 @@
 /// Images (binary.h) lie in `/ffs/run/boot`. For each of the three:
 ///
 /// 1. is_uboot_update_needed(), is_bmu_update_needed() or is_fpga_update_needed() finds the one image that fits the
-/// board
-///    and compares its version with the one in use. 1: it is to be flashed; 0: it is not; negative: nobody knows.
+///    board and compares its version with the one in use. 1: it is to be flashed; 0: it is not; negative: there is no
+///    telling.
 /// 2. An operator may have switched updates off (is_firmware_update_disabled()) or force them
 ///    (is_firmware_update_forced(), which counts: ask it only when the update follows).
 /// 3. update_uboot(), update_bmu() or update_fpga() checks the image and flashes its payload.
@@ -90,7 +90,7 @@ int32_t find_binary_multiple(const char* path, const char* board, const char* ch
 /// @param hwswid the board's HwSwId; 0: it is read from the device tree
 /// @param minor whether it may differ in the minor version, see scan_hwswid()
 /// @param file receives the name, empty unless exactly one fits
-/// @param version receives its version, 0 unless exactly one fits
+/// @param version receives its version, 0 unless exactly one fits, also when another argument is missing
 /// @return how many images fit; the results of find_binary_multiple(), #FIRMWARE_TOO_MANY_FILES,
 ///   #FIRMWARE_HWSWID_NOT_READ. @p path, @p chip, @p file and @p version are required.
 int32_t find_binary_compatible(const char* path, const char* board, const char* chip, uint32_t hwswid, int32_t minor,
@@ -99,7 +99,9 @@ int32_t find_binary_compatible(const char* path, const char* board, const char* 
 /// Whether the boot loader was started from RAM. @return 1, 0; -1 when that cannot be read.
 int32_t is_uboot_booted_from_ram(void);
 
-/// @param filename receives the image, if one was looked for and found; empty when the result is negative
+/// @param filename receives the image; empty when the result is negative. Nothing is looked for when the boot loader
+/// was
+///   started from flash and is not forced: the result is 0 and @p filename stays as it is.
 /// @param force 1: also when it was not started from RAM
 /// @return 1, 0; the results of find_binary_compatible(), #FIRMWARE_NO_IMAGE to #FIRMWARE_NOT_SUPPORTED.
 int32_t is_uboot_update_needed(char* filename, uint32_t size, int32_t force);
@@ -108,7 +110,8 @@ int32_t is_uboot_update_needed(char* filename, uint32_t size, int32_t force);
 /// @return 1, 0; the results of find_binary_compatible(), #FIRMWARE_NO_IMAGE to #FIRMWARE_ACTIVE_VERSION_NOT_READ.
 int32_t is_bmu_update_needed(char* filename, uint32_t size);
 
-/// Same as is_bmu_update_needed() for boards whose BMU no main controller has.
+/// As is_bmu_update_needed(), for boards without microcontroller (MCU), which the caller names: the images are those of
+/// board text "KIV" with chip identifier "BMU", whatever the unit is.
 /// @param board the driver's board code (ddal_unit_get_board()): 2, 3 or 4; others are #FIRMWARE_NOT_SUPPORTED
 /// @param hwswid the board's HwSwId
 int32_t is_bmu_update_needed_no_mcu(char* filename, uint32_t size, uint32_t board, uint32_t hwswid);
@@ -141,11 +144,11 @@ int32_t FindUBootBinaryFile(char* fileName, uint32_t sizeOfFileName);
 /// @param chip receives its name for people, in small letters
 /// @param prefix receives its chip identifier, by which images are found
 /// @param id receives the driver's number of it
-/// @return 0; -1, with the texts "unknown" and the number 0, when the unit has none.
+/// @return 0; -1, with the texts "unknown" and the number 0, when the unit has none. An output may be null.
 int32_t get_fpga(const char** chip, const char** prefix, uint32_t* id);
 
 /// The driver's number of the FPGA on this unit itself; 0 when it has none.
-uint32_t fpga_id_local(void);
+int32_t fpga_id_local(void);
 
 /// Has the BMU's FPGA load its image anew, on units where it can be asked to.
 /// @return 0; -1 when the unit id cannot be read.

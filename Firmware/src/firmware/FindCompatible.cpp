@@ -39,11 +39,13 @@ Compatible compatibleOf(const char (*candidates)[FIRMWARE_FILE_NAME_SIZE], std::
 std::int32_t find_binary_compatible(const char* path, const char* board, const char* chip, std::uint32_t hwswid,
                                     std::int32_t minor, char* file, std::uint32_t size, std::uint32_t* version)
 {
+    copyText("", file, size);
+    if (version) {
+        *version = 0;
+    }
     if (!file || !version) {
         return FIRMWARE_ARGUMENT_MISSING;
     }
-    copyText("", file, size);
-    *version = 0;
     char candidates[mostCandidates][FIRMWARE_FILE_NAME_SIZE] = {};
     const std::int32_t count = find_binary_multiple(path, board, chip, candidates, mostCandidates);
     if (count < 1) {

@@ -50,7 +50,7 @@ inline constexpr std::array<LocalFpgaRow, 5> localFpgaRows{{{UnitKey::Version, "
                                                             {UnitKey::Type, "RUG", 0x70001}}};
 static_assert(localFpgaRows.size() == 5);
 
-/// The BMU of a board whose main controller it does not have.
+/// The BMU of a board without microcontroller.
 struct BmuRow {
     std::uint32_t board; ///< the driver's board code
     std::uint32_t id;
@@ -68,22 +68,31 @@ inline constexpr const char* microBmuChipIdentifier = "uBMU";
 /// The unit that has the small BMU.
 inline constexpr std::string_view microBmuUnit = "KIVN";
 
-/// Whether no chip identifier stands within another one, so that none finds the other's images.
+/// Whether neither text stands within the other one.
+constexpr bool areApart(std::string_view one, std::string_view other)
+{
+    return one.find(other) == one.npos && other.find(one) == other.npos;
+}
+
+/// Whether no chip identifier stands within another one, so that none finds the other's images. Left out are the two of
+/// the BMU: only what stands before them in file names, unit and dash, keeps "BMU" and "uBMU" apart.
 constexpr bool areChipIdentifiersApart()
 {
     for (const FpgaRow& row : fpgaRows) {
         const std::string_view identifier = row.chipIdentifier;
         for (const FpgaRow& other : fpgaRows) {
-            if (identifier != other.chipIdentifier && identifier.find(other.chipIdentifier) != identifier.npos) {
+            if (identifier != other.chipIdentifier && !areApart(identifier, other.chipIdentifier)) {
                 return false;
             }
         }
-        if (identifier.find(bmuChipIdentifier) != identifier.npos ||
-            identifier.find(bootLoaderChipIdentifier) != identifier.npos) {
-            return false;
+        for (const char* const other : {bootLoaderChipIdentifier, bmuChipIdentifier, microBmuChipIdentifier}) {
+            if (!areApart(identifier, other)) {
+                return false;
+            }
         }
     }
-    return true;
+    return areApart(bootLoaderChipIdentifier, bmuChipIdentifier) &&
+           areApart(bootLoaderChipIdentifier, microBmuChipIdentifier);
 }
 static_assert(areChipIdentifiersApart());
 

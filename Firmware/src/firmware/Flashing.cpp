@@ -36,7 +36,8 @@ public:
 
     const char* path() const { return m_path; }
 
-    /// Checks an image and copies its payload. @return 0 or the result of the update.
+    /// Checks an image and copies its payload. A copy that fails leaves nothing of its own behind, and takes away
+    /// nothing that it could not open. @return 0 or the result of the update.
     std::int32_t take(const char* image)
     {
         if (const std::int32_t result = binary_crc(image); result != BINARY_OK) {
@@ -47,7 +48,9 @@ public:
         AaFileRemove(m_path); // what an earlier update or somebody else has left there
         if (const std::int32_t result = copyPayload(image, m_path, NewFileOnly::Yes); result != BINARY_COPY_OK) {
             syslog(LOG_INFO, "%s(): binary_copy_without_trailer() failed %d", m_function, result);
-            AaFileRemove(m_path); // half a payload would only keep a full disk full
+            if (result == BINARY_COPY_NOT_READ || result == BINARY_COPY_NOT_WRITTEN) {
+                AaFileRemove(m_path); // half a payload would only keep a full disk full
+            }
             return FIRMWARE_UPDATE_COPY;
         }
         m_isMade = true;
@@ -70,6 +73,12 @@ bool flash(const char* function, std::uint32_t id, std::uint32_t slot, const cha
     return result == DDAL_OK;
 }
 
+/// The driver's number of the unit's BMU.
+std::uint32_t ownBmu()
+{
+    return isThisUnit(UnitKey::Version, microBmuUnit) ? 0 : 1;
+}
+
 } // namespace
 
 std::int32_t update_uboot(const char* name)
@@ -90,8 +99,7 @@ std::int32_t update_uboot(const char* name)
 
 std::int32_t update_bmu(const char* name, std::uint32_t id)
 {
-    const std::uint32_t own = isThisUnit(UnitKey::Version, microBmuUnit) ? 0 : 1;
-    const std::uint32_t bmu = id != 0 ? id : own;
+    const std::uint32_t bmu = id != 0 ? id : ownBmu();
     syslog(LOG_INFO, "%s(): start bmu update", __func__);
     TemporaryPayload payload(__func__, "/tmp/bmufile");
     if (const std::int32_t failure = payload.take(name); failure != 0) {
@@ -111,7 +119,7 @@ std::int32_t update_fpga(const char* name)
     const char* chip = nullptr;
     std::uint32_t id = 0;
     if (get_fpga(&fpga, &chip, &id) != 0) {
-        syslog(LOG_INFO, "%s(): no fpga specified for unit '%s'", __func__, unit_version());
+        syslog(LOG_DEBUG, "%s(): no fpga specified for unit '%s'", __func__, unit_version());
         return FIRMWARE_NOT_SUPPORTED;
     }
     syslog(LOG_INFO, "%s(): start fpga update", __func__);

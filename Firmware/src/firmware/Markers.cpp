@@ -6,12 +6,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <limits>
 #include <string>
-#include <string_view>
 #include <syslog.h>
 
 using namespace vel::hwapi::firmware;
@@ -26,26 +26,51 @@ struct ReadNumber {
     std::int32_t value;
 };
 
-ReadNumber readNumber(AaFile* file)
+/// The next character; EOF at the end and where the file cannot be read.
+int nextCharacter(AaFile* file)
 {
-    std::array<char, 64> text{};
-    const std::int32_t count = AaFileRead(file, text.data(), static_cast<std::uint32_t>(text.size() - 1));
-    const std::string_view read(text.data(), static_cast<std::size_t>(std::max(count, 0)));
-    if (read.find_first_not_of(" \t\n\v\f\r") == std::string_view::npos) {
-        return {EOF, 0};
-    }
-    char* end = nullptr;
-    const long value = std::strtol(text.data(), &end, 10);
-    constexpr long least = std::numeric_limits<std::int32_t>::min();
-    constexpr long greatest = std::numeric_limits<std::int32_t>::max();
-    return {end == text.data() ? 0 : 1, static_cast<std::int32_t>(std::clamp(value, least, greatest))};
+    unsigned char character = 0;
+    return AaFileRead(file, &character, 1) == 1 ? character : EOF;
 }
 
-/// Writes the number in place of the marker, never through a link that somebody has put there.
+ReadNumber readNumber(AaFile* file)
+{
+    int character = nextCharacter(file);
+    while (std::isspace(character) != 0) {
+        character = nextCharacter(file);
+    }
+    if (character == EOF) {
+        return {EOF, 0};
+    }
+    const bool isNegative = character == '-';
+    if (isNegative || character == '+') {
+        character = nextCharacter(file);
+    }
+    if (std::isdigit(character) == 0) {
+        return {0, 0};
+    }
+    constexpr std::int64_t greatest = std::numeric_limits<std::int32_t>::max();
+    std::int64_t value = 0;
+    for (; std::isdigit(character) != 0; character = nextCharacter(file)) {
+        value = std::min(value * 10 + (character - '0'), greatest);
+    }
+    return {1, static_cast<std::int32_t>(isNegative ? -value : value)};
+}
+
+/// Opens a marker for writing, in place of a link that somebody has put there and never through it.
+OwnedFile openToRewrite(const char* name)
+{
+    OwnedFile file(AaFileOpen(name, "wl"));
+    if (!file && errno == ELOOP && AaFileRemove(name) == 0) {
+        file.reset(AaFileOpen(name, "wx"));
+    }
+    return file;
+}
+
+/// Writes the number into the marker.
 bool rewrite(const char* name, std::int32_t number, const char* function)
 {
-    AaFileRemove(name);
-    const OwnedFile file(AaFileOpen(name, "wx"));
+    const OwnedFile file = openToRewrite(name);
     if (!file) {
         syslog(LOG_INFO, "%s(): fopen() failed %d", function, errno);
         return false;

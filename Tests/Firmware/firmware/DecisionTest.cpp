@@ -101,6 +101,120 @@ TEST_F(UbootDecisionTest, OtherLocationIsUnknown)
     EXPECT_EQ(lines()[1], "info is_uboot_update_needed(): uboot is started from 'unknown' (3)");
 }
 
+TEST_F(UbootDecisionTest, UnknownLocationMayBeForcedToo)
+{
+    startFrom(3);
+    putImage("NAX-THISTLE.bin", 523);
+
+    EXPECT_EQ(ask(1), 1);
+}
+
+TEST_F(UbootDecisionTest, LocationMayBeNegative)
+{
+    startFrom(0xFFFFFFFF);
+
+    EXPECT_EQ(ask(), 0);
+    EXPECT_EQ(lines()[1], "info is_uboot_update_needed(): uboot is started from 'unknown' (-1)");
+}
+
+TEST_F(UbootDecisionTest, NameStaysWhenNothingIsLookedFor)
+{
+    startFrom(0);
+    putImage("NAX-THISTLE.bin", 523);
+    const std::string before = m_name.name();
+
+    EXPECT_EQ(ask(), 0);
+    EXPECT_EQ(m_name.name(), before);
+}
+
+TEST_F(UbootDecisionTest, NameIsCutToTheBuffer)
+{
+    startFrom(2);
+    putImage("NAX-THISTLE.bin", 523);
+
+    EXPECT_EQ(is_uboot_update_needed(m_name.data(), 5, 0), 1);
+    EXPECT_EQ(m_name.name(), "/ffs");
+    m_name = NameBuffer();
+    EXPECT_EQ(is_uboot_update_needed(m_name.data(), 0, 0), 1);
+    EXPECT_EQ(m_name.text.front(), 'x');
+}
+
+TEST_F(UbootDecisionTest, ElevenImagesAreTooMany)
+{
+    startFrom(2);
+    for (int number = 0; number < 11; ++number) {
+        putImage("NAX-THISTLE-" + std::to_string(number) + ".bin", 1);
+    }
+
+    EXPECT_EQ(ask(), -5);
+    EXPECT_EQ(m_name.name(), "");
+    EXPECT_THAT(lines(), ElementsAre(asked, fromRam));
+}
+
+TEST_F(UbootDecisionTest, OwnHwSwIdThatCannotBeRead)
+{
+    startFrom(2);
+    putImage("NAX-THISTLE.bin", 523);
+    const FailNth<ddal_devicetree_get_hw_sw_id> failure(1);
+
+    EXPECT_EQ(ask(), -6);
+    EXPECT_EQ(m_name.name(), "");
+}
+
+TEST_F(UbootDecisionTest, UnitIdThatCannotBeRead)
+{
+    startFrom(2);
+    putImage("NAX-THISTLE.bin", 523);
+    const FailEvery<ddal_devicetree_get_unit_id> failure;
+
+    EXPECT_EQ(ask(), -1);
+    EXPECT_EQ(m_name.name(), "");
+    EXPECT_THAT(lines(), ElementsAre(asked, fromRam));
+}
+
+/// An active version, and the oldest image that is as new.
+struct ActiveVersion {
+    const char* text;
+    std::uint32_t number;
+};
+void PrintTo(const ActiveVersion& version, std::ostream* stream)
+{
+    *stream << "'" << version.text << "'";
+}
+
+class ActiveVersionTest : public UbootDecisionTest, public ::testing::WithParamInterface<ActiveVersion> {};
+
+INSTANTIATE_TEST_SUITE_P(Texts, ActiveVersionTest,
+                         ::testing::Values(ActiveVersion{"0522", 522}, ActiveVersion{"0x20A", 0},
+                                           ActiveVersion{"522-rc1", 522}, ActiveVersion{"", 0}, ActiveVersion{"rc1", 0},
+                                           ActiveVersion{"2147483648", 0x80000000},
+                                           ActiveVersion{"99999999999", 0xFFFFFFFF}));
+
+TEST_P(ActiveVersionTest, IsADecimalNumberOf32Bits)
+{
+    m_board.text("boot-loader", "dorn,version", GetParam().text);
+    m_board.cells("boot-loader", "dorn,start-location", {2});
+    useUnit("NAXE");
+    putImage("NAX-THISTLE.bin", GetParam().number);
+
+    EXPECT_EQ(ask(), 1);
+    EXPECT_EQ(lines()[3], "info is_uboot_update_needed(): active uboot version '" + std::string(GetParam().text) + "'");
+    if (GetParam().number != 0) {
+        putImage("NAX-THISTLE.bin", GetParam().number - 1);
+        EXPECT_EQ(ask(), 0);
+    }
+}
+
+TEST_F(UbootDecisionTest, VersionHasNoSign)
+{
+    startFrom(2);
+    putImage("NAX-THISTLE.bin", 0x80000000);
+
+    EXPECT_EQ(ask(), 1);
+    EXPECT_EQ(lines()[2], "info is_uboot_update_needed(): uboot file '/ffs/run/boot/NAX-THISTLE.bin' version "
+                          "0x80000000 (-2147483648)");
+}
+
 TEST_F(UbootDecisionTest, LocationThatCannotBeRead)
 {
     startFrom(2);
@@ -168,6 +282,26 @@ TEST_F(UbootDecisionTest, StartFromFlashIsTold)
     EXPECT_THAT(linesOf("is_uboot_booted_from_ram"),
                 ElementsAre("info is_uboot_booted_from_ram(): uboot is NOT started from RAM, uboot update is not "
                             "needed (1)"));
+}
+
+TEST_F(UbootDecisionTest, StartFromThePrimaryCopyIsTold)
+{
+    startFrom(0);
+
+    EXPECT_EQ(is_uboot_booted_from_ram(), 0);
+    EXPECT_THAT(linesOf("is_uboot_booted_from_ram"),
+                ElementsAre("info is_uboot_booted_from_ram(): uboot is NOT started from RAM, uboot update is not "
+                            "needed (0)"));
+}
+
+TEST_F(UbootDecisionTest, StartFromElsewhereIsNotFromRam)
+{
+    startFrom(0xFFFFFFFF);
+
+    EXPECT_EQ(is_uboot_booted_from_ram(), 0);
+    EXPECT_THAT(linesOf("is_uboot_booted_from_ram"),
+                ElementsAre("info is_uboot_booted_from_ram(): uboot is NOT started from RAM, uboot update is not "
+                            "needed (-1)"));
 }
 
 TEST_F(UbootDecisionTest, StartThatCannotBeReadIsTold)
@@ -271,6 +405,149 @@ TEST_F(BmuDecisionTest, FailureOfTheSearchIsPassedOn)
     const FailNth<ddal_devicetree_get_hw_sw_id> failure(1);
 
     EXPECT_EQ(ask(), -6);
+    EXPECT_EQ(m_name.name(), "");
+}
+
+TEST_F(BmuDecisionTest, VersionHasNoSign)
+{
+    m_board.cells("fpgas/fpga@1", "dorn,version", {0x80000001});
+    useUnit("KIVD");
+    putImage("KIV-BMU.bin", 0x80000002);
+    EXPECT_EQ(ask(), 1);
+    EXPECT_THAT(linesOf("is_bmu_update_needed"),
+                ElementsAre("info is_bmu_update_needed(): bmu file '/ffs/run/boot/KIV-BMU.bin' version 0x80000002 "
+                            "(-2147483646)",
+                            "info is_bmu_update_needed(): active bmu version 0x80000001 (-2147483647)",
+                            "info is_bmu_update_needed(): yes"));
+    putImage("KIV-BMU.bin", 1);
+    EXPECT_EQ(ask(), 0);
+}
+
+TEST_F(BmuDecisionTest, UnitIdThatCannotBeRead)
+{
+    useUnit("KIVD");
+    putImage("KIV-BMU.bin", 0x108);
+    const FailEvery<ddal_devicetree_get_unit_id> failure;
+    unit_init(); // forgets the unit
+
+    EXPECT_EQ(ask(), -1);
+    EXPECT_EQ(m_name.name(), "");
+    EXPECT_THAT(linesOf("is_bmu_update_needed"), ::testing::IsEmpty());
+}
+
+TEST_F(BmuDecisionTest, DirectoryThatIsMissing)
+{
+    useUnit("KIVD");
+    std::filesystem::remove(m_node.boardPath(directory));
+
+    EXPECT_EQ(ask(), -4);
+    EXPECT_EQ(m_name.name(), "");
+    m_name = NameBuffer();
+    EXPECT_EQ(askWithoutMcu(2), -4);
+    EXPECT_EQ(m_name.name(), "");
+}
+
+TEST_F(BmuDecisionTest, ElevenImagesAreTooMany)
+{
+    useUnit("KIVD");
+    for (int number = 0; number < 11; ++number) {
+        putImage("KIV-BMU-" + std::to_string(number) + ".bin", 1);
+    }
+
+    EXPECT_EQ(ask(), -5);
+    EXPECT_EQ(m_name.name(), "");
+    m_name = NameBuffer();
+    EXPECT_EQ(askWithoutMcu(2), -5);
+    EXPECT_EQ(m_name.name(), "");
+}
+
+TEST_F(BmuDecisionTest, NameIsCutToTheBuffer)
+{
+    addFpga("20001", 0x20001, 2);
+    useUnit("KIVD");
+    putImage("KIV-BMU.bin", 0x108);
+
+    EXPECT_EQ(is_bmu_update_needed(m_name.data(), 5), 1);
+    EXPECT_EQ(m_name.name(), "/ffs");
+    m_name = NameBuffer();
+    EXPECT_EQ(is_bmu_update_needed_no_mcu(m_name.data(), 9, 2, boardHwSwId), 1);
+    EXPECT_EQ(m_name.name(), "/ffs/run");
+    m_name = NameBuffer();
+    EXPECT_EQ(is_bmu_update_needed(m_name.data(), 0), 1);
+    EXPECT_EQ(m_name.text.front(), 'x');
+}
+
+TEST_F(BmuDecisionTest, WithoutMcuTheBoardTextIsGiven)
+{
+    addFpga("20001", 0x20001, 2);
+    useUnit("NAXE");
+    putImage("NAX-BMU.bin", 9, 0x3B01);
+    putImage("KIV-BMU.bin", 3, 0x3B01);
+
+    EXPECT_EQ(askWithoutMcu(2), 1);
+    EXPECT_EQ(m_name.name(), "/ffs/run/boot/KIV-BMU.bin");
+    const FailEvery<ddal_devicetree_get_unit_id> failure; // the unit does not matter
+    unit_init();
+    EXPECT_EQ(askWithoutMcu(2), 1);
+}
+
+TEST_F(BmuDecisionTest, WithoutMcuTheSmallBmuIsNotMeant)
+{
+    addFpga("20001", 0x20001, 2);
+    useUnit("KIVN");
+    putImage("KIV-uBMU.bin", 9, 0x3B01);
+    putImage("KIV-BMU.bin", 3, 0x3B01);
+
+    EXPECT_EQ(askWithoutMcu(2), 1);
+    EXPECT_EQ(m_name.name(), "/ffs/run/boot/KIV-BMU.bin");
+}
+
+TEST_F(BmuDecisionTest, WithoutMcuOlderAndEqualImagesAreNotTaken)
+{
+    addFpga("20001", 0x20001, 0x80000002);
+    useUnit("NAXE");
+    for (const std::uint32_t version : {1U, 0x80000001U, 0x80000002U}) {
+        putImage("KIV-BMU.bin", version, 0x3B01);
+        EXPECT_EQ(askWithoutMcu(2), 0) << version;
+        EXPECT_EQ(linesOf("is_bmu_update_needed_no_mcu").back(), "info is_bmu_update_needed_no_mcu(): no");
+    }
+    putImage("KIV-BMU.bin", 0x80000003, 0x3B01);
+    EXPECT_EQ(askWithoutMcu(2), 1);
+}
+
+TEST_F(BmuDecisionTest, WithoutMcuSeveralImages)
+{
+    useUnit("NAXE");
+    putImage("KIV-BMU-1.bin", 1, 0x3B01);
+    putImage("KIV-BMU-2.bin", 2, 0x3B01);
+
+    EXPECT_EQ(askWithoutMcu(2), -8);
+    EXPECT_EQ(m_name.name(), "");
+    EXPECT_THAT(linesOf("is_bmu_update_needed_no_mcu"), ::testing::IsEmpty());
+}
+
+TEST_F(BmuDecisionTest, WithoutMcuActiveVersionThatCannotBeRead)
+{
+    useUnit("NAXE");
+    putImage("KIV-BMU.bin", 3, 0x3B01);
+    const FailNth<ddal_fpga_get_active_version> failure(1);
+
+    EXPECT_EQ(askWithoutMcu(2), -9);
+    EXPECT_EQ(m_name.name(), "");
+    EXPECT_EQ(linesOf("is_bmu_update_needed_no_mcu").back(),
+              driverFailure("is_bmu_update_needed_no_mcu", "ddal_fpga_get_active_version"));
+}
+
+TEST_F(BmuDecisionTest, WithoutMcuHwSwIdZeroIsTheBoards)
+{
+    addFpga("20001", 0x20001, 2);
+    useUnit("NAXE");
+    putImage("KIV-BMU.bin", 3, boardHwSwId);
+
+    EXPECT_EQ(askWithoutMcu(2), -7);
+    EXPECT_EQ(is_bmu_update_needed_no_mcu(m_name.data(), m_name.size(), 2, 0), 1);
+    const FailNth<ddal_devicetree_get_hw_sw_id> failure(1);
+    EXPECT_EQ(is_bmu_update_needed_no_mcu(m_name.data(), m_name.size(), 2, 0), -6);
     EXPECT_EQ(m_name.name(), "");
 }
 
@@ -385,11 +662,40 @@ TEST_F(FpgaDecisionTest, SeveralImages)
 
 TEST_F(FpgaDecisionTest, ActiveVersionThatCannotBeRead)
 {
-    useUnit("NAXF"); // whose FPGA this board does not have
-    putImage("NAX-MARLOW.bin", 1);
+    useUnit("NAXE");
+    putImage("NAX-BRINDLE.bin", 1);
+    const FailNth<ddal_fpga_get_active_version> failure(1);
 
     EXPECT_EQ(ask(), -9);
     EXPECT_EQ(m_name.name(), "");
+    EXPECT_EQ(linesOf("is_fpga_update_needed").back(),
+              driverFailure("is_fpga_update_needed", "ddal_fpga_get_active_version"));
+}
+
+TEST_F(FpgaDecisionTest, VersionHasNoSign)
+{
+    m_board.cells("fpgas/fpga@10002", "dorn,version", {0x80000000});
+    useUnit("NAXE");
+    putImage("NAX-BRINDLE.bin", 0x80000000);
+    EXPECT_EQ(ask(), 0);
+    EXPECT_THAT(linesOf("is_fpga_update_needed"),
+                ElementsAre("info is_fpga_update_needed(): brindle file '/ffs/run/boot/NAX-BRINDLE.bin' version "
+                            "0x80000000 (-2147483648)",
+                            "info is_fpga_update_needed(): active brindle version 0x80000000 (-2147483648)",
+                            "info is_fpga_update_needed(): no"));
+    putImage("NAX-BRINDLE.bin", 0xFFFFFFFF);
+    EXPECT_EQ(ask(), 1);
+}
+
+TEST_F(FpgaDecisionTest, FpgaIsThatOfTheUnitsRowAlsoWhereTheLocalOneIsAnother)
+{
+    m_board.cells("fpgas/fpga@10001", "reg", {0x10001});
+    m_board.cells("fpgas/fpga@10001", "dorn,version", {77});
+    useUnit("NAXF");
+    putImage("NAX-MARLOW.bin", 77);
+
+    EXPECT_EQ(ask(), 0);
+    EXPECT_EQ(linesOf("is_fpga_update_needed")[1], "info is_fpga_update_needed(): active marlow version 0x4D (77)");
 }
 
 TEST_F(FpgaDecisionTest, UnitIdThatCannotBeRead)

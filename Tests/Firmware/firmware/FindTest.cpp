@@ -20,7 +20,7 @@ using testkit::FailNth;
 
 class FindMultipleTest : public UpdateTest {
 protected:
-    FindMultipleTest() { useUnit("NAXE"); }
+    explicit FindMultipleTest(const std::string& unitId = "NAXE") { useUnit(unitId); }
 
     void putFiles(const std::vector<std::string>& names) const
     {
@@ -84,6 +84,23 @@ TEST_F(FindMultipleTest, EveryEntryIsNamed)
                                      "debug find_binary_multiple():   a.bin", "debug find_binary_multiple():   b"));
 }
 
+TEST_F(FindMultipleTest, MatchIsToldBehindItsEntry)
+{
+    putFiles({"NAX-CHIP-1.bin", "NAX-CHIP-2.bin", "other"});
+
+    EXPECT_EQ(find(nullptr, "CHIP"), 2);
+    const std::vector<std::string> all = linesOf("find_binary_multiple");
+    ASSERT_EQ(all.size(), 10U); // three at the begin, five entries, two matches
+    for (const char* const name : {"NAX-CHIP-1.bin", "NAX-CHIP-2.bin"}) {
+        const auto entry =
+            std::find(all.begin() + 3, all.end(), "debug find_binary_multiple():   " + std::string(name));
+        ASSERT_LT(all.end() - entry, 8);
+        ASSERT_GT(all.end() - entry, 1);
+        EXPECT_EQ(entry[1],
+                  "debug find_binary_multiple(): File '" + std::string(name) + "' matches to search criteria");
+    }
+}
+
 TEST_F(FindMultipleTest, TextMayStandAnywhereInTheName)
 {
     putFiles({"new-NAX-CHIP.bin", "NAX-CHIPSET.bin", "XNAX-CHIP 2 \xC3\xA4.bin"});
@@ -137,6 +154,15 @@ TEST_F(FindMultipleTest, ThreeCharactersOfTheBoardCount)
     EXPECT_THAT(m_found, ElementsAre("KI-BMU.bin"));
 }
 
+TEST_F(FindMultipleTest, EmptyBoardTextIsOneToo)
+{
+    putFiles({"-BMU.bin", "BMU.bin", "NAX-BMU.bin"});
+
+    EXPECT_EQ(find("", "BMU"), 2);
+    EXPECT_THAT(m_found, UnorderedElementsAre("-BMU.bin", "NAX-BMU.bin"));
+    EXPECT_EQ(lines()[1], "debug find_binary_multiple(): Search string '-BMU'");
+}
+
 TEST_F(FindMultipleTest, ChipAloneIsTheFallback)
 {
     putFiles({"CHIP.bin", "OTHER.bin"});
@@ -150,6 +176,16 @@ TEST_F(FindMultipleTest, ChipAloneIsTheFallback)
                                      "'CHIP'",
                                      "debug find_binary_multiple(): List files in '/ffs/run/boot'",
                                      "debug find_binary_multiple(): File 'CHIP.bin' matches"));
+}
+
+TEST_F(FindMultipleTest, FallbackMayFindMoreThanThereIsRoomFor)
+{
+    putFiles({"CHIP-1.bin", "CHIP-2.bin", "RUD-CHIP.bin", "CHIP.bin.bak"});
+
+    EXPECT_EQ(find("abc", "CHIP"), 3);
+    EXPECT_THAT(m_found, UnorderedElementsAre("CHIP-1.bin", "CHIP-2.bin", "RUD-CHIP.bin"));
+    EXPECT_EQ(find("abc", "CHIP", 2), 3);
+    EXPECT_EQ(m_found.size(), 2U);
 }
 
 TEST_F(FindMultipleTest, FallbackIsNotUsedWhenTheBoardHasFiles)
@@ -174,6 +210,21 @@ TEST_F(FindMultipleTest, MoreFilesThanThereIsRoomForAreCounted)
     EXPECT_EQ(m_found.size(), 2U);
     EXPECT_EQ(find(nullptr, "CHIP", 0), 3);
     EXPECT_THAT(m_found, IsEmpty());
+    char untouched[1][FIRMWARE_FILE_NAME_SIZE] = {"x"};
+    EXPECT_EQ(find_binary_multiple(directory, nullptr, "CHIP", untouched, -1), 3);
+    EXPECT_STREQ(untouched[0], "x");
+}
+
+TEST_F(FindMultipleTest, JoinedNameHasAtMost127Characters)
+{
+    const std::string fits = "NAX-CHIP" + std::string(101, 'x') + ".bin"; // 127 with the directory
+    const std::string tooLong = "NAX-CHOP" + std::string(102, 'x') + ".bin";
+    putFiles({fits, tooLong});
+
+    EXPECT_EQ(find(nullptr, "CHIP"), 1);
+    EXPECT_THAT(m_found, ElementsAre(fits));
+    EXPECT_EQ(find(nullptr, "CHOP"), 1);
+    EXPECT_THAT(m_found, ElementsAre(tooLong.substr(0, 113)));
 }
 
 TEST_F(FindMultipleTest, LongNameIsCut)
@@ -216,8 +267,24 @@ TEST_F(FindMultipleTest, UnitIdThatCannotBeRead)
 
 TEST_F(FindMultipleTest, SearchStringHasAtMost127Characters)
 {
-    EXPECT_EQ(find("abc", std::string(123, 'C').c_str()), 0);
-    EXPECT_EQ(find("abc", std::string(124, 'C').c_str()), -3);
+    putFiles({"abc-" + std::string(123, 'C') + ".bin", "abd-" + std::string(124, 'C') + ".bin"});
+
+    EXPECT_EQ(find("abc", std::string(123, 'C').c_str()), 1);
+    EXPECT_THAT(m_found, ElementsAre("abc-" + std::string(109, 'C'))) << "cut, as every long name";
+    lines();
+    EXPECT_EQ(find("abd", std::string(124, 'C').c_str()), -3);
+    EXPECT_THAT(lines(), ElementsAre("debug find_binary_multiple(): Search for binary chip identifier '" +
+                                     std::string(124, 'C') + "'"));
+}
+
+TEST_F(FindMultipleTest, WhatIsNoDirectoryCannotBeOpened)
+{
+    m_node.writeBoardFile("/file", "");
+    for (const char* const name : {"/file", "ffs/run/boot", "", "/missing"}) {
+        char names[1][FIRMWARE_FILE_NAME_SIZE] = {};
+        EXPECT_EQ(find_binary_multiple(name, nullptr, "CHIP", names, 1), -4) << name;
+        EXPECT_EQ(lines().back(), "debug find_binary_multiple(): opendir(" + std::string(name) + ") failed");
+    }
 }
 
 TEST_F(FindMultipleTest, DirectoryThatCannotBeOpened)
@@ -236,6 +303,19 @@ TEST_F(FindMultipleTest, DirectoryThatIsGoneForTheFallback)
 
     EXPECT_EQ(find(nullptr, "CHIP"), -4);
     EXPECT_EQ(lines().back(), "debug find_binary_multiple(): opendir(/ffs/run/boot) failed");
+}
+
+class ShortUnitIdTest : public FindMultipleTest {
+protected:
+    ShortUnitIdTest() : FindMultipleTest("NA") {}
+};
+
+TEST_F(ShortUnitIdTest, ShortUnitIdIsTheBoardText)
+{
+    putFiles({"NA-CHIP.bin", "NAX-CHIP.bin"});
+
+    EXPECT_EQ(find(nullptr, "CHIP"), 1);
+    EXPECT_THAT(m_found, ElementsAre("NA-CHIP.bin"));
 }
 
 class FindCompatibleTest : public UpdateTest {
@@ -280,6 +360,24 @@ TEST_F(FindCompatibleTest, HwSwIdIsTheBoardsUnlessOneIsGiven)
     const CountCalls<ddal_devicetree_get_hw_sw_id> calls;
     EXPECT_EQ(find(0x3B01), 1);
     EXPECT_EQ(calls.count(), 0U);
+}
+
+TEST_F(FindCompatibleTest, BoardTextMayBeAnothers)
+{
+    putImage("NAX-CHIP.bin", 7);
+    putImage("KIV-CHIP.bin", 8);
+
+    EXPECT_EQ(find_binary_compatible(directory, "KIVN", "CHIP", 0, 0, m_name.data(), m_name.size(), &m_version), 1);
+    EXPECT_EQ(m_name.name(), "/ffs/run/boot/KIV-CHIP.bin");
+    EXPECT_EQ(m_version, 8U);
+}
+
+TEST_F(FindCompatibleTest, AnythingButZeroAllowsAMinorDifference)
+{
+    putImage("NAX-CHIP.bin", 7, 0x3A77);
+
+    EXPECT_EQ(find(0, 2), 1);
+    EXPECT_EQ(find(0, -1), 1);
 }
 
 TEST_F(FindCompatibleTest, MinorDifferenceCountsWhenAllowed)
@@ -349,8 +447,24 @@ TEST_F(FindCompatibleTest, ArgumentsAreWanted)
     EXPECT_EQ(find_binary_compatible(nullptr, nullptr, "CHIP", 0, 0, name, m_name.size(), &m_version), -911);
     expectNothing();
     EXPECT_EQ(find_binary_compatible(directory, nullptr, nullptr, 0, 0, name, m_name.size(), &m_version), -911);
+    m_version = 1;
     EXPECT_EQ(find_binary_compatible(directory, nullptr, "CHIP", 0, 0, nullptr, 0, &m_version), -911);
+    EXPECT_EQ(m_version, 0U);
+    m_name = NameBuffer();
     EXPECT_EQ(find_binary_compatible(directory, nullptr, "CHIP", 0, 0, name, m_name.size(), nullptr), -911);
+    EXPECT_EQ(m_name.name(), "");
+}
+
+/// The HwSwId is read when there are files to compare it with, and not before.
+TEST_F(FindCompatibleTest, HwSwIdIsReadForFilesOnly)
+{
+    const testkit::FailEvery<ddal_devicetree_get_hw_sw_id> failure;
+    EXPECT_EQ(find(), 0);
+    for (int number = 0; number < 11; ++number) {
+        putImage("NAX-CHIP-" + std::to_string(number) + ".bin", 7);
+    }
+    EXPECT_EQ(find(), -5);
+    EXPECT_EQ(failure.count(), 0U);
 }
 
 /// Whatever else is called like an image fits nobody, and is in nobody's way.
@@ -463,6 +577,72 @@ TEST_F(FindersTest, BootLoaderImageIsFound)
     EXPECT_THAT(linesOf("FindUBootBinaryFile"),
                 ElementsAre("info FindUBootBinaryFile(): FindUBootBinaryFile ret: 1, fileName: "
                             "/ffs/run/boot/THISTLE.bin"));
+}
+
+/// The three of them.
+struct Finder {
+    const char* name;
+    std::int32_t (*find)(char* fileName, std::uint32_t size);
+    const char* chip;
+};
+void PrintTo(const Finder& finder, std::ostream* stream)
+{
+    *stream << finder.name;
+}
+
+class AnyFinderTest : public FindersTest, public ::testing::WithParamInterface<Finder> {
+protected:
+    AnyFinderTest() { useUnit("NAXE"); }
+
+    void put(const std::string& addition) const { putImage("NAX-" + std::string(GetParam().chip) + addition, 7); }
+    /// What the finder says of itself.
+    std::string line(std::int32_t result, const std::string& fileName) const
+    {
+        const std::string name = GetParam().name;
+        return "info " + name + "(): " + name + " ret: " + std::to_string(result) + ", fileName: " + fileName;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(All, AnyFinderTest,
+                         ::testing::Values(Finder{"FindNaxFpgaBinaryFile", FindNaxFpgaBinaryFile, "BRINDLE"},
+                                           Finder{"FindKivFpgaBinaryFile", FindKivFpgaBinaryFile, "BMU"},
+                                           Finder{"FindUBootBinaryFile", FindUBootBinaryFile, "THISTLE"}),
+                         [](const auto& finder) { return std::string(finder.param.name); });
+
+TEST_P(AnyFinderTest, SeveralThatFitGiveNoName)
+{
+    put("-1.bin");
+    put("-2.bin");
+
+    EXPECT_EQ(GetParam().find(m_name.data(), m_name.size()), 2);
+    EXPECT_EQ(m_name.name(), "");
+    EXPECT_THAT(linesOf(GetParam().name), ElementsAre(line(2, "")));
+}
+
+TEST_P(AnyFinderTest, NameIsCutToTheBuffer)
+{
+    put(".bin");
+
+    EXPECT_EQ(GetParam().find(m_name.data(), 5), 1);
+    EXPECT_EQ(m_name.name(), "/ffs");
+    m_name = NameBuffer();
+    EXPECT_EQ(GetParam().find(m_name.data(), 0), 1);
+    EXPECT_EQ(m_name.text.front(), 'x');
+    EXPECT_EQ(GetParam().find(nullptr, 100), 1);
+    EXPECT_THAT(linesOf(GetParam().name), ElementsAre(line(1, "/ffs"), line(1, ""), line(1, "")));
+}
+
+TEST_P(AnyFinderTest, UnitWithoutIdFindsNothing)
+{
+    put(".bin");
+    const testkit::FailEvery<ddal_devicetree_get_unit_id> failure;
+    unit_init(); // forgets the unit
+    const bool asksForTheUnit = GetParam().find == FindNaxFpgaBinaryFile;
+
+    EXPECT_EQ(GetParam().find(m_name.data(), m_name.size()), asksForTheUnit ? -10 : -1);
+    EXPECT_EQ(m_name.name(), "");
+    EXPECT_EQ(linesOf(GetParam().name).back(),
+              asksForTheUnit ? "info FindNaxFpgaBinaryFile(): no fpga specified for unit ''" : line(-1, ""));
 }
 
 TEST_F(FindersTest, FailureClearsTheName)

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Who the unit is, and what it has.
+#include "LongDriverText.hpp"
 #include "UpdateTest.hpp"
 
 #include "AaFile.h"
+#include "FailingFilePort.hpp"
 #include "ddal_devicetree.h"
 
 #include <filesystem>
@@ -95,21 +97,46 @@ TEST_F(UnitTest, IdThatCannotBeReadIsEmptyAndTriedAgain)
 TEST_F(UnitTest, DriverTextIsCutAt63Characters)
 {
     useUnit("NAXE");
-    const FailNth<ddal_devicetree_get_unit_id> failure(1, 12345);
-    std::array<char, 200> text{};
-    ddal_strerror(12345, text.data(), 63);
+    const FailNth<ddal_devicetree_get_unit_id> failure(1, talkativeCode);
 
     EXPECT_EQ(unit_init(), -1);
     EXPECT_THAT(linesOf("unit_init"),
                 ElementsAre("info unit_init(): ddal_devicetree_get_unit_id() failed with error 12345 '" +
-                            std::string(text.data()) + "'"));
-    EXPECT_LE(std::string(text.data()).size(), 63U);
+                            talkativeText().substr(0, 63) + "'"));
+}
+
+TEST_F(UnitTest, UnitWithoutIdHasNothing)
+{
+    useUnit("NAXE");
+    const FailEvery<ddal_devicetree_get_unit_id> failure;
+    EXPECT_EQ(unit_init(), -1); // forgets the unit
+
+    EXPECT_EQ(fpga(), (Fpga{-1, "unknown", "unknown", 0}));
+    EXPECT_EQ(fpga_id_local(), 0);
+    EXPECT_STREQ(unit_version(), "");
+    EXPECT_STREQ(unit_type(), "");
+}
+
+TEST_F(UnitTest, FpgaOutputsMayBeNull)
+{
+    useUnit("NAXE");
+    const char* name = nullptr;
+    const char* chipIdentifier = nullptr;
+    std::uint32_t id = 0;
+
+    EXPECT_EQ(get_fpga(nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(get_fpga(&name, nullptr, nullptr), 0);
+    EXPECT_STREQ(name, "brindle");
+    EXPECT_EQ(get_fpga(nullptr, &chipIdentifier, nullptr), 0);
+    EXPECT_STREQ(chipIdentifier, "BRINDLE");
+    EXPECT_EQ(get_fpga(nullptr, nullptr, &id), 0);
+    EXPECT_EQ(id, 0x10002U);
 }
 
 struct UnitRow {
     const char* unit;
     Fpga fpga;
-    std::uint32_t localId;
+    std::int32_t localId;
 };
 
 void PrintTo(const UnitRow& row, std::ostream* stream)
@@ -187,6 +214,23 @@ TEST_F(BmuResetTest, OtherUnitsHaveNone)
     EXPECT_EQ(m_node.readBoardFile(platform), "0\n");
 }
 
+/// The unit id is read anew, whatever unit this process has known.
+TEST_F(BmuResetTest, UnitIsTheOneThatTheDriverNamesNow)
+{
+    useUnit("KIVX");
+    {
+        const testkit::TestNode other;
+        testkit::TestBoard board;
+        board.text("units/unit@0", "dorn,unit-id", "KIVN");
+        other.writeBoardFile(direct, "0\n");
+
+        EXPECT_STREQ(unit_version(), "KIVX");
+        EXPECT_EQ(ddal_bmu_reset(), 0);
+        EXPECT_EQ(other.readBoardFile(direct), "1");
+    }
+    unit_init(); // drivers open again what the end of a node closes
+}
+
 TEST_F(BmuResetTest, UnitIdThatCannotBeRead)
 {
     useUnit("KIVN");
@@ -219,6 +263,15 @@ TEST_F(BmuResetTest, AttributeThatCannotBeWrittenIsLogged)
 {
     useUnit("KIVN");
     const FailNth<AaFileWrite> failure(1);
+
+    EXPECT_EQ(ddal_bmu_reset(), 0);
+    EXPECT_THAT(linesOf("ddal_bmu_reset"), ElementsAre("info ddal_bmu_reset(): fwrite(1, 1, 1, file) failed with 0"));
+}
+
+TEST_F(BmuResetTest, PlatformsAttributeThatCannotBeWrittenIsLogged)
+{
+    useUnit("KIVS");
+    const testkit::FullDisk disk;
 
     EXPECT_EQ(ddal_bmu_reset(), 0);
     EXPECT_THAT(linesOf("ddal_bmu_reset"), ElementsAre("info ddal_bmu_reset(): fwrite(1, 1, 1, file) failed with 0"));
