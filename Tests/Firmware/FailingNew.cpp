@@ -37,6 +37,27 @@ void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
     return isToFail(size) ? nullptr : std::malloc(size);
 }
 
+// The library's own call the ones above; those of a sanitizer do not.
+void* operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept
+{
+    return operator new(size, tag);
+}
+
+void operator delete[](void* block) noexcept
+{
+    operator delete(block);
+}
+
+void operator delete[](void* block, std::size_t /*size*/) noexcept
+{
+    operator delete(block);
+}
+
 void operator delete(void* block) noexcept
 {
     std::free(block);

@@ -273,6 +273,8 @@ TEST_F(AbstractBifTest, CallbackThatIsNotRegisteredTakesTheSameWay)
     m_gauge.callCallbackWithParameter(m_callback, reading);
     EXPECT_THAT(m_values, ElementsAre(5));
     EXPECT_EQ(m_worker.tasks.size(), 1U);
+    m_worker.work();
+    EXPECT_THAT(m_values, ElementsAre(5, 5));
 }
 
 TEST_F(AbstractBifTest, WhatTheCallbackThrowsReachesTheRaiserOnTheSynchronousWay)
@@ -305,6 +307,8 @@ TEST_F(AbstractBifTest, DriverMayStepIntoEveryVirtualFunction)
 
     EXPECT_EQ(muted.queued, 1);
     EXPECT_EQ(m_worker.tasks.size(), 1U);
+    m_worker.work();
+    EXPECT_THAT(m_values, ElementsAre(5));
 }
 
 // ------------------------------------------------------------------------------------------------------------- worker
