@@ -2,16 +2,14 @@
 /// @file RpramFuzz.cpp
 /// Any bytes as the file of a reset-persistent field: it is read without harm, and a write in front of it keeps what it
 /// has to keep.
+#include "FuzzBoard.hpp"
 #include "RpramShared.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 namespace {
@@ -19,43 +17,14 @@ namespace {
 constexpr std::size_t longestHistory = 10;
 constexpr std::size_t longestLine = 99;
 
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
+constexpr const char* fieldFile = "/var/tmp/hwapi/RP_RAM_field_user1.txt";
 
-/// A board root of this program's own, with one field.
-class FuzzBoard {
-public:
-    FuzzBoard()
-    {
-        require(mkdtemp(m_directory.data()) != nullptr);
-        setenv("DORN_ROOT", m_directory.c_str(), 1);
-        setenv("DORN_RUN_DIR", m_directory.c_str(), 1);
-        setenv("DORN_LOG", "none", 1);
-        std::filesystem::create_directories(m_directory + "/var/tmp/hwapi");
-    }
-    ~FuzzBoard()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_directory, ignored);
-    }
-    FuzzBoard(const FuzzBoard&) = delete;
-    FuzzBoard& operator=(const FuzzBoard&) = delete;
+using dorn::fuzz::FuzzBoard;
+using dorn::fuzz::require;
 
-    void write(const std::string& content) const { std::ofstream(file(), std::ios::binary) << content; }
-    std::string read() const
-    {
-        std::ifstream stream(file(), std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
-
-private:
-    std::string file() const { return m_directory + "/var/tmp/hwapi/RP_RAM_field_user1.txt"; }
-
-    std::string m_directory = std::filesystem::temp_directory_path().string() + "/rpramXXXXXX";
+/// A board that has the field's directory.
+struct FieldBoard : FuzzBoard {
+    FieldBoard() { std::filesystem::create_directories(place("/var/tmp/hwapi")); }
 };
 
 struct Field {
@@ -101,16 +70,16 @@ std::string historyOf(const std::string& content)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static const FuzzBoard board;
+    static const FieldBoard board;
     const std::string content(reinterpret_cast<const char*>(data), size);
-    board.write(content);
+    board.write(fieldFile, content);
 
     require(readField().text.data() == textBehindColon(firstLine(content)));
 
     constexpr std::uint32_t value = 0xA5;
     require(ApiResetRpramSet(ERP_RAM_field_user1, value, content.c_str()) == 0);
     const std::string line = ("0xA5 :" + std::string(content.c_str())).substr(0, longestLine);
-    require(board.read() == line + "\n" + historyOf(content));
+    require(board.read(fieldFile) == line + "\n" + historyOf(content));
     const Field written = readField();
     require(written.value == value && written.text.data() == textBehindColon(firstLine(line)));
     return 0;
