@@ -49,7 +49,8 @@ protected:
         m_manager->signal(SIGKILL);
         m_manager->waitForEnd();
     }
-    /// Reports a fault as a service does.
+    /// Reports a fault as a service does, and waits until the manager has taken it: no order is promised between what
+    /// this and the command send.
     void report(std::uint32_t faultId)
     {
         struct {
@@ -57,6 +58,7 @@ protected:
             std::uint32_t details[2];
         } fault{{faultId, 16, 4}, {0x4B, 0}};
         m_service.send(FaultIndMsg::ID, faultManagerCpid, std::as_bytes(std::span(&fault, 1)));
+        EXPECT_TRUE(answers());
     }
 
     std::unique_ptr<testkit::Process> m_manager;
