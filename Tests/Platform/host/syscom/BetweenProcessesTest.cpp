@@ -316,7 +316,7 @@ TEST_F(BetweenProcessesTest, LocalSendersDoNotStarveOtherProcesses)
             sendEmpty(1, own);
         }
     });
-    peer.tell({.order = Order::Send, .cpid = m_cpid, .count = 1});
+    ASSERT_EQ(peer.ask({.order = Order::Send, .cpid = m_cpid, .count = 1}).first, 1U);
 
     unsigned taken = 0;
     while (taken < 1000000 && takeId(generousTimeout) != patternId) {
