@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "syscom/MessageQueue.hpp"
 
+#include "port/Processor.hpp"
+
 #include <algorithm>
 #include <exception>
 #include <limits>
-#include <unistd.h>
 
 namespace dorn::host {
 namespace {
@@ -62,21 +63,6 @@ private:
     std::atomic<Message*>& m_inbound;
     bool m_isAsleep = false;
 };
-
-bool mayUseSpinning()
-{
-    static const bool hasSeveralProcessors = sysconf(_SC_NPROCESSORS_ONLN) > 1;
-    return hasSeveralProcessors;
-}
-
-void relaxProcessor()
-{
-#if defined(__x86_64__) || defined(__i386__)
-    __builtin_ia32_pause();
-#elif defined(__aarch64__) || defined(__ARM_ARCH_7A__)
-    __asm__ volatile("yield" ::: "memory");
-#endif
-}
 
 } // namespace
 
@@ -281,7 +267,7 @@ WaitSet* MessageQueue::waitSetIfPossible()
 /// stream of messages; where it does not, it is tried only now and then.
 bool MessageQueue::spin()
 {
-    if (!mayUseSpinning() || (m_spinCredit == 0 && ++m_sleeps % sleepsBetweenProbes != 0)) {
+    if (!hasSeveralProcessors() || (m_spinCredit == 0 && ++m_sleeps % sleepsBetweenProbes != 0)) {
         return false;
     }
     WaitSet* const set = hasDescriptors() && !isPendingFull() ? &waitSet() : nullptr;
