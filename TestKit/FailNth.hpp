@@ -23,6 +23,7 @@ public:
     unsigned count() const { return seamCall<Function>().calls() - m_before; }
 
 protected:
+    /// Calls before this object was made.
     unsigned m_before = seamCall<Function>().calls();
 };
 
@@ -54,11 +55,13 @@ template <auto Function>
 class FailEvery : public CountCalls<Function> {
 public:
     FailEvery() { seamCall<Function>().fail(this->m_before, ~0U); }
+    /// @param result what the calls return
     explicit FailEvery(SeamResult<Function> result) { seamCall<Function>().fail(this->m_before, ~0U, result); }
     ~FailEvery() { seamCall<Function>().stopFailing(); }
     FailEvery(const FailEvery&) = delete;
     FailEvery& operator=(const FailEvery&) = delete;
 
+    /// Whether a call has failed so far.
     bool hasFailed() const { return seamCall<Function>().hasFailed(); }
 };
 

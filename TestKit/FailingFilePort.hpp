@@ -14,6 +14,7 @@ namespace dorn::testkit {
 
 /// The operations of a file port.
 enum class FileOperation { Open, Write, Reserve, Truncate, Sync, Rename, Remove, MakeDirectory };
+/// How many operations there are.
 constexpr std::size_t fileOperationCount = 8;
 
 /// In use as long as it lives. Passes every operation on to the file port that was in use before, but has call number
@@ -22,6 +23,7 @@ constexpr std::size_t fileOperationCount = 8;
 ///     FailingFilePort files(FileOperation::Sync, 1, EIO);
 class FailingFilePort : public host::FilePort {
 public:
+    /// @param error what the call that fails leaves in `errno`
     FailingFilePort(FileOperation operation, unsigned nth, int error);
 
     /// Calls of an operation so far.
@@ -29,6 +31,8 @@ public:
     /// Whether the call that was to fail has come.
     bool hasFailed() const { return calls(m_operation) >= m_nth; }
 
+    /// @{
+    /// As the file port that was in use before, but for the call that fails.
     int open(int directory, const char* path, int flags, mode_t mode) override;
     ssize_t write(int descriptor, const void* data, std::size_t size) override;
     int reserve(int descriptor, off_t size) override;
@@ -37,6 +41,7 @@ public:
     int rename(int fromDirectory, const char* from, int toDirectory, const char* to) override;
     int remove(int directory, const char* path) override;
     int makeDirectory(int directory, const char* path, mode_t mode) override;
+    /// @}
 
 private:
     bool fails(FileOperation operation);
@@ -55,12 +60,15 @@ private:
 ///     FullDisk disk(100);
 class FullDisk : public host::PosixFilePort {
 public:
+    /// @param room bytes that fit at first
     explicit FullDisk(std::uint64_t room = 0) : m_room(room) {}
 
     /// Bytes that still fit.
     std::uint64_t room() const { return m_room.load(); }
 
+    /// Writes what fits; fails with `ENOSPC` once nothing does.
     ssize_t write(int descriptor, const void* data, std::size_t size) override;
+    /// Extends the file whole, or fails with `ENOSPC`.
     int reserve(int descriptor, off_t size) override;
 
 private:

@@ -43,10 +43,14 @@ public:
     /// The earliest deadline for which somebody waits.
     std::optional<host::Deadline> nextDeadline() const;
 
+    /// Stands still until advance().
     host::Nanoseconds monotonic() const override;
+    /// Goes with monotonic().
     host::Nanoseconds wall() const override;
+    /// Waits until the word is changed and woken, or the time has been advanced to @p until.
     void waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expected, host::Deadline until,
                    bool shared) override;
+    /// Waits until a descriptor is ready, or the time has been advanced to @p until.
     int waitDescriptors(std::span<pollfd> entries, host::Deadline until) override;
 
 private:

@@ -15,7 +15,9 @@ namespace dorn::testkit {
 ///     class GreeterSTest : public NodeTest { ... };
 class NodeTest : public ::testing::Test {
 protected:
+    /// The test's own node: run directory and board root.
     TestNode m_node;
+    /// The log lines since the test began.
     LogCapture m_log;
 };
 

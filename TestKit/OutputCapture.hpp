@@ -22,6 +22,7 @@ public:
 
     /// What has been written so far.
     std::string standardOutput() const { return m_output.text(); }
+    /// What has been written so far.
     std::string standardError() const { return m_error.text(); }
 
 private:

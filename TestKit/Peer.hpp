@@ -23,19 +23,27 @@ namespace dorn::testkit {
 /// A message that a Peer has received; freed with this object.
 class Message {
 public:
+    /// @param handle a message of the platform; freed with this object
     explicit Message(void* handle) : m_handle(handle) {}
     ~Message();
+    /// @{
+    /// Takes the message over.
     Message(Message&& other) noexcept : m_handle(std::exchange(other.m_handle, nullptr)) {}
     Message& operator=(Message&& other) noexcept
     {
         std::swap(m_handle, other.m_handle);
         return *this;
     }
+    /// @}
 
+    /// @{
+    /// What the message bears; the payload lives as long as this object.
     TAaSysComMsgId id() const;
     TAaSysComSicad sender() const;
     TAaSysComSicad receiver() const;
     std::span<const std::byte> payload() const;
+    /// @}
+
     /// The payload as characters.
     std::string text() const;
 
@@ -62,9 +70,13 @@ using RecordOf = std::remove_pointer_t<decltype(std::declval<TypedMessage&>().Ge
 template <class Record>
 class RecordMessage : public Message {
 public:
+    /// Takes the message over; the payload has been checked to hold the record.
     explicit RecordMessage(Message&& message) : Message(std::move(message)), m_record(as<Record>()) {}
+    /// @{
+    /// A copy of the record.
     const Record* operator->() const { return &m_record; }
     const Record& operator*() const { return m_record; }
+    /// @}
 
 private:
     const Record& m_record;
@@ -87,8 +99,11 @@ public:
     Peer(const Peer&) = delete;
     Peer& operator=(const Peer&) = delete;
 
+    /// @{
+    /// What others send to: the cpid, and the address on this node.
     TAaSysComCpid cpid() const { return m_cpid; }
     TAaSysComSicad address() const;
+    /// @}
 
     /// Sends bytes, with this peer as the sender.
     /// @param receiver an address, or a cpid of the own node

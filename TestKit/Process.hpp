@@ -35,7 +35,9 @@ public:
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
+    /// The child's process id, also when it has ended.
     pid_t pid() const { return m_pid; }
+    /// False from the moment on when it has ended and been waited for.
     bool isRunning() const;
 
     /// Sends a signal; does nothing when the child has ended.
@@ -47,6 +49,7 @@ public:
 
     /// What it has written so far.
     std::string standardOutput() const;
+    /// What it has written so far.
     std::string standardError() const;
     /// Waits until its standard output contains @p text.
     /// @return false when it has not within @p bound, or has ended without.

@@ -32,6 +32,7 @@ public:
 
     /// Gives a node a property, and makes the node when it is missing.
     TestBoard& text(const std::string& node, const std::string& property, const std::string& value);
+    /// Gives a node a property of 32-bit cells, and makes the node when it is missing.
     TestBoard& cells(const std::string& node, const std::string& property, std::initializer_list<std::uint32_t> values);
     /// A property of any bytes: `std::string("no terminator")`.
     TestBoard& bytes(const std::string& node, const std::string& property, const std::string& value);

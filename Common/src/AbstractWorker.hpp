@@ -16,6 +16,7 @@
 
 namespace vel::hwapi::common {
 
+/// What a worker thread offers to who assigns tasks to it.
 class AbstractWorker : public SuspendableWorker {
 public:
     class Task;
@@ -79,6 +80,7 @@ public:
 /// Thrown when a worker is set up a second time.
 class AbstractWorker::SetupAlreadyDoneException : public CHwapiException {
 public:
+    /// @param description what could not be set up
     SetupAlreadyDoneException(const std::string& description, const char* file, ssize_t line)
         : CHwapiException("Worker setup already done", description, file, line)
     {

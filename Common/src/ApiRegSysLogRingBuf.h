@@ -46,7 +46,7 @@ TBoolean hwApiRegisterSysLogRingBuffer(const uint32_t* featureIdPointer, uint32_
 
 /// What the file callbacks return.
 enum EHwApiRingBufferFileResult {
-    HWAPI_RING_BUFFER_FILE_OK = 0,
+    HWAPI_RING_BUFFER_FILE_OK = 0,    ///< the file is there, or gone, as was asked
     HWAPI_RING_BUFFER_FILE_NULL = 1,  ///< the file name or the context is null
     HWAPI_RING_BUFFER_FILE_FAILED = 2 ///< the file could not be written, or not be removed
 };

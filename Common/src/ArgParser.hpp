@@ -17,6 +17,7 @@
 
 namespace vel::hwapi::common {
 
+/// The command line of a service: options are declared first, then read.
 class ArgParser : public ArgParserBase {
 public:
     ArgParser();

@@ -7,6 +7,7 @@
 
 namespace vel::hwapi::common {
 
+/// Root of command-line parsers.
 class ArgParserBase {
 public:
     ArgParserBase() = default;

@@ -12,6 +12,7 @@
 
 namespace vel::hwapi::common {
 
+/// Root of the exceptions that the library throws: a reason, a description and the place of the throw.
 class CHwapiException : public std::exception {
 public:
     /// @param reason kind of failure; what what() returns
@@ -26,8 +27,11 @@ public:
     /// Returns the reason, not the description.
     const char* what() const noexcept override;
 
+    /// Source file of the throw, as `__FILE__` names it; empty when it was thrown without.
     const std::string& getFile() const noexcept { return m_file; }
+    /// Source line of the throw.
     ssize_t getLine() const noexcept { return m_line; }
+    /// What failed, in this case; the reason says which kind of failure it is.
     const std::string& getDescription() const noexcept { return m_description; }
 
 private:

@@ -35,10 +35,12 @@
 
 namespace vel::hwapi::common {
 
+/// Waits for descriptors on an EU of its own and calls their handlers.
 class EventDispatcher : public EventHandler {
 public:
     /// A descriptor that is waited for: POSIX's own record, in which nothing has happened yet.
     struct TPollFd : pollfd {
+        /// @param eventMask what is waited for, as `poll()` has it
         TPollFd(int fileDescriptor, short eventMask) : pollfd{fileDescriptor, eventMask, 0} {}
     };
 

@@ -5,6 +5,7 @@
 
 namespace vel::hwapi::common {
 
+/// Takes what has become readable; derived from by who registers descriptors.
 class EventHandler {
 public:
     /// Called on the dispatcher's execution unit, one call at a time, as long as @p fd is readable: whoever does not

@@ -45,7 +45,9 @@ public:
     /// @param feature feature id of the log lines
     HwapiAlarm(unsigned short senderCpid, unsigned int feature);
 
+    /// Has faults come from this cpid from now on.
     void setSenderCpid(unsigned short senderCpid);
+    /// Has log lines bear this feature id from now on.
     void setPrintFeature(unsigned int feature);
 
     /// Logs and sends one fault. Whether somebody receives it is not known afterwards.
@@ -63,6 +65,7 @@ private:
 /// The message could not be made.
 class HwapiAlarm::MsgSendingException : public CHwapiException {
 public:
+    /// @param description what could not be made
     MsgSendingException(const std::string& description, const char* file, ssize_t line)
         : CHwapiException("Message sending failed", description, file, line)
     {

@@ -49,6 +49,7 @@ public:
 
     /// Returns the payload; null when there is none. Test this before using `->`.
     Tpayload* GetPayload() { return payload; }
+    /// The payload; only to be used after GetPayload() has been seen not to be null.
     Tpayload* operator->() { return payload; }
 
     /// Returns the size of the payload in bytes, a tail behind the record included; 0 when there is no message.
@@ -64,9 +65,13 @@ public:
         }
     }
 
+    /// Has the message bear another sender than the EU that made it; answers go there.
     void SetSender(unsigned int sicad) { AaSysComMsgSetSender(msg, sicad); }
+    /// Address that the message comes from.
     unsigned int GetSender() { return AaSysComMsgGetSender(msg); }
+    /// Address that the message is for.
     unsigned int GetReceiver() { return AaSysComMsgGetReceiver(msg); }
+    /// The message id; the platform's, also where it differs from the type's.
     unsigned int GetId() { return AaSysComMsgGetId(msg); }
 
     /// Gives the message to the platform, which takes it whatever becomes of it. There is no payload afterwards.

@@ -26,6 +26,7 @@ namespace vel::hwapi::common {
 template <class Target, class Tpayload, unsigned int mid>
 class MsgDelegate : public MsgDelegateBase {
 public:
+    /// A member function that takes the messages of this id.
     using Handler = void (Target::*)(Msg<Tpayload, mid>);
 
     /// @param target the object on which the handler is called; must live as long as the delegate

@@ -5,8 +5,10 @@
 
 namespace vel::hwapi::common {
 
+/// What handles the messages of one id.
 class MsgDelegateBase {
 public:
+    /// @param msgId the id of the messages that HandleMsg() is called for
     explicit MsgDelegateBase(unsigned int msgId) : m_msgId(msgId) {}
     MsgDelegateBase(const MsgDelegateBase&) = delete;
     MsgDelegateBase& operator=(const MsgDelegateBase&) = delete;
@@ -19,6 +21,7 @@ public:
     /// the call is to be copied. An exception ends the service.
     virtual void HandleMsg(void* message) = 0;
 
+    /// The id of the messages that it handles.
     unsigned int GetMsgId() const { return m_msgId; }
 
 private:

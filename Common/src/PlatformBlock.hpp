@@ -10,9 +10,12 @@
 
 namespace vel::hwapi::common {
 
+/// Gives memory of the platform back.
 struct BlockRelease {
+    /// @param block not null; from AaMemMallocDbg()
     void operator()(void* block) const { AaMemUnRefDbg(block, __FILE__, __LINE__); }
 };
+/// Memory of the platform that is given back with its holder.
 template <class T>
 using PlatformBlock = std::unique_ptr<T, BlockRelease>;
 

@@ -37,11 +37,17 @@ extern "C" {
 typedef uint32_t EPostState;
 /// Number of a test, as EPostState.
 typedef uint32_t EPostCase;
+/// Number of a board.
 typedef uint32_t TBoardId;
+/// Number of a DSP chip on its board.
 typedef uint32_t TChipNumber;
+/// Number of records that follow.
 typedef uint32_t TNumberOfItems;
+/// Number of a test case.
 typedef uint32_t TTestCase;
+/// What a test case came to.
 typedef uint32_t TResultCode;
+/// Number that an answer shares with its request.
 typedef uint32_t TTransactionID;
 
 /// Greatest number of tests that a record which has been read has room for. Of these at most
@@ -54,48 +60,74 @@ typedef uint32_t TTransactionID;
 
 /// Result of the main controller's tests, in the order of the file.
 typedef struct SMcuPostResult {
+    /// Memory.
     EPostState PostRam;
+    /// Boot image.
     EPostState PostBootImage;
+    /// Software that the unit runs.
     EPostState PostRuntimeSW;
+    /// FPGA image.
     EPostState PostFpgaImage;
+    /// Flash memory of the CRTM.
     EPostState PostCrtmFlash;
+    /// Flash memory that is booted from.
     EPostState PostBootFlash;
+    /// The mount that the platform calls 3gFm.
     EPostState PostMount3gFm;
+    /// The mount that the platform calls LtFm.
     EPostState PostMountLtFm;
+    /// The mount that the platform calls VendorFm.
     EPostState PostMountVendorFm;
+    /// The mount that the platform calls Db.
     EPostState PostMountDb;
+    /// The mount that the platform calls 3gSdmN.
     EPostState PostMount3gSdmN;
+    /// The mount that the platform calls 3gSdmE.
     EPostState PostMount3gSdmE;
+    /// The mount that the platform calls LtSdmA.
     EPostState PostMountLtSdmA;
+    /// The mount that the platform calls LtSdmB.
     EPostState PostMountLtSdmB;
 } SMcuPostResult;
 
 /// One test of a DSP.
 typedef struct SPostResult {
+    /// Which test it was.
     TTestCase testCaseNumber;
+    /// What it came to.
     TResultCode resultCode;
 } SPostResult;
 
 /// Result of a DSP's tests.
 typedef struct DspReadyInd {
+    /// How the DSP's boot ended.
     uint32_t bootStatus;
+    /// The board that the DSP is on.
     TBoardId boardId;
+    /// The DSP on that board.
     TChipNumber chipNumber;
+    /// How many tests follow.
     TNumberOfItems numberOfPosts;
     SPostResult postResults[1]; ///< numberOfPosts of them
 } DspReadyInd;
 
 /// One test of the second POST data.
 typedef struct SPost {
+    /// Which test it was.
     EPostCase postCase;
+    /// What it came to.
     EPostState postState;
 } SPost;
 
 /// Second POST data. Only numOfPost and the tests are stored.
 typedef struct SApi2PostDataResp {
+    /// As in the request; not stored.
     TTransactionID transactionId;
+    /// Whether the request could be answered; not stored.
     uint32_t successCode;
+    /// The node that answered; not stored.
     uint32_t nodeId;
+    /// How many tests follow.
     uint32_t numOfPost;
     SPost post[1]; ///< numOfPost of them
 } SApi2PostDataResp;

@@ -12,69 +12,80 @@ namespace vel::hwapi::common {
 
 /// What a service takes part in.
 enum ERedundancyMode : std::uint32_t {
-    ERedundancyMode_None = 1, ///< nothing; ends a registration
-    ERedundancyMode_RealTime = 2,
-    ERedundancyMode_Switchover = 3,
-    ERedundancyMode_All = 4
+    ERedundancyMode_None = 1,       ///< nothing; ends a registration
+    ERedundancyMode_RealTime = 2,   ///< real-time redundancy
+    ERedundancyMode_Switchover = 3, ///< switch-overs
+    ERedundancyMode_All = 4         ///< both
 };
 
 /// What the redundancy manager asks or orders.
 enum ERedundancyCommand : std::uint32_t {
-    ERedundancyCommand_None = 1,
-    ERedundancyCommand_CardState = 2,
-    ERedundancyCommand_ReplicationState = 3,
-    ERedundancyCommand_PrepareStandby = 4,
-    ERedundancyCommand_PrepareActive = 5,
-    ERedundancyCommand_ReleaseActive = 6,
-    ERedundancyCommand_EnableActive = 7,
-    ERedundancyCommand_TakeHwLatch = 8,
-    ERedundancyCommand_ReleaseHwLatch = 9
+    ERedundancyCommand_None = 1,             ///< asks for nothing
+    ERedundancyCommand_CardState = 2,        ///< asks for the state of the unit
+    ERedundancyCommand_ReplicationState = 3, ///< asks how the replication goes
+    ERedundancyCommand_PrepareStandby = 4,   ///< get ready to stand by
+    ERedundancyCommand_PrepareActive = 5,    ///< get ready to take over
+    ERedundancyCommand_ReleaseActive = 6,    ///< give the active part up
+    ERedundancyCommand_EnableActive = 7,     ///< take the active part
+    ERedundancyCommand_TakeHwLatch = 8,      ///< take the hardware latch
+    ERedundancyCommand_ReleaseHwLatch = 9    ///< give the hardware latch up
 };
 
 /// What a service answers.
 enum ERedundancyState : std::uint32_t {
-    ERedundancyState_Ready = 1,
-    ERedundancyState_HwapiFailure = 2,
-    ERedundancyState_TesselFailure = 3,
-    ERedundancyState_Unfinished = 4,
-    ERedundancyState_NoMateCard = 5,
-    ERedundancyState_SelfActive = 6,
-    ERedundancyState_SelfStandby = 7,
-    ERedundancyState_MateActive = 8,
-    ERedundancyState_MateStandby = 9,
-    ERedundancyState_Timeout = 255
+    ERedundancyState_Ready = 1,         ///< the command has been carried out
+    ERedundancyState_HwapiFailure = 2,  ///< a hardware service failed
+    ERedundancyState_TesselFailure = 3, ///< a Tessel service failed
+    ERedundancyState_Unfinished = 4,    ///< still at it
+    ERedundancyState_NoMateCard = 5,    ///< there is no other unit
+    ERedundancyState_SelfActive = 6,    ///< this unit is the active one
+    ERedundancyState_SelfStandby = 7,   ///< this unit stands by
+    ERedundancyState_MateActive = 8,    ///< the other unit is the active one
+    ERedundancyState_MateStandby = 9,   ///< the other unit stands by
+    ERedundancyState_Timeout = 255      ///< nobody answered in time
 };
 
 /// Message 4016: a service's state after a command.
 struct SApiRedundancyInd {
+    /// The command that has been carried out.
     ERedundancyCommand command;
+    /// What the service is now.
     ERedundancyState state;
 };
 
 /// Message 4017: asks the manager to register a service.
 struct SHwapiRedundancyRegisterReq {
+    /// Chosen by the sender; the answer bears the same.
     std::uint32_t transactionId;
+    /// How the service takes part in switch-overs.
     ERedundancyMode redundancyMode;
     std::uint32_t clientAddress; ///< a message address; sent as 0
 };
 
 /// Message 4018: the manager's answer to message 4017.
 struct SHwapiRedundancyRegisterResp {
+    /// As in the request.
     std::uint32_t transactionId;
+    /// As in the request.
     ERedundancyMode redundancyMode;
+    /// As in the request.
     std::uint32_t clientAddress;
     std::int32_t status; ///< 0 on success
 };
 
 /// Message 4019: the manager gives a command.
 struct SHwapiRedundancyStateReq {
+    /// Chosen by the manager; the acknowledgement bears the same.
     std::uint32_t transactionId;
+    /// What the service is to become.
     ERedundancyCommand command;
 };
 
 /// Message 4020: acknowledges message 4019.
 struct SHwapiRedundancyStateResp {
+    /// As in the request.
     std::uint32_t transactionId;
+    /// As in the request.
     ERedundancyCommand command;
     std::int32_t status; ///< 0 on success
 };

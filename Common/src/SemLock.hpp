@@ -11,6 +11,7 @@ namespace vel::hwapi::common {
 /// about. A null semaphore is passed over.
 class [[nodiscard]] SemLock {
 public:
+    /// @param sem null to take nothing
     explicit SemLock(AaSem* sem) : m_sem(sem) { AaSemTake(m_sem, AA_WAIT_FOREVER); }
     ~SemLock() { AaSemGive(m_sem); }
     SemLock(const SemLock&) = delete;

@@ -37,15 +37,21 @@
 
 namespace vel::hwapi::common {
 
+/// A hardware service: derive from it, and run one object of the derived class.
 class Service {
 public:
     class InitFailedException;
     class RuntimeException;
 
+    /// Asks the manager to register the service.
     using HwapiRedundancyRegisterReqMsg = Msg<SHwapiRedundancyRegisterReq, 4017>;
+    /// The manager's answer to a registration.
     using HwapiRedundancyRegisterRespMsg = Msg<SHwapiRedundancyRegisterResp, 4018>;
+    /// A command of the manager.
     using HwapiRedundancyStateReqMsg = Msg<SHwapiRedundancyStateReq, 4019>;
+    /// Acknowledges a command of the manager.
     using HwapiRedundancyStateRespMsg = Msg<SHwapiRedundancyStateResp, 4020>;
+    /// Tells the manager what the service has become.
     using ApiRedundancyIndMsg = Msg<SApiRedundancyInd, 4016>;
 
     /// Makes this object the process's service, see Get().
@@ -210,8 +216,11 @@ public:
 
     /// Returns the service's own address.
     TAaSysComSicad GetSicad();
+    /// The service's name, which its main EU's and its executable's come from.
     std::string GetName() { return m_name; }
+    /// The R&D parameter that switches the service's prints, and the feature id of its log lines.
     ERadHwapi GetRadId() { return m_radId; }
+    /// The command line: declare options before Startup(), read them from PreStartup() on.
     ArgParser& GetArgumentParser() { return m_argParser; }
 
     /// 1 has Startup() switch the service's prints on.
@@ -224,17 +233,26 @@ public:
     void SetUseCommonServiceState(unsigned int use) { m_useCommonServiceState = use; }
 
 protected:
+    /// 0 when the service publishes its states itself; see SetUseCommonServiceState().
     unsigned int m_useCommonServiceState;
+    /// The R&D parameter that the state is published in.
     ERadHwapiState m_uRadStateId;
+    /// See GetName().
     std::string m_name;
     TAaSysComCpid m_id; ///< the cpid that is asked for
+    /// See GetRadId().
     ERadHwapi m_radId;
+    /// The delegates by message id; owned.
     std::map<unsigned int, MsgDelegateBase*> m_delegates;
     TAaSysComCpid m_cpId; ///< the cpid that was granted; 0 before that
+    /// See GetArgumentParser().
     ArgParser m_argParser;
+    /// See SetVerbose().
     unsigned int m_verbose;
+    /// Other than 0 once the main EU is to end.
     unsigned int m_terminate;
 
+    /// The process's service; null while there is none.
     static Service* m_impl;
     // Inline, so that they outlive a service that is a global object.
     static inline std::list<std::string> m_observedTags; ///< in the order in which they were added
@@ -260,6 +278,7 @@ private:
 /// The service could not be started.
 class Service::InitFailedException : public CHwapiException {
 public:
+    /// @param description what of the start-up failed
     InitFailedException(const std::string& description, const char* file, ssize_t line)
         : CHwapiException("Initialization failed", description, file, line)
     {
@@ -269,6 +288,7 @@ public:
 /// The service cannot go on.
 class Service::RuntimeException : public CHwapiException {
 public:
+    /// @param description why the service cannot go on
     RuntimeException(const std::string& description, const char* file, ssize_t line)
         : CHwapiException("Runtime error", description, file, line)
     {

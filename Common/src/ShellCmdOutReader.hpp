@@ -7,6 +7,7 @@
 
 namespace vel::hwapi::common {
 
+/// Runs shell commands and takes what they write.
 class ShellCmdOutReader {
 public:
     /// Runs @p command in the shell, waits for its end and appends its standard output to @p output.

@@ -5,6 +5,7 @@
 
 namespace vel::hwapi::common {
 
+/// What can be held up between two pieces of work.
 class SuspendableWorker {
 public:
     /// Takes no new work from now on; what is being worked on goes on. Does nothing while suspended.
@@ -13,6 +14,7 @@ public:
     virtual void SuspendAndWaitWorkToComplete() = 0;
     /// Takes new work again. Does nothing while not suspended.
     virtual void ResumeWorking() = 0;
+    /// True from a suspension until the next ResumeWorking().
     virtual bool IsWorkingSuspended() = 0;
 
     SuspendableWorker() = default;

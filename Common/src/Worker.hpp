@@ -25,6 +25,7 @@
 
 namespace vel::hwapi::common {
 
+/// A worker thread: one EU and its queue of tasks.
 class Worker : public AbstractWorker {
 public:
     /// The worker registered under @p id; it is made when there is none. It is never destroyed.
@@ -67,6 +68,7 @@ public:
     void SuspendAndWaitWorkToComplete() override;
     /// Has the worker take tasks again.
     void ResumeWorking() override;
+    /// True from a suspension until the next ResumeWorking(), also while the task in hand still runs.
     bool IsWorkingSuspended() override;
 
     /// Same as the other Setup(), with an EU of the caller's choice. The three parameters are stored even when that one

@@ -44,28 +44,43 @@ typedef struct AaGpuXmlNode AaGpuXmlNode;
 
 /// How a DSP is to boot.
 typedef struct SBootInfo {
+    /// Type of the last reset, from `resetType`.
     uint32_t resetType;
+    /// Flags of the power-on self-test, from `postFlag`.
     uint32_t postFlags;
+    /// Whether to run the extractor software, from `ExtractorSw`.
     uint32_t runExtractorSw;
 } SBootInfo;
 
 /// What a DSP is told at its start. Reading a parameter file sets bootInfo and zeroes the rest, which is the caller's.
 typedef struct SStartUpGlobalParameters {
+    /// The unit that the DSP is on.
     uint32_t unit;
+    /// Who receives what the DSP says.
     uint32_t receiverInfo;
+    /// How it is to boot; the only field that a parameter file sets.
     SBootInfo bootInfo;
+    /// Kind of the unit.
     uint32_t unitType;
+    /// HW/SW id of the unit.
     uint32_t hwSwId;
+    /// How the CPU clock is set.
     uint32_t cpuClkSet;
+    /// The CPU clock.
     uint32_t cpuClk;
+    /// Whether the DSP traces baseband data.
     uint32_t bbTrace;
 } SStartUpGlobalParameters;
 
 /// Where things lie in a DSP's memory.
 typedef struct SDspAddressParams {
+    /// Of the software that initialises the DSP, from `InitSwAddr`.
     uint64_t initSwAddr;
+    /// Of the software that it runs then, from `RuntimeAddr`.
     uint64_t runtimeSwAddr;
+    /// Of its doorbell, from `DoorbellAddr`.
     uint64_t doorbellAddr;
+    /// Of its configuration, from `CfgParamsAddr`.
     uint64_t cfgParamAddr;
 } SDspAddressParams;
 

@@ -11,7 +11,11 @@ extern "C" {
 #endif
 
 /// How a file system is mounted. A driver may know more modes.
-typedef enum ddal_ffs_mode { DDAL_FFS_NOT_MOUNTED = 0, DDAL_FFS_READ_ONLY = 1, DDAL_FFS_READ_WRITE = 2 } ddal_ffs_mode;
+typedef enum ddal_ffs_mode {
+    DDAL_FFS_NOT_MOUNTED = 0, ///< not mounted
+    DDAL_FFS_READ_ONLY = 1,   ///< mounted for reading
+    DDAL_FFS_READ_WRITE = 2   ///< mounted for reading and writing
+} ddal_ffs_mode;
 
 /// Reads how a file system is mounted now.
 /// @param fileSystem the driver's number of the file system

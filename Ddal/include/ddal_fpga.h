@@ -11,7 +11,10 @@ extern "C" {
 #endif
 
 /// Flash slots of an FPGA. It is configured from the primary one, and from the secondary one when that cannot be used.
-typedef enum ddal_fpga_slot { DDAL_FPGA_SLOT_PRIMARY = 1, DDAL_FPGA_SLOT_SECONDARY = 2 } ddal_fpga_slot;
+typedef enum ddal_fpga_slot {
+    DDAL_FPGA_SLOT_PRIMARY = 1,  ///< the image that an FPGA loads
+    DDAL_FPGA_SLOT_SECONDARY = 2 ///< what it loads when that cannot be used
+} ddal_fpga_slot;
 
 /// Reads the version of the image that an FPGA runs.
 /// @param fpgaId the driver's number of the FPGA: 0 and 1 are the board-management unit, the others have the family in

@@ -51,7 +51,7 @@ typedef struct AaGpuXmlNode AaGpuXmlNode;
 
 /// What is wrong with an image.
 enum EBinaryResult {
-    BINARY_OK = 0,
+    BINARY_OK = 0,                         ///< nothing
     BINARY_TRAILER_XML_INVALID = 70401,    ///< the trailer is not well-formed XML, or has no element "trailer"
     BINARY_FILE_FAILED = 70406,            ///< the file could not be opened, positioned or read, or there is no memory
     BINARY_TRAILER_OFFSET_INVALID = 70407, ///< the trailer's offset is 0, or not below the size of the file
@@ -74,11 +74,11 @@ int32_t binary_crc(const char* filename);
 
 /// How binary_version() can fail.
 enum EBinaryVersionResult {
-    BINARY_VERSION_OK = 0,
-    BINARY_VERSION_TRAILER_NOT_READ = -1,
-    BINARY_VERSION_XML_INVALID = -2,
-    BINARY_VERSION_NO_TRAILER = -3,   ///< the XML has no element "trailer"
-    BINARY_VERSION_NOT_COMPATIBLE = 1 ///< the image is not meant for this board
+    BINARY_VERSION_OK = 0,                ///< the version has been read
+    BINARY_VERSION_TRAILER_NOT_READ = -1, ///< the file or its trailer could not be read
+    BINARY_VERSION_XML_INVALID = -2,      ///< the trailer is not well-formed XML
+    BINARY_VERSION_NO_TRAILER = -3,       ///< the XML has no element "trailer"
+    BINARY_VERSION_NOT_COMPATIBLE = 1     ///< the image is not meant for this board
 };
 
 /// Reads the software version of an image that is meant for a board. The payload is not looked at.
@@ -90,17 +90,17 @@ int32_t binary_version(const char* filename, uint32_t hwswid, int32_t minor, uin
 
 /// How binary_copy_without_trailer() can fail.
 enum EBinaryCopyResult {
-    BINARY_COPY_OK = 0,
-    BINARY_COPY_SOURCE_NOT_OPENED = -1,
-    BINARY_COPY_NO_END = -2,         ///< the position could not be moved to the end
-    BINARY_COPY_NO_SIZE = -3,        ///< the position there could not be had, or does not fit
-    BINARY_COPY_NO_OFFSET_WORD = -4, ///< the position could not be moved to the last 4 bytes
-    BINARY_COPY_OFFSET_NOT_READ = -5,
-    BINARY_COPY_OFFSET_INVALID = -6, ///< the trailer's offset is not below the size of the file
-    BINARY_COPY_NO_BEGIN = -7,       ///< the position could not be moved to the begin
-    BINARY_COPY_DESTINATION_NOT_OPENED = -8,
-    BINARY_COPY_NOT_READ = -9,
-    BINARY_COPY_NOT_WRITTEN = -10
+    BINARY_COPY_OK = 0,                      ///< the copy is whole
+    BINARY_COPY_SOURCE_NOT_OPENED = -1,      ///< the image could not be opened
+    BINARY_COPY_NO_END = -2,                 ///< the position could not be moved to the end
+    BINARY_COPY_NO_SIZE = -3,                ///< the position there could not be had, or does not fit
+    BINARY_COPY_NO_OFFSET_WORD = -4,         ///< the position could not be moved to the last 4 bytes
+    BINARY_COPY_OFFSET_NOT_READ = -5,        ///< the last 4 bytes could not be read
+    BINARY_COPY_OFFSET_INVALID = -6,         ///< the trailer's offset is not below the size of the file
+    BINARY_COPY_NO_BEGIN = -7,               ///< the position could not be moved to the begin
+    BINARY_COPY_DESTINATION_NOT_OPENED = -8, ///< the file for the payload could not be made
+    BINARY_COPY_NOT_READ = -9,               ///< reading failed half-way
+    BINARY_COPY_NOT_WRITTEN = -10            ///< writing failed half-way
 };
 
 /// Copies the payload of an image into a file of its own, as flash drivers take it. The image is not checked.

@@ -75,8 +75,12 @@ public:
         teardown();
     }
 
+    /// @{
+    /// The copy that the callback is given; the task frees it in teardown().
     virtual T* getParameter() { return m_parameter; }
     virtual void setParameter(T* parameter) { m_parameter = parameter; }
+    /// @}
+
     /// Called before the callback; does nothing.
     virtual void setup() {}
     /// Called when the callback has returned; does nothing.

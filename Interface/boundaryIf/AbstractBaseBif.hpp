@@ -5,6 +5,7 @@
 
 namespace vel::hwapi::common::bif {
 
+/// Root of all boundary interfaces, which lets them be held and destroyed without knowing what they are.
 class AbstractBaseBif {
 public:
     AbstractBaseBif() = default;

@@ -16,7 +16,7 @@ extern "C" {
 
 /// Results of the tag functions.
 typedef enum EAaConfigTagStatus {
-    EAaConfigTagStatus_Ok = 0,
+    EAaConfigTagStatus_Ok = 0,          ///< done
     EAaConfigTagStatus_NotFound = 1,    ///< no such tag, or no such observer
     EAaConfigTagStatus_BadArgument = 2, ///< null, an empty or too long name, a value that is too long
     EAaConfigTagStatus_WrongSize = 3,   ///< the tag's value does not have the size that was asked for

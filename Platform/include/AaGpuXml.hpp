@@ -11,18 +11,18 @@
 
 /// Kind of a node.
 enum EAaGpuXmlNodeType {
-    AA_GPU_XML_INVALID = 0,
-    AA_GPU_XML_ELEMENT_NODE = 1,
-    AA_GPU_XML_ATTRIBUTE_NODE = 2,
-    AA_GPU_XML_ROOT_NODE = 3
+    AA_GPU_XML_INVALID = 0,        ///< none: not made by a parser
+    AA_GPU_XML_ELEMENT_NODE = 1,   ///< an element
+    AA_GPU_XML_ATTRIBUTE_NODE = 2, ///< an attribute, a child of its element
+    AA_GPU_XML_ROOT_NODE = 3       ///< the document itself
 };
 
 /// What came of a parse.
 enum EAaGpuXmlResult {
-    AA_GPU_XML_OK = 0,
-    AA_GPU_XML_NOT_WELL_FORMED = 1,
-    AA_GPU_XML_NOT_SUPPORTED = 2, ///< an encoding, or something that is declared, which is not read
-    AA_GPU_XML_NO_MEMORY = 3
+    AA_GPU_XML_OK = 0,              ///< there is a tree
+    AA_GPU_XML_NOT_WELL_FORMED = 1, ///< the text is not well-formed XML
+    AA_GPU_XML_NOT_SUPPORTED = 2,   ///< an encoding, or something that is declared, which is not read
+    AA_GPU_XML_NO_MEMORY = 3        ///< there is no memory for the tree
 };
 
 class AaGpuXmlNode;
@@ -31,18 +31,27 @@ class AaGpuXmlNode;
 /// the text.
 class TAaGpuXmlNodeListConstIterator {
 public:
+    /// @{
+    /// What the standard algorithms ask of an iterator.
     using iterator_category = std::forward_iterator_tag;
     using value_type = AaGpuXmlNode*;
     using difference_type = std::ptrdiff_t;
     using pointer = AaGpuXmlNode* const*;
     using reference = AaGpuXmlNode* const&;
+    /// @}
 
     TAaGpuXmlNodeListConstIterator() = default;
+    /// Stands at @p node; null is the end.
     explicit TAaGpuXmlNodeListConstIterator(AaGpuXmlNode* node) : m_node(node) {}
 
+    /// The node; not to be asked for at the end.
     reference operator*() const { return m_node; }
+    /// @{
+    /// Goes on to the next child, behind the last to the end.
     TAaGpuXmlNodeListConstIterator& operator++();
     TAaGpuXmlNodeListConstIterator operator++(int);
+    /// @}
+
     friend bool operator==(const TAaGpuXmlNodeListConstIterator&, const TAaGpuXmlNodeListConstIterator&) = default;
 
 private:
@@ -72,9 +81,11 @@ public:
     /// document readable, are left out. An attribute has a blank for each line end, line feed and tab in its value.
     /// All texts are UTF-8, whatever the document is.
     const char* AaGpuXmlGetValue() const;
+    /// Whether it is an element or an attribute.
     EAaGpuXmlNodeType AaGpuXmlGetType() const;
     /// The next node with the same parent, or null.
     AaGpuXmlNode* AaGpuXmlGetNext() const;
+    /// Whether it has attributes or elements inside; an attribute never has.
     bool AaGpuXmlHasChildren() const;
     /// Begin of the child list.
     TAaGpuXmlNodeListConstIterator AaGpuXmlGetFirstChildren() const;

@@ -35,7 +35,7 @@ typedef uint32_t TAaSysComMsgId; ///< message id
 
 /// Results of the send functions.
 typedef enum EAaSysComStatus {
-    EAaSysComStatus_Ok = 0,
+    EAaSysComStatus_Ok = 0,         ///< the message is on its way
     EAaSysComStatus_NoMessage = 1,  ///< the handle, or the pointer to it, is null
     EAaSysComStatus_NoReceiver = 2, ///< nobody holds the receiver's cpid
     EAaSysComStatus_NoRoute = 3,    ///< the receiver's node cannot be reached from here

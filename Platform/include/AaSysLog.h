@@ -16,14 +16,15 @@
 extern "C" {
 #endif
 
+/// How much a line matters, and as a limit what is kept.
 typedef enum EAaSysLogSeverityLevel {
-    EAaSysLogSeverityLevel_NotValid = 0,
-    EAaSysLogSeverityLevel_Debug = 1,
-    EAaSysLogSeverityLevel_Info = 2,
-    EAaSysLogSeverityLevel_Warning = 3,
-    EAaSysLogSeverityLevel_Error = 4,
-    EAaSysLogSeverityLevel_Vip = 5,     ///< more important than an error: always worth a line
-    EAaSysLogSeverityLevel_NoPrints = 6 ///< as a limit: keep nothing; a line of this severity is never kept
+    EAaSysLogSeverityLevel_NotValid = 0, ///< no severity
+    EAaSysLogSeverityLevel_Debug = 1,    ///< for who looks into the code
+    EAaSysLogSeverityLevel_Info = 2,     ///< what happens in normal operation
+    EAaSysLogSeverityLevel_Warning = 3,  ///< something is not as it should be, and work goes on
+    EAaSysLogSeverityLevel_Error = 4,    ///< something has failed
+    EAaSysLogSeverityLevel_Vip = 5,      ///< more important than an error: always worth a line
+    EAaSysLogSeverityLevel_NoPrints = 6  ///< as a limit: keep nothing; a line of this severity is never kept
 } EAaSysLogSeverityLevel;
 
 /// Least severity for which the print functions are called although the feature is off. The platform sets it; a
@@ -45,13 +46,15 @@ static inline int AaSysLogIsOn(EAaSysLogSeverityLevel severity, uint32_t feature
            AaConfigRadGetValue(featureId) != 0;
 }
 
-// The macros keep a line that is off down to a load and a branch. They evaluate severity and feature twice.
+/// @{
+/// Keeps a line that is off down to a load and a branch. Severity and feature are evaluated twice.
 #define AaSysLogPrintE(severity, featureId, ...)                                                                       \
     (AaSysLogIsOn((severity), (featureId)) ? (AaSysLogPrintE)((severity), (featureId), __VA_ARGS__) : (void)0)
 #define AaSysLogPrint(severity, ...)                                                                                   \
     ((int32_t)(severity) >= __atomic_load_n(&AaSysLogCallLevel, __ATOMIC_RELAXED)                                      \
          ? (AaSysLogPrint)((severity), __VA_ARGS__)                                                                    \
          : (void)0)
+/// @}
 
 /// Tells the owner of a ring buffer whether one of its lines could not be kept; its result is not used.
 typedef int (*TAaSysLogErrorPrintCallback)(void);

@@ -25,7 +25,10 @@ extern "C" {
 typedef uint32_t TBoolean;
 
 /// Result of a platform operation that can only work or fail.
-typedef enum EStatus { EStatus_NoError = 0, EStatus_UndefinedError = 1 } EStatus;
+typedef enum EStatus {
+    EStatus_NoError = 0,       ///< it has worked
+    EStatus_UndefinedError = 1 ///< it has failed
+} EStatus;
 
 /// Time-out value: wait without limit.
 #define AA_WAIT_FOREVER (-1)
@@ -36,6 +39,7 @@ typedef enum EStatus { EStatus_NoError = 0, EStatus_UndefinedError = 1 } EStatus
 /// Lets the compiler compare a `printf` format with its arguments.
 #define AA_PRINTF_FORMAT(formatIndex, firstArgument) __attribute__((format(printf, formatIndex, firstArgument)))
 #else
+/// Nothing, where the compiler cannot compare.
 #define AA_PRINTF_FORMAT(formatIndex, firstArgument)
 #endif
 

@@ -29,6 +29,7 @@ extern "C" {
 
 /// Node id and communication point of the mount service.
 #define API_MOUNT_SERVICE_NID 0xF01
+/// Communication point of the mount service on its node.
 #define API_MOUNT_SERVICE_CPID 0x4B2
 
 /// Names of files and file systems in messages; those that mount requests are about.
@@ -39,10 +40,10 @@ typedef enum EFileId {
 
 /// Kinds of file systems. A request says 0: whichever it is.
 typedef enum EFileSystemType {
-    EFileSystemType_ExtFat16 = 1,
-    EFileSystemType_UbiFs = 2,
-    EFileSystemType_Ext3 = 3,
-    EFileSystemType_Ext4 = 4
+    EFileSystemType_ExtFat16 = 1, ///< FAT16
+    EFileSystemType_UbiFs = 2,    ///< UBIFS, on raw flash
+    EFileSystemType_Ext3 = 3,     ///< ext3
+    EFileSystemType_Ext4 = 4      ///< ext4
 } EFileSystemType;
 
 /// How a file system can be used.

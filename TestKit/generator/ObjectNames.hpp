@@ -11,6 +11,7 @@
 
 namespace dorn::testkit {
 
+/// What a generated managed object is called.
 struct ObjectName {
     std::string className; ///< "Fan"
     std::string distName;  ///< "Board=1,Port=2,Fan=7"
@@ -23,6 +24,7 @@ public:
     /// @param depth greatest number of parts in a distinguished name, at least 1
     ObjectNames(std::uint32_t classes, std::uint32_t depth);
 
+    /// The next object's name; no two have the same distinguished name.
     ObjectName next(RandomNumbers& random);
 
 private:

@@ -21,6 +21,7 @@ public:
     /// @param to where its text is appended
     ObjectText(const RamlShape& shape, const std::vector<RamlFault>& faults, RandomNumbers& random, std::string& to);
 
+    /// Appends one managed object of this name.
     void write(const ObjectName& name);
 
 private:

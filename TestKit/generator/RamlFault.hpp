@@ -48,10 +48,14 @@ enum class RamlFaultPlace {
     Object    ///< in any managed object
 };
 
+/// A fault's row in the table: where it goes and what it is called.
 struct RamlFaultText {
+    /// The fault.
     RamlFault fault;
+    /// Where in a document it can be put.
     RamlFaultPlace place;
     std::string_view name; ///< "no-class"
+    /// What is wrong, for people.
     std::string_view description;
 };
 
@@ -86,6 +90,7 @@ constexpr std::array<RamlFaultText, 27> ramlFaults{{
     {RamlFault::UnknownInItem, RamlFaultPlace::Object, "unknown-in-item", "an item has an unknown element"},
 }};
 
+/// The row of a fault.
 constexpr const RamlFaultText& textOf(RamlFault fault)
 {
     return ramlFaults[static_cast<std::size_t>(fault)];

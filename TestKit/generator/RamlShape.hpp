@@ -12,6 +12,7 @@ namespace dorn::testkit {
 
 /// Two documents of the same shape are the same, byte by byte, on every machine.
 struct RamlShape {
+    /// Decides all that is left to chance.
     std::uint64_t seed = 1;
 
     std::uint64_t objects = 10; ///< managed objects; at least one for each block

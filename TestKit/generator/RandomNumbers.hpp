@@ -13,6 +13,7 @@ namespace dorn::testkit {
 /// implementation to the next; these do not.
 class RandomNumbers {
 public:
+    /// The same seed gives the same sequence on every machine.
     explicit RandomNumbers(std::uint64_t seed) : m_state(seed) {}
 
     /// The next of the sequence, any 64 bits. A counter in steps of the golden ratio, its bits stirred.

@@ -40,21 +40,21 @@ extern "C" {
 
 /// Variants of a Tarn unit's board.
 enum ADETS_INT32_ENUM(ETarnBoardType) {
-    ETarnBoardType_Single = 0,
-    ETarnBoardType_Master = 1, ///< of a redundant pair
-    ETarnBoardType_Slave = 2,  ///< of a redundant pair
-    ETarnBoardType_Pico = 3,
-    ETarnBoardType_Vesper_4x4 = 4,
-    ETarnBoardType_Pico_DB = 5,
-    ETarnBoardType_Unknown = 6,
+    ETarnBoardType_Single = 0,     ///< no redundant pair
+    ETarnBoardType_Master = 1,     ///< of a redundant pair
+    ETarnBoardType_Slave = 2,      ///< of a redundant pair
+    ETarnBoardType_Pico = 3,       ///< a Pico board
+    ETarnBoardType_Vesper_4x4 = 4, ///< a Vesper 4x4 board
+    ETarnBoardType_Pico_DB = 5,    ///< a Pico_DB board
+    ETarnBoardType_Unknown = 6,    ///< a board code that is not known
 };
 ADETS_INT32_TYPE(ETarnBoardType);
 
 /// Radio access technologies that a Tarn unit is made for.
 enum ADETS_INT32_ENUM(ETarnRatType) {
-    ETarnRatType_FDLte = 0, ///< LTE with frequency division duplex
-    ETarnRatType_TDLte = 1, ///< LTE with time division duplex
-    ETarnRatType_Wcdma = 2,
+    ETarnRatType_FDLte = 0,   ///< LTE with frequency division duplex
+    ETarnRatType_TDLte = 1,   ///< LTE with time division duplex
+    ETarnRatType_Wcdma = 2,   ///< WCDMA
     ETarnRatType_Unknown = 3, ///< the unit is not known to be a Tarn unit
 };
 ADETS_INT32_TYPE(ETarnRatType);

@@ -25,152 +25,152 @@ extern "C" {
 
 /// Kinds of units.
 enum ADETS_INT32_ENUM(EUnitType) {
-    EUnitType_Unallocated = 0,
-    EUnitType_Beck = 1,
-    EUnitType_Carr = 2,
-    EUnitType_Combe = 3,
-    EUnitType_Dene = 4,
-    EUnitType_Fell = 5,
-    EUnitType_Firth = 6,
-    EUnitType_Garth = 7,
-    EUnitType_Ghyll = 8,
-    EUnitType_Holm = 9,
-    EUnitType_Howe = 10,
-    EUnitType_Knott = 11,
-    EUnitType_Mere = 12,
-    EUnitType_Rigg = 13,
-    EUnitType_Scar = 14,
-    EUnitType_Skerry = 15,
-    EUnitType_Strath = 16,
-    EUnitType_Thwaite = 17,
-    EUnitType_Voe = 18,
-    EUnitType_Tarn = 19,
-    EUnitType_Wath = 20,
-    EUnitType_Wold = 21,
-    EUnitType_Unknown = 22, ///< the unit has no HW/SW id, or one that the catalogue does not have
+    EUnitType_Unallocated = 0, ///< none yet
+    EUnitType_Beck = 1,        ///< no HW/SW id leads to it
+    EUnitType_Carr = 2,        ///< no HW/SW id leads to it
+    EUnitType_Combe = 3,       ///< no HW/SW id leads to it
+    EUnitType_Dene = 4,        ///< no HW/SW id leads to it
+    EUnitType_Fell = 5,        ///< no HW/SW id leads to it
+    EUnitType_Firth = 6,       ///< HW/SW ids 0x2xxxxx
+    EUnitType_Garth = 7,       ///< no HW/SW id leads to it
+    EUnitType_Ghyll = 8,       ///< no HW/SW id leads to it
+    EUnitType_Holm = 9,        ///< HW/SW ids 0x5xxxxx
+    EUnitType_Howe = 10,       ///< HW/SW ids 0x6xxxxx
+    EUnitType_Knott = 11,      ///< HW/SW ids 0x7xxxxx
+    EUnitType_Mere = 12,       ///< no HW/SW id leads to it
+    EUnitType_Rigg = 13,       ///< no HW/SW id leads to it
+    EUnitType_Scar = 14,       ///< no HW/SW id leads to it
+    EUnitType_Skerry = 15,     ///< no HW/SW id leads to it
+    EUnitType_Strath = 16,     ///< no HW/SW id leads to it
+    EUnitType_Thwaite = 17,    ///< no HW/SW id leads to it
+    EUnitType_Voe = 18,        ///< no HW/SW id leads to it
+    EUnitType_Tarn = 19,       ///< HW/SW ids 0xAxxxxx
+    EUnitType_Wath = 20,       ///< no HW/SW id leads to it
+    EUnitType_Wold = 21,       ///< no HW/SW id leads to it
+    EUnitType_Unknown = 22,    ///< the unit has no HW/SW id, or one that the catalogue does not have
 };
 ADETS_INT32_TYPE(EUnitType);
 
 /// Versions of units: the kind and, for most kinds, how it was equipped when it was made.
 enum ADETS_INT32_ENUM(EUnitVersion) {
-    EUnitVersion_Unallocated = 0,
-    EUnitVersion_Beck_1 = 1,
-    EUnitVersion_Beck_2 = 2,
-    EUnitVersion_Carr_1 = 3,
-    EUnitVersion_Carr_2 = 4,
-    EUnitVersion_Combe_1 = 5,
-    EUnitVersion_Combe_2 = 6,
-    EUnitVersion_Dene_1 = 7,
-    EUnitVersion_Fell_1 = 8,
-    EUnitVersion_Fell_2 = 9,
-    EUnitVersion_Firth_1 = 10,
-    EUnitVersion_Firth_2 = 11,
-    EUnitVersion_Firth_3 = 12,
-    EUnitVersion_Firth_4 = 13,
-    EUnitVersion_Firth_5 = 14,
-    EUnitVersion_Firth_6 = 15,
-    EUnitVersion_Firth_7 = 16,
-    EUnitVersion_Firth_8 = 17,
-    EUnitVersion_Firth_9 = 18,
-    EUnitVersion_Firth_10 = 19,
-    EUnitVersion_Firth_11 = 20,
-    EUnitVersion_Firth_12 = 21,
-    EUnitVersion_Firth_13 = 22,
-    EUnitVersion_Holm_1 = 23,
-    EUnitVersion_Holm_2 = 24,
-    EUnitVersion_Holm_3 = 25,
-    EUnitVersion_Holm_4 = 26,
-    EUnitVersion_Holm_5 = 27,
-    EUnitVersion_Holm_6 = 28,
-    EUnitVersion_Holm_7 = 29,
-    EUnitVersion_Holm_8 = 30,
-    EUnitVersion_Holm_9 = 31,
-    EUnitVersion_Garth_1 = 32,
-    EUnitVersion_Holm_N = 33,   ///< the macro unit that a Holm micro unit is shown as
-    EUnitVersion_Firth_AN = 34, ///< the macro unit that a Firth A unit is shown as
-    EUnitVersion_Firth_BN = 35, ///< the macro unit that a Firth B unit is shown as
-    EUnitVersion_Howe_1 = 36,
-    EUnitVersion_Howe_2 = 37,
-    EUnitVersion_Howe_3 = 38,
-    EUnitVersion_Howe_4 = 39,
-    EUnitVersion_Knott_1 = 40,
-    EUnitVersion_Knott_2 = 41,
-    EUnitVersion_Knott_3 = 42,
-    EUnitVersion_Ghyll_1 = 43,
-    EUnitVersion_Mere_1 = 44,
-    EUnitVersion_Mere_2 = 45,
-    EUnitVersion_Rigg_1 = 46,
-    EUnitVersion_Rigg_2 = 47,
-    EUnitVersion_Scar_1 = 48,
-    EUnitVersion_Skerry_1 = 49,
-    EUnitVersion_Strath_1 = 50,
-    EUnitVersion_Tarn = 51,
-    EUnitVersion_Strath_2 = 52,
-    EUnitVersion_Thwaite_1 = 53,
-    EUnitVersion_Thwaite_2 = 54,
-    EUnitVersion_Voe_1 = 55,
-    EUnitVersion_Voe_2 = 56,
-    EUnitVersion_Wath_1 = 57,
-    EUnitVersion_Wath_2 = 58,
-    EUnitVersion_Wold_1 = 59,
-    EUnitVersion_Wold_2 = 60,
-    EUnitVersion_Wold_3 = 61,
-    EUnitVersion_Unknown = 62, ///< the unit has no HW/SW id, or one that the catalogue does not have
+    EUnitVersion_Unallocated = 0, ///< none yet
+    EUnitVersion_Beck_1 = 1,      ///< no HW/SW id leads to it
+    EUnitVersion_Beck_2 = 2,      ///< no HW/SW id leads to it
+    EUnitVersion_Carr_1 = 3,      ///< no HW/SW id leads to it
+    EUnitVersion_Carr_2 = 4,      ///< no HW/SW id leads to it
+    EUnitVersion_Combe_1 = 5,     ///< no HW/SW id leads to it
+    EUnitVersion_Combe_2 = 6,     ///< no HW/SW id leads to it
+    EUnitVersion_Dene_1 = 7,      ///< no HW/SW id leads to it
+    EUnitVersion_Fell_1 = 8,      ///< no HW/SW id leads to it
+    EUnitVersion_Fell_2 = 9,      ///< no HW/SW id leads to it
+    EUnitVersion_Firth_1 = 10,    ///< HW/SW ids 0x203xxx
+    EUnitVersion_Firth_2 = 11,    ///< HW/SW ids 0x204xxx
+    EUnitVersion_Firth_3 = 12,    ///< HW/SW ids 0x205xxx
+    EUnitVersion_Firth_4 = 13,    ///< HW/SW ids 0x206xxx
+    EUnitVersion_Firth_5 = 14,    ///< HW/SW ids 0x207xxx
+    EUnitVersion_Firth_6 = 15,    ///< HW/SW ids 0x208xxx
+    EUnitVersion_Firth_7 = 16,    ///< HW/SW ids 0x20Axxx
+    EUnitVersion_Firth_8 = 17,    ///< HW/SW ids 0x20Bxxx
+    EUnitVersion_Firth_9 = 18,    ///< HW/SW ids 0x20Cxxx
+    EUnitVersion_Firth_10 = 19,   ///< HW/SW ids 0x20Exxx
+    EUnitVersion_Firth_11 = 20,   ///< HW/SW ids 0x212xxx
+    EUnitVersion_Firth_12 = 21,   ///< HW/SW ids 0x214xxx
+    EUnitVersion_Firth_13 = 22,   ///< HW/SW ids 0x216xxx
+    EUnitVersion_Holm_1 = 23,     ///< HW/SW ids 0x500xxx
+    EUnitVersion_Holm_2 = 24,     ///< HW/SW ids 0x501xxx
+    EUnitVersion_Holm_3 = 25,     ///< HW/SW ids 0x502xxx
+    EUnitVersion_Holm_4 = 26,     ///< HW/SW ids 0x503xxx
+    EUnitVersion_Holm_5 = 27,     ///< HW/SW ids 0x504xxx
+    EUnitVersion_Holm_6 = 28,     ///< HW/SW ids 0x505xxx
+    EUnitVersion_Holm_7 = 29,     ///< HW/SW ids 0x506xxx
+    EUnitVersion_Holm_8 = 30,     ///< HW/SW ids 0x508xxx
+    EUnitVersion_Holm_9 = 31,     ///< HW/SW ids 0x509xxx
+    EUnitVersion_Garth_1 = 32,    ///< no HW/SW id leads to it
+    EUnitVersion_Holm_N = 33,     ///< the macro unit that a Holm micro unit is shown as
+    EUnitVersion_Firth_AN = 34,   ///< the macro unit that a Firth A unit is shown as
+    EUnitVersion_Firth_BN = 35,   ///< the macro unit that a Firth B unit is shown as
+    EUnitVersion_Howe_1 = 36,     ///< HW/SW ids 0x600xxx
+    EUnitVersion_Howe_2 = 37,     ///< HW/SW ids 0x601xxx
+    EUnitVersion_Howe_3 = 38,     ///< HW/SW ids 0x602xxx
+    EUnitVersion_Howe_4 = 39,     ///< HW/SW ids 0x603xxx
+    EUnitVersion_Knott_1 = 40,    ///< HW/SW ids 0x701xxx
+    EUnitVersion_Knott_2 = 41,    ///< HW/SW ids 0x702xxx
+    EUnitVersion_Knott_3 = 42,    ///< HW/SW ids 0x703xxx
+    EUnitVersion_Ghyll_1 = 43,    ///< no HW/SW id leads to it
+    EUnitVersion_Mere_1 = 44,     ///< no HW/SW id leads to it
+    EUnitVersion_Mere_2 = 45,     ///< no HW/SW id leads to it
+    EUnitVersion_Rigg_1 = 46,     ///< no HW/SW id leads to it
+    EUnitVersion_Rigg_2 = 47,     ///< no HW/SW id leads to it
+    EUnitVersion_Scar_1 = 48,     ///< no HW/SW id leads to it
+    EUnitVersion_Skerry_1 = 49,   ///< no HW/SW id leads to it
+    EUnitVersion_Strath_1 = 50,   ///< no HW/SW id leads to it
+    EUnitVersion_Tarn = 51,       ///< HW/SW ids 0xA00xxx
+    EUnitVersion_Strath_2 = 52,   ///< no HW/SW id leads to it
+    EUnitVersion_Thwaite_1 = 53,  ///< no HW/SW id leads to it
+    EUnitVersion_Thwaite_2 = 54,  ///< no HW/SW id leads to it
+    EUnitVersion_Voe_1 = 55,      ///< no HW/SW id leads to it
+    EUnitVersion_Voe_2 = 56,      ///< no HW/SW id leads to it
+    EUnitVersion_Wath_1 = 57,     ///< no HW/SW id leads to it
+    EUnitVersion_Wath_2 = 58,     ///< no HW/SW id leads to it
+    EUnitVersion_Wold_1 = 59,     ///< no HW/SW id leads to it
+    EUnitVersion_Wold_2 = 60,     ///< no HW/SW id leads to it
+    EUnitVersion_Wold_3 = 61,     ///< no HW/SW id leads to it
+    EUnitVersion_Unknown = 62,    ///< the unit has no HW/SW id, or one that the catalogue does not have
 };
 ADETS_INT32_TYPE(EUnitVersion);
 
 /// Versions of modules, the housings that units stand in.
 enum ADETS_INT32_ENUM(EModuleVersion) {
-    EModuleVersion_Unallocated = 0,
-    EModuleVersion_Matin_1 = 1,
-    EModuleVersion_Matin_2 = 2,
-    EModuleVersion_Matin_3 = 3,
-    EModuleVersion_Matin_4 = 4,
-    EModuleVersion_Matin_5 = 5,
-    EModuleVersion_Matin_6 = 6,
-    EModuleVersion_Lauds_1 = 7,
-    EModuleVersion_Lauds_2 = 8,
-    EModuleVersion_Lauds_3 = 9,
-    EModuleVersion_Lauds_4 = 10,
-    EModuleVersion_Lauds_5 = 11,
-    EModuleVersion_Lauds_6 = 12,
-    EModuleVersion_Terce_1 = 13,
-    EModuleVersion_Terce_2 = 14, ///< what an external module that is not recognised is taken for
-    EModuleVersion_Terce_3 = 15,
-    EModuleVersion_Terce_4 = 16,
-    EModuleVersion_Terce_5 = 17,
-    EModuleVersion_Terce_6 = 18,
-    EModuleVersion_Nones_1 = 19,
-    EModuleVersion_Nones_2 = 20,
-    EModuleVersion_Nones_3 = 21,
-    EModuleVersion_Nones_4 = 22,
-    EModuleVersion_Nones_5 = 23,
-    EModuleVersion_Nones_6 = 24,
-    EModuleVersion_Vigil_1 = 25, ///< the macro module that a Lauds 1 module is shown as
-    EModuleVersion_Vigil_2 = 26, ///< the macro module that a Lauds 2 module is shown as
-    EModuleVersion_Vigil_3 = 27,
-    EModuleVersion_Vigil_4 = 28,
-    EModuleVersion_Vigil_5 = 29,
-    EModuleVersion_Vigil_6 = 30,
-    EModuleVersion_Compline_1 = 31,
-    EModuleVersion_Compline_2 = 32,
-    EModuleVersion_Compline_3 = 33,
-    EModuleVersion_Tarn = 34,
-    EModuleVersion_Tarn_Master = 35,
-    EModuleVersion_Tarn_Slave = 36,
-    EModuleVersion_Undern_1 = 37,
-    EModuleVersion_Undern_2 = 38,
-    EModuleVersion_Undern_3 = 39,
-    EModuleVersion_Undern_4 = 40,
-    EModuleVersion_Undern_5 = 41,
-    EModuleVersion_Vesper_4X4 = 42,
-    EModuleVersion_Gloam_1 = 43,
-    EModuleVersion_Gloam_2 = 44,
-    EModuleVersion_Gloam_3 = 45,
-    EModuleVersion_Gloam_4 = 46,
-    EModuleVersion_Gloam_5 = 47,
-    EModuleVersion_Gloam_6 = 48,
-    EModuleVersion_Unknown = 49, ///< the module has no id, or one that the catalogue does not have
+    EModuleVersion_Unallocated = 0,  ///< none yet
+    EModuleVersion_Matin_1 = 1,      ///< module id "MATA"
+    EModuleVersion_Matin_2 = 2,      ///< module id "MATB"
+    EModuleVersion_Matin_3 = 3,      ///< module id "MATC"
+    EModuleVersion_Matin_4 = 4,      ///< module id "MATD"
+    EModuleVersion_Matin_5 = 5,      ///< no module id leads to it
+    EModuleVersion_Matin_6 = 6,      ///< no module id leads to it
+    EModuleVersion_Lauds_1 = 7,      ///< module id "LAUA"
+    EModuleVersion_Lauds_2 = 8,      ///< module id "LAUB"
+    EModuleVersion_Lauds_3 = 9,      ///< module id "LAUC"
+    EModuleVersion_Lauds_4 = 10,     ///< module id "LAUD"
+    EModuleVersion_Lauds_5 = 11,     ///< no module id leads to it
+    EModuleVersion_Lauds_6 = 12,     ///< no module id leads to it
+    EModuleVersion_Terce_1 = 13,     ///< module id "TRCA"
+    EModuleVersion_Terce_2 = 14,     ///< what an external module that is not recognised is taken for
+    EModuleVersion_Terce_3 = 15,     ///< module id "TRCC"
+    EModuleVersion_Terce_4 = 16,     ///< module id "TRCD"
+    EModuleVersion_Terce_5 = 17,     ///< module id "TRCDN"
+    EModuleVersion_Terce_6 = 18,     ///< no module id leads to it
+    EModuleVersion_Nones_1 = 19,     ///< module id "NONA"
+    EModuleVersion_Nones_2 = 20,     ///< module id "NONB"
+    EModuleVersion_Nones_3 = 21,     ///< module id "NONC"
+    EModuleVersion_Nones_4 = 22,     ///< module id "NOND"
+    EModuleVersion_Nones_5 = 23,     ///< no module id leads to it
+    EModuleVersion_Nones_6 = 24,     ///< no module id leads to it
+    EModuleVersion_Vigil_1 = 25,     ///< the macro module that a Lauds 1 module is shown as
+    EModuleVersion_Vigil_2 = 26,     ///< the macro module that a Lauds 2 module is shown as
+    EModuleVersion_Vigil_3 = 27,     ///< module id "VIGC"
+    EModuleVersion_Vigil_4 = 28,     ///< module id "VIGD"
+    EModuleVersion_Vigil_5 = 29,     ///< module id "VIGDN"
+    EModuleVersion_Vigil_6 = 30,     ///< no module id leads to it
+    EModuleVersion_Compline_1 = 31,  ///< module id "CMPA"
+    EModuleVersion_Compline_2 = 32,  ///< module id "CMPB"
+    EModuleVersion_Compline_3 = 33,  ///< no module id leads to it
+    EModuleVersion_Tarn = 34,        ///< module id "TARN"
+    EModuleVersion_Tarn_Master = 35, ///< module id "TARM"
+    EModuleVersion_Tarn_Slave = 36,  ///< module id "TARS"
+    EModuleVersion_Undern_1 = 37,    ///< module id "UNDA"
+    EModuleVersion_Undern_2 = 38,    ///< no module id leads to it
+    EModuleVersion_Undern_3 = 39,    ///< no module id leads to it
+    EModuleVersion_Undern_4 = 40,    ///< no module id leads to it
+    EModuleVersion_Undern_5 = 41,    ///< no module id leads to it
+    EModuleVersion_Vesper_4X4 = 42,  ///< module id "VESP"
+    EModuleVersion_Gloam_1 = 43,     ///< module id "GLMA"
+    EModuleVersion_Gloam_2 = 44,     ///< no module id leads to it
+    EModuleVersion_Gloam_3 = 45,     ///< no module id leads to it
+    EModuleVersion_Gloam_4 = 46,     ///< no module id leads to it
+    EModuleVersion_Gloam_5 = 47,     ///< no module id leads to it
+    EModuleVersion_Gloam_6 = 48,     ///< no module id leads to it
+    EModuleVersion_Unknown = 49,     ///< the module has no id, or one that the catalogue does not have
 };
 ADETS_INT32_TYPE(EModuleVersion);
 
@@ -186,6 +186,7 @@ struct UnitTypeRow {
     char name[20]; ///< the enumerator's name, for traces
 };
 
+/// How HW/SW ids tell kinds of units apart.
 inline constexpr UnitTypeRow UnitTypeList[] = {
     {EUnitType_Firth, 0x200000, "EUnitType_Firth"}, {EUnitType_Holm, 0x500000, "EUnitType_Holm"},
     {EUnitType_Howe, 0x600000, "EUnitType_Howe"},   {EUnitType_Knott, 0x700000, "EUnitType_Knott"},
@@ -200,6 +201,7 @@ struct UnitVersionRow {
     char name[28];   ///< the enumerator's name, for traces
 };
 
+/// How HW/SW ids tell versions of units apart.
 inline constexpr UnitVersionRow UnitVersionList[] = {
     {EUnitVersion_Firth_1, 0x203000, "EUnitVersion_Firth_1"},
     {EUnitVersion_Firth_2, 0x204000, "EUnitVersion_Firth_2"},
@@ -243,6 +245,7 @@ struct ModuleRow {
     const char* id;  ///< four or five characters
 };
 
+/// How module ids tell versions of modules apart.
 inline constexpr ModuleRow ModuleList[] = {
     {EModuleVersion_Matin_1, "MATA"},  {EModuleVersion_Matin_2, "MATB"},     {EModuleVersion_Matin_3, "MATC"},
     {EModuleVersion_Matin_4, "MATD"},  {EModuleVersion_Lauds_1, "LAUA"},     {EModuleVersion_Lauds_2, "LAUB"},
@@ -266,6 +269,7 @@ struct MacroUnitRow {
     char productionCode[8]; ///< how the production code that is shown begins
 };
 
+/// The micro units that are shown as macro units.
 inline constexpr MacroUnitRow MacroUnitList[] = {
     {"HOLM", "HOLMN", 0x507001, EUnitVersion_Holm_N, "900133A"},
     {"FRTA", "FRTAN", 0x20F001, EUnitVersion_Firth_AN, "900134A"},
@@ -281,6 +285,7 @@ struct MacroModuleRow {
     char productionCode[8]; ///< how the production code that is shown begins
 };
 
+/// The micro modules that are shown as macro modules.
 inline constexpr MacroModuleRow MacroModuleList[] = {
     {"LAUA", "VIGA", EModuleVersion_Vigil_1, "900225A"},
     {"LAUB", "VIGB", EModuleVersion_Vigil_2, "900226A"},

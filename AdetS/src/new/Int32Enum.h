@@ -13,8 +13,11 @@
 #include <stdint.h>
 
 #ifdef __cplusplus
+/// What the enumerations have as their underlying type.
 #define ADETS_INT32_BASE : int32_t
+/// Begins an enumeration; braces with its enumerators follow.
 #define ADETS_INT32_ENUM(name) name ADETS_INT32_BASE
+/// Makes the enumeration's name a type in C, too; follows the closing brace.
 #define ADETS_INT32_TYPE(name) typedef enum name name
 #else
 #define ADETS_INT32_ENUM(name)

@@ -8,6 +8,7 @@
 
 namespace vel::hwapi::common::bif {
 
+/// What an event tells its callback; each event's class derives from it.
 class CallbackParam {
 public:
     CallbackParam() = default;

@@ -10,9 +10,12 @@
 
 namespace vel::hwapi::common::bif {
 
+/// One enumerator and its name, a row of what namesOf() returns.
 template <class Enum>
 struct EnumName {
+    /// The enumerator.
     Enum value;
+    /// What nameOf() returns for it.
     std::string_view name;
 };
 

@@ -7,9 +7,12 @@
 
 namespace RAML {
 
+/// An enumerator and its text in documents, a row of the tables that read and write them.
 template <class Value>
 struct NamedValue {
+    /// As it stands in documents; compared whole, case and all.
     std::string_view text;
+    /// The enumerator.
     Value value;
 };
 

@@ -24,6 +24,7 @@ namespace RAML {
 std::ostream& operator<<(std::ostream& stream, const RAML_Type& document);
 /// Writes a block. Empty pointers among its managed objects are passed over.
 std::ostream& operator<<(std::ostream& stream, const RAML_CMDataType& cmData);
+/// Writes a header with its log entries.
 std::ostream& operator<<(std::ostream& stream, const RAML_HeaderType& header);
 /// Writes a log entry, without a line end.
 std::ostream& operator<<(std::ostream& stream, const RAML_LogType& log);

@@ -31,6 +31,7 @@
 
 namespace RAML {
 
+/// Reads one RAML document after the other.
 class RamlParser {
 public:
     RamlParser();
@@ -58,11 +59,16 @@ public:
 
     /// Reads the input and parses its XML into the tree that the parser keeps until the next document.
     void load(const std::string& input, RAML_ParsingResult& result, bool inputIsFile);
+    /// Reads the root element with all its blocks.
     void in_raml(AaGpuXmlNode* node, RAML_Type& document, RAML_ParsingResult& result);
+    /// Reads a block with its header and its managed objects.
     void in_cmData(AaGpuXmlNode* node, const RAML_CMDataType::pointer& cmData, RAML_ParsingResult& result);
+    /// Reads a block's attributes, not what is inside.
     void in_cmDataAttributesOnly(AaGpuXmlNode* node, const RAML_CMDataType::pointer& cmData,
                                  RAML_ParsingResult& result);
+    /// Reads a block's header with its log entries.
     void in_header(AaGpuXmlNode* node, RAML_HeaderType& header, RAML_ParsingResult& result);
+    /// Reads a managed object with its parameters.
     void in_mo(AaGpuXmlNode* node, const RAML_ManagedObjectType::pointer& mo, RAML_ParsingResult& result);
     /// Reads a list and appends it to the managed object's parameters unless `result` tells of an error.
     void in_list(AaGpuXmlNode* node, const RAML_ManagedObjectType::pointer& mo, RAML_ParsingResult& result);

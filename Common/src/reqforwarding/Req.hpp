@@ -17,6 +17,7 @@ namespace vel::hwapi::common {
 
 class ReqHandler;
 
+/// One request from its arrival to its answer; derived from by services.
 class Req {
 public:
     /// @param owner the handler that keeps the request; lives longer than it
@@ -43,7 +44,9 @@ public:
     virtual void HandleForwardedReqTimeout();
 
 protected:
+    /// The handler that keeps the request.
     ReqHandler& m_owner;
+    /// Feature id of the request's log lines.
     ERadHwapi m_printId;
     /// The request message; the message loop destroys it after HandleReq(). What is needed later is to be copied there.
     void* m_msgHandle;

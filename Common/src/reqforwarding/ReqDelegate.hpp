@@ -21,6 +21,7 @@ namespace vel::hwapi::common {
 template <class TypedMessage>
 class ReqDelegate : public MsgDelegateBase {
 public:
+    /// The handler's member function that takes the messages.
     using EntryPoint = void (ReqHandler::*)(void* msgHandle);
 
     /// @param handler lives as long as the delegate is registered

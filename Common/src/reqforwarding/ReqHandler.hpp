@@ -30,8 +30,10 @@ constexpr unsigned int API_FORWARD_TIMEOUT_OUT = AA_TIMER_MSG_TIMEOUT;
 struct SApiForwardTimeoutOut {
     const void* req; ///< the request's address, as it was given to AaTimerArm(); not to be followed
 };
+/// Says that the time for a reply has passed.
 using ApiForwardTimeoutOutMsg = Msg<SApiForwardTimeoutOut, API_FORWARD_TIMEOUT_OUT>;
 
+/// Keeps the requests of a service that are under way, and brings replies and time-outs to them.
 class ReqHandler {
 public:
     /// @param printId feature id of the handler's log lines
@@ -71,6 +73,7 @@ protected:
     /// The oldest first. For a subclass to look at: requests come in through HandleNewReq() and go with ReqCompleted().
     /// A subclass must not take one out itself, as the handler may be standing at it.
     std::list<Req*> m_reqs;
+    /// Feature id of the handler's log lines.
     ERadHwapi m_printId;
 };
 

@@ -18,7 +18,9 @@ enum class UnitKey {
 
 /// An FPGA of a unit.
 struct FpgaRow {
+    /// How much of the unit's name counts.
     UnitKey key;
+    /// The unit's name, or how it begins.
     std::string_view unit;
     const char* name;           ///< for people
     const char* chipIdentifier; ///< in the names of image files
@@ -37,8 +39,11 @@ static_assert(fpgaRows.size() == 7);
 
 /// The FPGA on a unit itself. Not the same table: "NAXF", "RUE" and "RUF" differ.
 struct LocalFpgaRow {
+    /// How much of the unit's name counts.
     UnitKey key;
+    /// The unit's name, or how it begins.
     std::string_view unit;
+    /// The FPGA's id.
     std::uint32_t id;
 };
 
@@ -53,8 +58,10 @@ static_assert(localFpgaRows.size() == 5);
 /// The BMU of a board without microcontroller.
 struct BmuRow {
     std::uint32_t board; ///< the driver's board code
+    /// The BMU's id.
     std::uint32_t id;
 };
+/// By the driver's board code.
 inline constexpr std::array<BmuRow, 3> bmuRows{{{2, 0x20001}, {3, 0x30001}, {4, 0x40001}}};
 static_assert(bmuRows.size() == 3);
 
@@ -63,6 +70,7 @@ inline constexpr const char* bootLoaderChipIdentifier = "THISTLE";
 
 /// In the names of image files of the BMU.
 inline constexpr const char* bmuChipIdentifier = "BMU";
+/// Same, of the small BMU.
 inline constexpr const char* microBmuChipIdentifier = "uBMU";
 
 /// The unit that has the small BMU.

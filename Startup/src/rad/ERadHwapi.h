@@ -18,6 +18,7 @@ extern "C" {
 /// Number of the domain "HWA".
 #define RAD_HWAPI_DOMAIN 2
 
+/// The parameters of the domain "HWA": print switches, which are also the feature ids of log lines, and settings.
 typedef enum ERadHwapi {
     ERadHwapi_PrintCtrlTask = 0x20000,                         ///< "CTRL"
     ERadHwapi_ADET = 0x20001,                                  ///< "ADET"

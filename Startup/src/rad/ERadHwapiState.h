@@ -15,6 +15,7 @@ extern "C" {
 /// Number of the domain "HWAState".
 #define RAD_HWAPI_STATE_DOMAIN 34
 
+/// The parameters of the domain "HWAState": one for the state of each service.
 typedef enum ERadHwapiState {
     ERadHwapiState_CpriState = 0x220000,                      ///< "CpriState"
     ERadHwapiState_StartupState = 0x220001,                   ///< "StartupState", 0x1000
@@ -44,25 +45,25 @@ typedef enum ERadHwapiState {
     ERadHwapiState_ClockOCXOOvenState = 0x22001D,             ///< "ClockOCXOOvenState", 0x1000
     ERadHwapiState_Clock6YOCXOOvenState = 0x22001E,           ///< "Clock6YOCXOOvenState", 0x1000
     ERadHwapiState_TindleLoggerState = 0x22001F,              ///< "TindleLoggerState"
-    ERadHwapiState_GnssState = 0x220020,
-    ERadHwapiState_TimeState = 0x220021,
-    ERadHwapiState_HwabbState = 0x220022,
-    ERadHwapiState_BasebandState = 0x220023, ///< "BasebandState"
-    ERadHwapiState_HwCtrlSState = 0x220024,  ///< "HwCtrlSState", 0x1000
-    ERadHwapiState_HwaSwdlState = 0x220025,
-    ERadHwapiState_BistState = 0x220026,
-    ERadHwapiState_SyncManagerState = 0x220027,
-    ERadHwapiState_RadSState = 0x220028, ///< "RadSState"
-    ERadHwapiState_CCToolState = 0x220029,
-    ERadHwapiState_IpServiceState = 0x22002A, ///< "IpSState"
-    ERadHwapiState_SupervisorServiceState = 0x22002B,
-    ERadHwapiState_SfpServiceState = 0x22002C, ///< "SfpSState"
-    ERadHwapiState_EacServiceState = 0x22002D, ///< "EacSState"
-    ERadHwapiState_EthServiceState = 0x22002E, ///< "EthServiceState"
-    ERadHwapiState_BlackboxState = 0x22002F,   ///< "BlackboxState"
-    ERadHwapiState_SyncState = 0x220030,
-    ERadHwapiState_SelfTestSState = 0x220031,
-    ERadHwapiState_Last = 0x220032 ///< the identifier after the greatest
+    ERadHwapiState_GnssState = 0x220020,                      ///< not registered: nothing is published here
+    ERadHwapiState_TimeState = 0x220021,                      ///< not registered: nothing is published here
+    ERadHwapiState_HwabbState = 0x220022,                     ///< not registered: nothing is published here
+    ERadHwapiState_BasebandState = 0x220023,                  ///< "BasebandState"
+    ERadHwapiState_HwCtrlSState = 0x220024,                   ///< "HwCtrlSState", 0x1000
+    ERadHwapiState_HwaSwdlState = 0x220025,                   ///< not registered: nothing is published here
+    ERadHwapiState_BistState = 0x220026,                      ///< not registered: nothing is published here
+    ERadHwapiState_SyncManagerState = 0x220027,               ///< not registered: nothing is published here
+    ERadHwapiState_RadSState = 0x220028,                      ///< "RadSState"
+    ERadHwapiState_CCToolState = 0x220029,                    ///< not registered: nothing is published here
+    ERadHwapiState_IpServiceState = 0x22002A,                 ///< "IpSState"
+    ERadHwapiState_SupervisorServiceState = 0x22002B,         ///< not registered: nothing is published here
+    ERadHwapiState_SfpServiceState = 0x22002C,                ///< "SfpSState"
+    ERadHwapiState_EacServiceState = 0x22002D,                ///< "EacSState"
+    ERadHwapiState_EthServiceState = 0x22002E,                ///< "EthServiceState"
+    ERadHwapiState_BlackboxState = 0x22002F,                  ///< "BlackboxState"
+    ERadHwapiState_SyncState = 0x220030,                      ///< not registered: nothing is published here
+    ERadHwapiState_SelfTestSState = 0x220031,                 ///< not registered: nothing is published here
+    ERadHwapiState_Last = 0x220032                            ///< the identifier after the greatest
 } ERadHwapiState;
 
 #ifdef __cplusplus

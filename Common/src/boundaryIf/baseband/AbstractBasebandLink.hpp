@@ -14,14 +14,18 @@
 
 namespace vel::hwapi::common::bif::baseband {
 
+/// What names a link, of whichever kind; drivers and clients use the derived classes.
 class AbstractBasebandLink {
 public:
     AbstractBasebandLink(const AbstractBasebandLink&) = default;
     AbstractBasebandLink& operator=(const AbstractBasebandLink&) = default;
     virtual ~AbstractBasebandLink() = default;
 
+    /// OBSAI or CPRI; decides which of the two ids tells links apart.
     EBasebandLinkType getLinkType() const { return m_linkType; }
+    /// The link id: the link's number in its group.
     std::int32_t getLinkIdentifier() const { return m_linkIdentifier; }
+    /// The unique id: the link's number on the board.
     std::int32_t getLinkUniqueIdentifier() const { return m_linkUniqueIdentifier; }
     /// For people; "no name" when nobody has given one.
     std::string getLinkHumanName() const { return m_linkHumanName; }
@@ -41,13 +45,17 @@ protected:
         : AbstractBasebandLink(type, convertLinkUniqIdToLinkId(uniqueId), uniqueId, std::move(name))
     {
     }
+    /// A link whose two ids need not fit together.
     AbstractBasebandLink(EBasebandLinkType type, std::int32_t linkId, std::int32_t uniqueId, std::string name)
         : m_linkType(type), m_linkIdentifier(linkId), m_linkUniqueIdentifier(uniqueId), m_linkHumanName(std::move(name))
     {
     }
 
+    /// Changes the link id alone; the unique id stays.
     void setLinkIdentifier(std::int32_t linkId) { m_linkIdentifier = linkId; }
+    /// Changes the unique id alone; the link id stays. setBasebandLinkData() changes both.
     void setLinkUniqueIdentifier(std::int32_t uniqueId) { m_linkUniqueIdentifier = uniqueId; }
+    /// Changes the name, which no comparison looks at.
     void setLinkHumanName(const std::string& name) { m_linkHumanName = name; }
     /// Sets the unique id, the link id that comes from it, and the name.
     void setBasebandLinkData(std::int32_t uniqueId, const std::string& name);

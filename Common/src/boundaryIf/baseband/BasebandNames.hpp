@@ -10,6 +10,7 @@ namespace vel::hwapi::common::bif::baseband {
 
 using bif::nameOf;
 
+/// The names of all link types, for nameOf().
 constexpr auto namesOf(EBasebandLinkType /*of*/)
 {
     return std::to_array<EnumName<EBasebandLinkType>>({

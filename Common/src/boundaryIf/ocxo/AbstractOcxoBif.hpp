@@ -19,6 +19,7 @@ public:
     /// What the parameter marks as modified has changed.
     [[gnu::init_priority(101)]] inline static const std::string OCXO_EVENT_NAME = "OcxoEvent";
 
+    /// Registers who is told of changes; the callback stays the caller's and must outlive the interface.
     virtual void setOcxoCallback(AbstractOcxoCallback* callback) { addCallback(OCXO_EVENT_NAME, callback); }
 
     /// Reads the sensors that are asked for into their places in @p statuses.
@@ -44,8 +45,10 @@ public:
 
 protected:
     AbstractOcxoBif() = default;
+    /// From initialize() on events go through @p worker, which stays the caller's.
     explicit AbstractOcxoBif(common::AbstractWorker& worker) : AbstractBif(worker) {}
 
+    /// Raises #OCXO_EVENT_NAME.
     virtual void callOcxoCallback(OcxoCallbackParam& parameter) { callCallback(OCXO_EVENT_NAME, parameter); }
 };
 

@@ -10,6 +10,7 @@ namespace vel::hwapi::clocks::bif::ocxo {
 
 using common::bif::nameOf;
 
+/// The names of the sensor states, for nameOf().
 constexpr auto namesOf(EClkOcxoStatusSensorState /*of*/)
 {
     return std::to_array<common::bif::EnumName<EClkOcxoStatusSensorState>>({
@@ -19,6 +20,7 @@ constexpr auto namesOf(EClkOcxoStatusSensorState /*of*/)
     });
 }
 
+/// The names of the sensors, for nameOf().
 constexpr auto namesOf(ESensorType /*of*/)
 {
     return std::to_array<common::bif::EnumName<ESensorType>>({
@@ -29,6 +31,7 @@ constexpr auto namesOf(ESensorType /*of*/)
     });
 }
 
+/// The names of the sources, for nameOf().
 constexpr auto namesOf(ECalibrationValueSource /*of*/)
 {
     return std::to_array<common::bif::EnumName<ECalibrationValueSource>>({

@@ -12,6 +12,7 @@
 
 namespace vel::hwapi::common::bif::phaselockstatusmonitor {
 
+/// Has samples of the phase error judged by monitors, and tells when one's status changes.
 class AbstractPhaseLockStatusMonitorBif : public AbstractBif<PhaseLockStatusCallbackParam> {
 public:
     class AbstractPhaseLockStatusMonitor;
@@ -31,6 +32,7 @@ public:
     /// @return the first monitor of this name, in the order in which they were added; null when there is none
     AbstractPhaseLockStatusMonitor* findPhaseLockStatusMonitor(std::string identifier);
 
+    /// Registers who is told of changes; the callback stays the caller's and must outlive the interface.
     void setPhaseLockStatusCallback(AbstractPhaseLockStatusCallback* callback)
     {
         addCallback(PHASE_LOCK_STATUS_MONITOR_EVENT_NAME, callback);
@@ -38,8 +40,10 @@ public:
 
 protected:
     AbstractPhaseLockStatusMonitorBif() = default;
+    /// From initialize() on events go through @p worker, which stays the caller's.
     explicit AbstractPhaseLockStatusMonitorBif(AbstractWorker& worker) : AbstractBif(worker) {}
 
+    /// Raises #PHASE_LOCK_STATUS_MONITOR_EVENT_NAME.
     virtual void callPhaseLockStatusCallback(PhaseLockStatusCallbackParam& parameter)
     {
         callCallback(PHASE_LOCK_STATUS_MONITOR_EVENT_NAME, parameter);
@@ -51,6 +55,7 @@ protected:
 /// Judges the phase error. How the limit and the thresholds turn samples into a status is up to the concrete monitor.
 class AbstractPhaseLockStatusMonitorBif::AbstractPhaseLockStatusMonitor {
 public:
+    /// A monitor whose status is undefined. @param identifier by which it is found and reports
     AbstractPhaseLockStatusMonitor(std::string identifier, float phaseErrorLimit, std::uint32_t setErrorThreshold,
                                    std::uint32_t unsetErrorThreshold)
         : m_identifier(std::move(identifier)),
@@ -63,7 +68,9 @@ public:
     AbstractPhaseLockStatusMonitor& operator=(const AbstractPhaseLockStatusMonitor&) = delete;
     virtual ~AbstractPhaseLockStatusMonitor() = default;
 
+    /// What the monitor is found by, and what its events bear.
     std::string getIdentifier() const { return m_identifier; }
+    /// What the samples have come to so far; undefined before the first.
     EPhaseLockStatus getStatus() const { return m_status; }
 
     /// Judges a sample. @return whether the status has changed with it
@@ -79,10 +86,13 @@ public:
     }
 
 protected:
+    /// See getIdentifier().
     std::string m_identifier;
+    /// The phase error's limit, in the unit of the samples.
     float m_phaseErrorLimit;
     std::uint32_t m_setErrorThreshold;   ///< for EPhaseLockStatus_Exceed to begin
     std::uint32_t m_unsetErrorThreshold; ///< for it to end
+    /// See getStatus().
     EPhaseLockStatus m_status = EPhaseLockStatus_Undefined;
 };
 

@@ -10,6 +10,7 @@ namespace vel::hwapi::common::bif::phaselockstatusmonitor {
 
 using bif::nameOf;
 
+/// The names of the statuses, for nameOf().
 constexpr auto namesOf(EPhaseLockStatus /*of*/)
 {
     return std::to_array<EnumName<EPhaseLockStatus>>({

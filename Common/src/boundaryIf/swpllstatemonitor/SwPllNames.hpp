@@ -10,6 +10,7 @@ namespace vel::hwapi::common::bif::swpllstatemonitor {
 
 using bif::nameOf;
 
+/// The names of the PLL's states, for nameOf().
 constexpr auto namesOf(ESwPllState /*of*/)
 {
     return std::to_array<EnumName<ESwPllState>>({
@@ -24,6 +25,7 @@ constexpr auto namesOf(ESwPllState /*of*/)
     });
 }
 
+/// The names of what can have changed, for nameOf().
 constexpr auto namesOf(EChangedParam /*of*/)
 {
     return std::to_array<EnumName<EChangedParam>>({
@@ -34,6 +36,7 @@ constexpr auto namesOf(EChangedParam /*of*/)
     });
 }
 
+/// The names of the calibration's statuses, for nameOf().
 constexpr auto namesOf(EClockCalibrationStatus /*of*/)
 {
     return std::to_array<EnumName<EClockCalibrationStatus>>({
@@ -43,6 +46,7 @@ constexpr auto namesOf(EClockCalibrationStatus /*of*/)
     });
 }
 
+/// The names of the permission's values, for nameOf().
 constexpr auto namesOf(ETunerHpfUpdateAllowed /*of*/)
 {
     return std::to_array<EnumName<ETunerHpfUpdateAllowed>>({

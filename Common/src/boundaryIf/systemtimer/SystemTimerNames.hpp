@@ -10,6 +10,7 @@ namespace vel::hwapi::common::bif::systemtimer {
 
 using bif::nameOf;
 
+/// The names of the states, for nameOf().
 constexpr auto namesOf(ETimerSyncState /*of*/)
 {
     return std::to_array<EnumName<ETimerSyncState>>({

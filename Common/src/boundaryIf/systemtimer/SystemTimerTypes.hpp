@@ -9,9 +9,9 @@ namespace vel::hwapi::common::bif::systemtimer {
 
 /// How the system timer stands to its source.
 enum ETimerSyncState : std::uint32_t {
-    ETimerSyncState_OutOfSync = 0,
-    ETimerSyncState_Synchronizing = 1,
-    ETimerSyncState_InSync = 2
+    ETimerSyncState_OutOfSync = 0,     ///< not in step with the source
+    ETimerSyncState_Synchronizing = 1, ///< on the way there
+    ETimerSyncState_InSync = 2         ///< in step with the source
 };
 
 } // namespace vel::hwapi::common::bif::systemtimer

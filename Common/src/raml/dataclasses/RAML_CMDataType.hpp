@@ -16,10 +16,13 @@
 
 namespace RAML {
 
+/// One `cmData` element: a header and managed objects.
 class RAML_CMDataType {
 public:
+    /// How the model holds it; freed with its last holder.
     using pointer = boost::shared_ptr<RAML_CMDataType>;
 
+    /// A new block without objects, `RAML_PLAN_NONE` and `RAML_SCOPE_NONE`.
     static pointer create() { return boost::make_shared<RAML_CMDataType>(); }
 
     RAML_CMDataType();
@@ -27,6 +30,7 @@ public:
     RAML_CMDataType& operator=(const RAML_CMDataType&) = delete;
     ~RAML_CMDataType();
 
+    /// Takes all managed objects out; those that somebody else holds live on.
     void clearMOs() { managedObjects.clear(); }
 
     /// The first managed object of that distinguished name. Passes over empty pointers.
@@ -45,13 +49,20 @@ public:
     /// "all", "hierarchy", "changes", "selection"; empty for all other values.
     std::string toString(RAML_ScopeType scopeOfBlock) const;
 
+    /// The `header` element; without log entries when the document has none.
     RAML_HeaderType header;
     std::vector<RAML_ManagedObjectType::pointer> managedObjects; ///< in the order of the document
+    /// Whether these are actual, planned or default data.
     RAML_PlanType type = RAML_PLAN_NONE;
+    /// What part of the configuration the block covers.
     RAML_ScopeType scope = RAML_SCOPE_NONE;
+    /// Attribute `name`; read, not written.
     std::string name;
+    /// Attribute `id`.
     std::string id;
+    /// Attribute `domain`.
     std::string domain;
+    /// Attribute `adaptationVersionMajor`.
     std::string adaptationVersionMajor;
 };
 

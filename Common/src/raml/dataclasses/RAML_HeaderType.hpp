@@ -9,6 +9,7 @@
 
 namespace RAML {
 
+/// The `header` element of a block: who changed it, and when.
 class RAML_HeaderType {
 public:
     RAML_HeaderType() = default;

@@ -7,8 +7,10 @@
 
 namespace RAML {
 
+/// A named value inside an item.
 struct RAML_ItemParameterType {
     std::string name; ///< may be empty
+    /// The element's characters; a number stays the text it is.
     std::string value;
 };
 

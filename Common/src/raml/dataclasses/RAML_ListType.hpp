@@ -13,10 +13,13 @@
 
 namespace RAML {
 
+/// A parameter with a list of values or items.
 class RAML_ListType : public RAML_MOParameterType {
 public:
+    /// How the model holds it; freed with its last holder.
     using pointer = boost::shared_ptr<RAML_ListType>;
 
+    /// A new list without name and elements.
     static pointer create() { return boost::make_shared<RAML_ListType>(); }
 
     RAML_ListType() : RAML_MOParameterType(RAML_LIST, {}) {}
@@ -27,6 +30,7 @@ public:
     {
         listElements.push_back(std::move(element));
     }
+    /// Takes all elements out; those that somebody else holds live on.
     void clear() { listElements.clear(); }
 
     std::vector<RAML_ListElementType::pointer> listElements; ///< in the order of the document

@@ -7,6 +7,7 @@
 
 namespace RAML {
 
+/// One `log` element of a header: one change of the data.
 class RAML_LogType {
 public:
     RAML_LogType() = default;
@@ -16,9 +17,13 @@ public:
     RAML_LogType& operator=(RAML_LogType&&) noexcept = default;
     virtual ~RAML_LogType() = default;
 
+    /// When it was changed; the text of the document, in no fixed format.
     std::string dateTime;
+    /// What was done.
     std::string action;
+    /// Who did it.
     std::string user;
+    /// The application that did it.
     std::string appInfo;
     std::string appVersion;             ///< for callers; no document fills it
     std::string adaptationVersionMinor; ///< for callers; no document fills it

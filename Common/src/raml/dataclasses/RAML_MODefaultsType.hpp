@@ -9,8 +9,11 @@ namespace RAML {
 
 /// For callers: nothing in the library fills it, and the `defaults` element of a document is skipped.
 struct RAML_MODefaultsType {
+    /// Name of the defaults.
     std::string name;
+    /// Id of the defaults.
     std::string id;
+    /// Status of the defaults.
     std::string status;
 };
 

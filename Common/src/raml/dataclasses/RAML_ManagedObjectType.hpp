@@ -15,10 +15,13 @@
 
 namespace RAML {
 
+/// One `managedObject` element: which object it is, what is to be done with it, and its parameters.
 class RAML_ManagedObjectType {
 public:
+    /// How the model holds it; freed with its last holder.
     using pointer = boost::shared_ptr<RAML_ManagedObjectType>;
 
+    /// A new object, as the constructor makes it.
     static pointer create() { return boost::make_shared<RAML_ManagedObjectType>(); }
 
     /// All texts empty, operation, scopes and filter the NONE members.
@@ -27,6 +30,8 @@ public:
     RAML_ManagedObjectType& operator=(const RAML_ManagedObjectType&) = delete;
     virtual ~RAML_ManagedObjectType();
 
+    /// @{
+    /// The members below, see there.
     const RAML_MODefaultsType& getDefaults() const { return mDefaults; }
     const std::vector<RAML_MOParameterType::pointer>& getParameters() const { return mParameters; }
     const std::string& getClassName() const { return mClassname; }
@@ -42,9 +47,16 @@ public:
     const RAML_MOFuncScopeType& getFuncScope() const { return mFuncScope; }
     const RAML_MOFilterType& getFilter() const { return mFilter; }
     const std::string& getSequenceNo() const { return mSequenceNumber; }
+    /// @}
 
+    /// @{
+    /// Replace the record or all parameters.
     void setDefaults(RAML_MODefaultsType defaults) { mDefaults = std::move(defaults); }
     void setParameters(std::vector<RAML_MOParameterType::pointer> parameters) { mParameters = std::move(parameters); }
+    /// @}
+
+    /// @{
+    /// Store a text as it is; nothing is trimmed or checked.
     void setClassName(std::string text) { mClassname = std::move(text); }
     void setVersion(std::string text) { mVersion = std::move(text); }
     void setOperationName(std::string text) { mOperationName = std::move(text); }
@@ -54,8 +66,11 @@ public:
     void setVendor(std::string text) { mVendor = std::move(text); }
     void setTimeStamp(std::string text) { mTimeStamp = std::move(text); }
     void setSequenceNo(std::string text) { mSequenceNumber = std::move(text); }
+    /// @}
 
     // These store what the functions of RamlDefs.hpp make of a text, or the enumeration itself.
+    /// @{
+    /// Store what the functions of RamlDefs.hpp make of a text, or the enumeration itself.
     void setOperation(const std::string& text) { mOperation = getOperationType(text); }
     void setOperation(RAML_MOOperationType operation) { mOperation = operation; }
     void setLevelScope(const std::string& text) { mLevelScope = getLevelScopeType(text); }
@@ -64,6 +79,7 @@ public:
     void setFuncScope(RAML_MOFuncScopeType funcScope) { mFuncScope = funcScope; }
     void setFilter(const std::string& text) { mFilter = getFilterType(text); }
     void setFilter(RAML_MOFilterType filter) { mFilter = filter; }
+    /// @}
 
     /// Appends a RAML_ParameterType::pointer or a RAML_ListType::pointer.
     template <class Pointer>
@@ -71,6 +87,7 @@ public:
     {
         mParameters.push_back(std::move(parameter));
     }
+    /// Takes all parameters out; those that somebody else holds live on.
     void clearMOparams() { mParameters.clear(); }
 
     /// The first parameter of that name, simple or list; lists are not searched inside. Passes over empty pointers.
@@ -80,19 +97,30 @@ public:
     /// What `operator<<` writes for an operation.
     std::string toString(const RAML_MOOperationType& operation) const;
 
+    /// For callers; no document fills it.
     RAML_MODefaultsType mDefaults;
     std::vector<RAML_MOParameterType::pointer> mParameters; ///< simple ones and lists, in the order of the document
+    /// Attribute `class`, such as "Fan"; what sorting ranks objects by.
     std::string mClassname;
+    /// Attribute `version`.
     std::string mVersion;
+    /// Attribute `operation`: what is to be done with the object.
     RAML_MOOperationType mOperation = RAML_OP_NONE;
     std::string mOperationName; ///< attribute `actionName`
     std::string mDistName;      ///< the distinguished name
+    /// Attribute `id`.
     std::string mId;
+    /// Attribute `name`.
     std::string mName;
+    /// Attribute `vendor`.
     std::string mVendor;
+    /// Attribute `timeStamp`.
     std::string mTimeStamp;
+    /// Attribute `levelScope`: how much of the tree below the object is meant.
     RAML_MOLevelScopeType mLevelScope = RAML_LSCOPE_NONE;
+    /// Attribute `funcScope`: which function the operation is about.
     RAML_MOFuncScopeType mFuncScope = RAML_FSCOPE_NONE;
+    /// Attribute `filter`: whether configuration (CM) or measurements (PM) are meant.
     RAML_MOFilterType mFilter = RAML_FILTER_NONE;
     std::string mSequenceNumber; ///< attribute `sequenceNo`, never taken for a number
 };

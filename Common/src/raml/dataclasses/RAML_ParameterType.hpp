@@ -12,11 +12,15 @@
 
 namespace RAML {
 
+/// A parameter with a single value.
 class RAML_ParameterType : public RAML_MOParameterType {
 public:
+    /// How the model holds it; freed with its last holder.
     using pointer = boost::shared_ptr<RAML_ParameterType>;
 
+    /// A new parameter without name and value.
     static pointer create() { return boost::make_shared<RAML_ParameterType>(); }
+    /// A new parameter with name and value.
     static pointer create(std::string nameOfParameter, std::string valueOfParameter)
     {
         pointer parameter = create();

@@ -19,8 +19,10 @@ namespace RAML {
 /// lines.
 class RAML_Type {
 public:
+    /// How callers hold a document; freed with its last holder.
     using pointer = boost::shared_ptr<RAML_Type>;
 
+    /// A new document without blocks.
     static pointer create() { return boost::make_shared<RAML_Type>(); }
 
     RAML_Type();
@@ -28,10 +30,13 @@ public:
     RAML_Type& operator=(const RAML_Type&) = delete;
     virtual ~RAML_Type();
 
+    /// Takes all blocks out; those that somebody else holds live on.
     void clearCmDataList() { cmDataList.clear(); }
 
     std::vector<RAML_CMDataType::pointer> cmDataList; ///< in the order of the document
+    /// Attribute `xmlns`; the namespace is not checked.
     std::string xmlns;
+    /// Attribute `version` of the root; not checked.
     std::string version;
 };
 

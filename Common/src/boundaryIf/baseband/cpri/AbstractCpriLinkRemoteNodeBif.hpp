@@ -8,6 +8,7 @@
 
 namespace vel::hwapi::common::bif::baseband::cpri {
 
+/// What a driver of CPRI links tells of the node at the other end.
 class AbstractCpriLinkRemoteNodeBif : public AbstractBif<LinkRemoteNodeCallbackParam> {
 public:
     /// Takes the events of remote nodes; derived from by clients.
@@ -37,14 +38,21 @@ public:
     /// Its protocol version (control byte Z.2.0).
     virtual std::uint32_t getProtocolVersion(const CpriLink& link) = 0;
 
+    /// Registers who is told when the remote node speaks another protocol version; the callback stays the caller's and
+    /// must outlive the interface.
     void setProtocolVersionChangeEventCallback(AbstractLinkRemoteNodeCallback* callback)
     {
         addCallback(REMOTE_PROTOCOL_VERSION_CHANGE_EVENT_NAME, callback);
     }
+    /// Registers who is told when the remote node's pointer p changes; the callback stays the caller's and must outlive
+    /// the interface.
     void setEthernetSubchannelPointerChangeEventCallback(AbstractLinkRemoteNodeCallback* callback)
     {
         addCallback(REMOTE_ETHERNET_SUBCHANNEL_POINTER_CHANGE_EVENT_NAME, callback);
     }
+    /// @{
+    /// Registers who is told when the remote node begins or ends to report the condition that the function is named
+    /// after (control byte Z.130.0); the callback stays the caller's and must outlive the interface.
     void setResetEventCallback(AbstractLinkRemoteNodeCallback* callback)
     {
         addCallback(REMOTE_RESET_EVENT_NAME, callback);
@@ -53,11 +61,15 @@ public:
     void setRaiEventCallback(AbstractLinkRemoteNodeCallback* callback) { addCallback(REMOTE_RAI_EVENT_NAME, callback); }
     void setSdiEventCallback(AbstractLinkRemoteNodeCallback* callback) { addCallback(REMOTE_SDI_EVENT_NAME, callback); }
     void setLofEventCallback(AbstractLinkRemoteNodeCallback* callback) { addCallback(REMOTE_LOF_EVENT_NAME, callback); }
+    /// @}
 
 protected:
     AbstractCpriLinkRemoteNodeBif() = default;
+    /// From initialize() on events go through @p worker, which stays the caller's.
     explicit AbstractCpriLinkRemoteNodeBif(AbstractWorker& worker) : AbstractBif(worker) {}
 
+    /// @{
+    /// Raises the event that the function is named after.
     virtual void callProtocolVersionChangeEventCallback(LinkRemoteNodeCallbackParam& parameter)
     {
         callCallback(REMOTE_PROTOCOL_VERSION_CHANGE_EVENT_NAME, parameter);
@@ -86,6 +98,7 @@ protected:
     {
         callCallback(REMOTE_LOF_EVENT_NAME, parameter);
     }
+    /// @}
 };
 
 } // namespace vel::hwapi::common::bif::baseband::cpri

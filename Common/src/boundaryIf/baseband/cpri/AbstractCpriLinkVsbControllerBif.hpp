@@ -10,6 +10,7 @@
 
 namespace vel::hwapi::common::bif::baseband::cpri {
 
+/// What a driver of CPRI links offers for the vendor specific bytes (VSB) of the control channel.
 class AbstractCpriLinkVsbControllerBif : public AbstractBif<VsbCallbackParam> {
 public:
     /// Takes the events of regions; derived from by clients.
@@ -28,10 +29,12 @@ public:
     /// Same, for bytes to be transmitted.
     virtual AbstractCpriLinkVsbEgressRegionBif* createEgressRegion(const CpriLink& link) = 0;
 
+    /// Registers who is told of received bytes; the callback stays the caller's and must outlive the interface.
     void setCpriVsbBytesReceivedCallback(AbstractCpriVsbCallback* callback)
     {
         addCallback(CPRI_VSB_BYTES_RECEIVED_EVENT_NAME, callback);
     }
+    /// Registers who is told of transmitted bytes; the callback stays the caller's and must outlive the interface.
     void setCpriVsbBytesTransmittedCallback(AbstractCpriVsbCallback* callback)
     {
         addCallback(CPRI_VSB_BYTES_TRANSMITTED_EVENT_NAME, callback);
@@ -39,12 +42,15 @@ public:
 
 protected:
     AbstractCpriLinkVsbControllerBif() = default;
+    /// From initialize() on events go through @p worker, which stays the caller's.
     explicit AbstractCpriLinkVsbControllerBif(AbstractWorker& worker) : AbstractBif(worker) {}
 
+    /// Raises #CPRI_VSB_BYTES_RECEIVED_EVENT_NAME.
     virtual void callCpriVsbBytesReceivedCallback(VsbCallbackParam& parameter)
     {
         callCallback(CPRI_VSB_BYTES_RECEIVED_EVENT_NAME, parameter);
     }
+    /// Raises #CPRI_VSB_BYTES_TRANSMITTED_EVENT_NAME.
     virtual void callCpriVsbBytesTransmittedCallback(VsbCallbackParam& parameter)
     {
         callCallback(CPRI_VSB_BYTES_TRANSMITTED_EVENT_NAME, parameter);

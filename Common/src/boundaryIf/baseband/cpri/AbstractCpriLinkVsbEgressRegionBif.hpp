@@ -7,6 +7,7 @@
 
 namespace vel::hwapi::common::bif::baseband::cpri {
 
+/// A region of vendor specific bytes that are transmitted.
 class AbstractCpriLinkVsbEgressRegionBif : public AbstractCpriLinkVsbRegionBif {
 public:
     /// Has every hyperframe from the next one on take these bytes along, until others are written. An enabled region
@@ -17,6 +18,7 @@ public:
 
 protected:
     AbstractCpriLinkVsbEgressRegionBif() = default;
+    /// Passes on the controller's worker.
     explicit AbstractCpriLinkVsbEgressRegionBif(AbstractWorker& worker) : AbstractCpriLinkVsbRegionBif(worker) {}
 };
 

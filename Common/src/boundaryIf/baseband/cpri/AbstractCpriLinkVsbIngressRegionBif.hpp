@@ -7,6 +7,7 @@
 
 namespace vel::hwapi::common::bif::baseband::cpri {
 
+/// A region of vendor specific bytes that are received.
 class AbstractCpriLinkVsbIngressRegionBif : public AbstractCpriLinkVsbRegionBif {
 public:
     /// Replaces what is in @p dataBytes with the bytes that the last complete hyperframe has brought.
@@ -15,6 +16,7 @@ public:
 
 protected:
     AbstractCpriLinkVsbIngressRegionBif() = default;
+    /// Passes on the controller's worker.
     explicit AbstractCpriLinkVsbIngressRegionBif(AbstractWorker& worker) : AbstractCpriLinkVsbRegionBif(worker) {}
 };
 

@@ -25,15 +25,18 @@
 
 namespace vel::hwapi::common::bif::baseband::cpri {
 
+/// What regions of both directions have.
 class AbstractCpriLinkVsbRegionBif : public AbstractBaseBif {
 public:
     /// What events call the region. Never VsbCallbackParam::INVALID_REGION_ID; not used again while it exists.
     virtual std::uint32_t getRegionId() = 0;
+    /// The link that the region was made for.
     virtual CpriLink getLink() = 0;
 
     /// @throws InvalidParameterException when the region is enabled or the control words are not vendor specific;
     /// nothing has changed then.
     virtual void setControlWords(const VsbControlWords& controlWords) = 0;
+    /// The control words set last; none in a new region.
     virtual VsbControlWords getControlWords() = 0;
 
     /// Does nothing when it is enabled.
@@ -42,6 +45,7 @@ public:
     virtual void enableRegion() = 0;
     /// Does nothing when it is disabled.
     virtual void disableRegion() = 0;
+    /// Whether its bytes travel now.
     virtual bool isRegionEnabled() = 0;
 
 protected:

@@ -10,6 +10,7 @@ namespace vel::hwapi::common::bif::baseband::cpri {
 
 using bif::nameOf;
 
+/// The names of all line bit rates, for nameOf(): "8x".
 constexpr auto namesOf(ECpriLinkRate /*of*/)
 {
     return std::to_array<EnumName<ECpriLinkRate>>({
@@ -22,6 +23,7 @@ constexpr auto namesOf(ECpriLinkRate /*of*/)
     });
 }
 
+/// The names of all protocol versions, for nameOf(): "2".
 constexpr auto namesOf(ECpriProtocolVersion /*of*/)
 {
     return std::to_array<EnumName<ECpriProtocolVersion>>({
@@ -31,6 +33,7 @@ constexpr auto namesOf(ECpriProtocolVersion /*of*/)
     });
 }
 
+/// The names of the receiver's states, for nameOf(): "HFNSYNC".
 constexpr auto namesOf(ERxLinkState /*of*/)
 {
     return std::to_array<EnumName<ERxLinkState>>({

@@ -10,19 +10,19 @@ namespace vel::hwapi::common::bif::baseband::cpri {
 
 /// Line bit rate, in multiples of 614.4 Mbit/s.
 enum ECpriLinkRate : std::uint32_t {
-    ECpriLinkRate_unknown = 0,
-    ECpriLinkRate_1x = 1, ///< 614.4 Mbit/s
-    ECpriLinkRate_2x = 2, ///< 1228.8 Mbit/s
-    ECpriLinkRate_4x = 3, ///< 2457.6 Mbit/s
-    ECpriLinkRate_8x = 4, ///< 4915.2 Mbit/s
-    ECpriLinkRate_10x = 5 ///< 6144.0 Mbit/s
+    ECpriLinkRate_unknown = 0, ///< not set, or not to be had from the hardware
+    ECpriLinkRate_1x = 1,      ///< 614.4 Mbit/s
+    ECpriLinkRate_2x = 2,      ///< 1228.8 Mbit/s
+    ECpriLinkRate_4x = 3,      ///< 2457.6 Mbit/s
+    ECpriLinkRate_8x = 4,      ///< 4915.2 Mbit/s
+    ECpriLinkRate_10x = 5      ///< 6144.0 Mbit/s
 };
 
 /// Protocol version, as in control byte Z.2.0.
 enum ECpriProtocolVersion : std::uint32_t {
-    ECpriProtocolVersion_Unknown = 0,
-    ECpriProtocolVersion_1 = 1, ///< not scrambled
-    ECpriProtocolVersion_2 = 2  ///< scrambled
+    ECpriProtocolVersion_Unknown = 0, ///< not set, or not to be had from the hardware
+    ECpriProtocolVersion_1 = 1,       ///< not scrambled
+    ECpriProtocolVersion_2 = 2        ///< scrambled
 };
 
 /// State of a receiver, as in the standard's state diagram of layer 1 synchronisation.

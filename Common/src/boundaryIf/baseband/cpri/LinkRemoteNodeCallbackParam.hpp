@@ -8,9 +8,11 @@
 
 namespace vel::hwapi::common::bif::baseband::cpri {
 
+/// What the node at the other end of a link reports; which field has changed is told by the event's name.
 class LinkRemoteNodeCallbackParam : public CallbackParam {
 public:
     LinkRemoteNodeCallbackParam() = default;
+    /// Has every field set.
     LinkRemoteNodeCallbackParam(bool active, const CpriLink& link, std::uint32_t ethernetSubchannelPointer,
                                 std::uint32_t protocolVersion)
         : m_link(link),
@@ -22,18 +24,22 @@ public:
 
     /// The link in this object.
     const CpriLink* getLink() const { return &m_link; }
+    /// Copies @p link.
     void setLink(const CpriLink& link) { m_link = link; }
 
     /// Whether the remote node reports the condition of the event.
     bool getActive() const { return m_active; }
+    /// True when the condition has begun, false when it has ended.
     void setActive(bool active) { m_active = active; }
 
     /// The remote node's pointer p (control byte Z.194.0).
     std::uint32_t getEthernetSubchannelPointer() const { return m_ethernetSubchannelPointer; }
+    /// As getEthernetSubchannelPointer() returns it.
     void setEthernetSubchannelPointer(std::uint32_t pointer) { m_ethernetSubchannelPointer = pointer; }
 
     /// The remote node's protocol version (control byte Z.2.0).
     std::uint32_t getProtocolVersion() const { return m_protocolVersion; }
+    /// As getProtocolVersion() returns it.
     void setProtocolVersion(std::uint32_t version) { m_protocolVersion = version; }
 
     bool operator==(const LinkRemoteNodeCallbackParam&) const = default;

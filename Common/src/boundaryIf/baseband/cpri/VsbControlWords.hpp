@@ -23,9 +23,13 @@ namespace vel::hwapi::common::bif::baseband::cpri {
 /// The control words of some successive subchannels.
 class VsbControlWords {
 public:
+    /// Subchannels of a hyperframe.
     static constexpr std::uint32_t SUBCHANNELS = 64;
+    /// Control words of each subchannel, one in every 64th basic frame.
     static constexpr std::uint32_t CONTROL_WORDS_IN_SUBCHANNEL = 4;
+    /// Subchannels below are not the vendor's.
     static constexpr std::uint32_t FIRST_VENDOR_SPECIFIC_SUBCHANNEL = 16;
+    /// The fast C&M channel may begin here at the lowest; the vendor's bytes end where it begins.
     static constexpr std::uint32_t LOWEST_ETHERNET_SUBCHANNEL_POINTER = 20;
 
     /// Place of a byte in any hyperframe.
@@ -42,7 +46,9 @@ public:
     {
     }
 
+    /// The first subchannel whose control words these are.
     std::uint32_t getFirstSubchannel() const { return m_firstSubchannel; }
+    /// How many successive subchannels these are; 0 for none.
     std::uint32_t getSubchannelCount() const { return m_subchannelCount; }
 
     /// Bytes of a control word; 0 at an unknown rate.

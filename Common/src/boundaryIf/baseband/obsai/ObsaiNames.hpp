@@ -10,6 +10,7 @@ namespace vel::hwapi::common::bif::baseband::obsai {
 
 using bif::nameOf;
 
+/// The names of all line rates, for nameOf(): "8x".
 constexpr auto namesOf(EObsaiLinkRate /*of*/)
 {
     return std::to_array<EnumName<EObsaiLinkRate>>({
@@ -21,6 +22,7 @@ constexpr auto namesOf(EObsaiLinkRate /*of*/)
     });
 }
 
+/// The names of all link types, for nameOf(): "Rp301".
 constexpr auto namesOf(EObsaiLinkType /*of*/)
 {
     return std::to_array<EnumName<EObsaiLinkType>>({
@@ -30,6 +32,7 @@ constexpr auto namesOf(EObsaiLinkType /*of*/)
     });
 }
 
+/// The names of the receiver's states, for nameOf(): "WaitForFrame".
 constexpr auto namesOf(ERxLinkState /*of*/)
 {
     return std::to_array<EnumName<ERxLinkState>>({
@@ -42,6 +45,7 @@ constexpr auto namesOf(ERxLinkState /*of*/)
     });
 }
 
+/// The names of the transmitter's states, for nameOf(): "IdleAck".
 constexpr auto namesOf(ETxLinkState /*of*/)
 {
     return std::to_array<EnumName<ETxLinkState>>({
@@ -53,6 +57,7 @@ constexpr auto namesOf(ETxLinkState /*of*/)
     });
 }
 
+/// The names of the modes, for nameOf().
 constexpr auto namesOf(ELinkAutoSynchronizationMode /*of*/)
 {
     return std::to_array<EnumName<ELinkAutoSynchronizationMode>>({

@@ -7,6 +7,7 @@
 
 namespace vel::hwapi::common::bif::baseband::router {
 
+/// Stores a value and marks it as set.
 template <class Value>
 constexpr void setField(Value& field, bool& isSet, std::type_identity_t<Value> value)
 {

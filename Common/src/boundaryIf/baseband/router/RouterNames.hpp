@@ -10,6 +10,7 @@ namespace vel::hwapi::basebands::bif::baseband::router {
 
 using common::bif::nameOf;
 
+/// The names of the message slots, for nameOf().
 constexpr auto namesOf(EMessageSlot /*of*/)
 {
     return std::to_array<common::bif::EnumName<EMessageSlot>>({
@@ -18,6 +19,7 @@ constexpr auto namesOf(EMessageSlot /*of*/)
     });
 }
 
+/// The names of the modes, for nameOf().
 constexpr auto namesOf(ERouteMode /*of*/)
 {
     return std::to_array<common::bif::EnumName<ERouteMode>>({
@@ -27,6 +29,7 @@ constexpr auto namesOf(ERouteMode /*of*/)
     });
 }
 
+/// The names of the message types, for nameOf().
 constexpr auto namesOf(EMessageType /*of*/)
 {
     return std::to_array<common::bif::EnumName<EMessageType>>({
@@ -49,6 +52,7 @@ constexpr auto namesOf(EMessageType /*of*/)
     });
 }
 
+/// The names of the air standards, for nameOf().
 constexpr auto namesOf(EAirStandard /*of*/)
 {
     return std::to_array<common::bif::EnumName<EAirStandard>>({
@@ -62,6 +66,7 @@ constexpr auto namesOf(EAirStandard /*of*/)
     });
 }
 
+/// The names of the sample formats, for nameOf().
 constexpr auto namesOf(EIqSampleFormat /*of*/)
 {
     return std::to_array<common::bif::EnumName<EIqSampleFormat>>({

@@ -7,6 +7,7 @@
 
 namespace vel::hwapi::common::bif::baseband::sfp {
 
+/// The driver's number of an SFP cage.
 using TSfpModuleId = std::uint32_t;
 
 } // namespace vel::hwapi::common::bif::baseband::sfp
