@@ -120,8 +120,7 @@ void addLogNoun(Program& program)
     verb.add_option("--feature", options->features, "Only lines of this feature, by name or number; may be repeated")
         ->type_name("NAME")
         ->allow_extra_args(false);
-    verb.add_option("--severity", options->severity,
-                    "Only lines at least so severe: debug, info, warning, error, vip")
+    verb.add_option("--severity", options->severity, "Only lines at least so severe: debug, info, warning, error, vip")
         ->type_name("WORD");
     verb.add_option("--service", options->services, "Only lines of this service; may be repeated")
         ->type_name("NAME")

@@ -41,9 +41,8 @@ Colour colourOf(EAaSysLogSeverityLevel severity)
 bool LogFilter::accepts(const host::LogLine& line) const
 {
     const bool isWantedFeature =
-        features.empty() || std::any_of(features.begin(), features.end(), [&line](const std::string& feature) {
-            return isFeature(feature, line);
-        });
+        features.empty() || std::any_of(features.begin(), features.end(),
+                                        [&line](const std::string& feature) { return isFeature(feature, line); });
     return isWantedFeature && isOneOf(services, line.eeName) && (!leastSeverity || line.severity >= *leastSeverity);
 }
 
@@ -67,14 +66,12 @@ std::string logLineText(const host::LogLine& line, const Console& console)
 
 Json logLineJson(const host::LogLine& line)
 {
-    return {{"time", timeText(line.wall)},
-            {"severity", host::severityWord(line.severity)},
-            {"service", line.eeName},
-            {"pid", line.pid},
-            {"eu", line.euName},
-            {"feature", line.featureName},
-            {"featureId", line.featureId},
-            {"text", line.text}};
+    return {
+        {"time", timeText(line.wall)}, {"severity", host::severityWord(line.severity)},
+        {"service", line.eeName},      {"pid", line.pid},
+        {"eu", line.euName},           {"feature", line.featureName},
+        {"featureId", line.featureId}, {"text", line.text},
+    };
 }
 
 } // namespace dorn::tool

@@ -51,7 +51,7 @@ struct MessageFilter {
 struct Names {
     TAaSysComNid ownNode;
     std::function<std::string(TAaSysComCpid)> ofCpid; ///< the service that holds it; empty for none
-    std::function<std::string(std::int32_t)> ofPid;    ///< the service that the process is; empty for none
+    std::function<std::string(std::int32_t)> ofPid;   ///< the service that the process is; empty for none
 };
 
 /// "<time> 3 messages of ClimateS missed"

@@ -36,8 +36,7 @@ std::string RadEntry::address() const
 RadDirectory::RadDirectory(host::RadStore& store)
 {
     for (const host::RadDomain* const domain : store.domains()) {
-        m_domains.push_back(
-            {domain->number(), domain->name(), domain->size(), host::RadStore::parametersOf(*domain)});
+        m_domains.push_back({domain->number(), domain->name(), domain->size(), host::RadStore::parametersOf(*domain)});
     }
 }
 

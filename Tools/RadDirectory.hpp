@@ -17,7 +17,7 @@ namespace dorn::tool {
 struct RadDomainView {
     std::uint16_t number;
     std::string name;
-    std::size_t size; ///< indices that it has, declared or not
+    std::size_t size;                           ///< indices that it has, declared or not
     std::vector<host::RadParameter> parameters; ///< the declared ones
 };
 

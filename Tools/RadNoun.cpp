@@ -115,7 +115,11 @@ Outcome set(const ParameterOptions& options, Console& console)
 class RadWatcher {
 public:
     RadWatcher(host::RadStore& store, const WatchOptions& options, Console& console)
-        : m_store(store), m_options(options), m_console(console), m_memory(RadDirectory(store).entries()), m_watch(store)
+        : m_store(store),
+          m_options(options),
+          m_console(console),
+          m_memory(RadDirectory(store).entries()),
+          m_watch(store)
     {
         for (const std::string& address : options.addresses) {
             const RadEntry entry = entryOf(store, RadDirectory(store).find(address));
@@ -183,18 +187,18 @@ private:
 Outcome watch(const WatchOptions& options, Console& console)
 {
     WatchProgress progress(options.limits, console);
-    const auto watcher =
-        answerOf(awaited, [&] { return std::make_unique<RadWatcher>(openStore(), options, console); });
+    const auto watcher = answerOf(awaited, [&] { return std::make_unique<RadWatcher>(openStore(), options, console); });
     return watcher->run(progress);
 }
 
 void addList(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<ListOptions>();
-    CLI::App& verb = program.addVerb(
-        noun, {"list", "Lists the R&D parameters, and marks those that do not have their default",
-               "dorn rad list HWA --changed"},
-        [options](Console& console) { return list(*options, console); });
+    CLI::App& verb =
+        program.addVerb(noun,
+                        {"list", "Lists the R&D parameters, and marks those that do not have their default",
+                         "dorn rad list HWA --changed"},
+                        [options](Console& console) { return list(*options, console); });
     verb.add_option("DOMAIN", options->domain, "Only parameters of this domain, by name or number");
     verb.add_flag("--changed", options->isChangedOnly, "Only parameters that do not have their default");
     verb.add_flag("--hex", options->isHex, "Values in hexadecimal");
@@ -205,9 +209,9 @@ void addList(Program& program, CLI::App& noun)
 void addGet(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<ParameterOptions>();
-    CLI::App& verb = program.addVerb(noun,
-                                     {"get", "Prints the value of an R&D parameter", "dorn rad get HWA/FIRM", addresses},
-                                     [options](Console& console) { return get(*options, console); });
+    CLI::App& verb =
+        program.addVerb(noun, {"get", "Prints the value of an R&D parameter", "dorn rad get HWA/FIRM", addresses},
+                        [options](Console& console) { return get(*options, console); });
     verb.add_option("PARAMETER", options->address, addressHelp)->required();
     verb.add_flag("--hex", options->isHex, "Value in hexadecimal");
     verb.add_flag("--json", options->asJson, "Prints JSON");
@@ -228,10 +232,10 @@ void addSet(Program& program, CLI::App& noun)
 void addWatch(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<WatchOptions>();
-    CLI::App& verb = program.addVerb(
-        noun, {"watch", "Prints R&D parameters as they change, until Ctrl-C",
-               "dorn rad watch HWAState/LedState --count 1 --timeout 10", addresses},
-        [options](Console& console) { return watch(*options, console); });
+    CLI::App& verb = program.addVerb(noun,
+                                     {"watch", "Prints R&D parameters as they change, until Ctrl-C",
+                                      "dorn rad watch HWAState/LedState --count 1 --timeout 10", addresses},
+                                     [options](Console& console) { return watch(*options, console); });
     verb.add_option("PARAMETER", options->addresses, "The parameters to watch; all without one");
     addWatchLimits(verb, options->limits);
     verb.add_flag("--hex", options->isHex, "Values in hexadecimal");

@@ -22,9 +22,8 @@ struct ListOptions {
 /// The services of the node, those called @p name if it is not empty.
 std::vector<host::EeInfo> readServices(const std::string& name)
 {
-    std::vector<host::EeInfo> services = answerOf("the node's list of services", [] {
-        return host::PerNode<host::EeTable>::get().list();
-    });
+    std::vector<host::EeInfo> services =
+        answerOf("the node's list of services", [] { return host::PerNode<host::EeTable>::get().list(); });
     std::erase_if(services, [&name](const host::EeInfo& service) { return !name.empty() && service.name != name; });
     return services;
 }
@@ -54,11 +53,10 @@ void addServiceNoun(Program& program)
 {
     CLI::App& noun = program.addNoun("service", "The services of the node");
     const auto options = std::make_shared<ListOptions>();
-    CLI::App& verb =
-        program.addVerb(noun,
-                        {"list", "Lists the services that run or have run, and what they do", "dorn service list",
-                         "dorn service list --names"},
-                        [options](Console& console) { return list(*options, console); });
+    CLI::App& verb = program.addVerb(noun,
+                                     {"list", "Lists the services that run or have run, and what they do",
+                                      "dorn service list", "dorn service list --names"},
+                                     [options](Console& console) { return list(*options, console); });
     verb.add_option("NAME", options->name, "Only services of this name");
     CLI::Option* const json = verb.add_flag("--json", options->asJson, "Prints JSON");
     verb.add_flag("--names", options->asNames, "Prints the names alone, one a line")->excludes(json);

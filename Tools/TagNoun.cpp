@@ -79,9 +79,9 @@ Outcome list(const ListOptions& options, Console& console)
         console.print(options.asNames ? tagNames(tags) : tagTable(tags, console));
     }
     if (tags.empty()) {
-        console.remark(options.prefix.empty() ? "there are no tags on " + NodePlace().nodeName()
-                                              : "no tag on " + NodePlace().nodeName() + " begins with '" +
-                                                    options.prefix + "'");
+        console.remark(options.prefix.empty()
+                           ? "there are no tags on " + NodePlace().nodeName()
+                           : "no tag on " + NodePlace().nodeName() + " begins with '" + options.prefix + "'");
         return Outcome::No;
     }
     return Outcome::Fine;
@@ -96,8 +96,7 @@ Outcome get(const GetOptions& options, Console& console)
 {
     formFor(options, {}); // wrong use comes before all else
     requireName(options.name);
-    const std::optional<host::TagBytes> value =
-        answerOf(awaited, [&options] { return openStore().get(options.name); });
+    const std::optional<host::TagBytes> value = answerOf(awaited, [&options] { return openStore().get(options.name); });
     if (!value) {
         throw Failure("no tag '" + options.name + "' on " + NodePlace().nodeName() +
                       "; 'dorn tag list' shows all that there are");
@@ -171,8 +170,7 @@ void show(const TagSet& item, bool asJson, Console& console)
         json.update(tagJson(item.tag));
         console.printLine(jsonLine(json));
     } else {
-        console.printLine(timeText(item.wall) + " " + printable(item.tag.name) + ": " +
-                          describedValue(item.tag.value));
+        console.printLine(timeText(item.wall) + " " + printable(item.tag.name) + ": " + describedValue(item.tag.value));
     }
 }
 
@@ -206,9 +204,8 @@ Outcome watch(const WatchOptions& options, Console& console)
 void addList(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<ListOptions>();
-    CLI::App& verb =
-        program.addVerb(noun, {"list", "Lists the tags and their values", "dorn tag list board."},
-                        [options](Console& console) { return list(*options, console); });
+    CLI::App& verb = program.addVerb(noun, {"list", "Lists the tags and their values", "dorn tag list board."},
+                                     [options](Console& console) { return list(*options, console); });
     verb.add_option("PREFIX", options->prefix, "Only tags whose name begins so");
     CLI::Option* const json = verb.add_flag("--json", options->asJson, "Prints JSON");
     verb.add_flag("--names", options->asNames, "Prints the names alone, one a line")->excludes(json);
@@ -230,8 +227,7 @@ void addSet(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<SetOptions>();
     CLI::App& verb = program.addVerb(
-        noun,
-        {"set", "Sets a tag for all processes of the node", "dorn tag set board.climate.ambient --u32 60", names},
+        noun, {"set", "Sets a tag for all processes of the node", "dorn tag set board.climate.ambient --u32 60", names},
         [options](Console& console) { return set(*options, console); });
     verb.add_option("TAG", options->name, "Name of the tag")->required();
     options->asU16 = verb.add_option("--u16", options->value, "To a 16-bit number")->type_name("N");
@@ -248,7 +244,8 @@ void addWatch(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<WatchOptions>();
     CLI::App& verb = program.addVerb(
-        noun, {"watch", "Prints each set of a tag, until Ctrl-C", "dorn tag watch board.climate.ambient --count 1", names},
+        noun,
+        {"watch", "Prints each set of a tag, until Ctrl-C", "dorn tag watch board.climate.ambient --count 1", names},
         [options](Console& console) { return watch(*options, console); });
     verb.add_option("TAG", options->names, "The tags to watch; all without one");
     addWatchLimits(verb, options->limits);

@@ -2,8 +2,8 @@
 /// @file TagText.hpp
 /// Tags as people and programs see them. A tag is bytes; what they mean is known to who uses them.
 ///
-/// The rule by which a value is shown: bytes that are text, UTF-8 without control characters, are shown as text; 2 other
-/// bytes as a number (U16), 4 other bytes as a number (U32), and all else in hexadecimal.
+/// The rule by which a value is shown: bytes that are text, UTF-8 without control characters, are shown as text; 2
+/// other bytes as a number (U16), 4 other bytes as a number (U32), and all else in hexadecimal.
 #pragma once
 
 #include "Console.hpp"

@@ -84,10 +84,11 @@ TEST_F(DornMsgTest, ReplyThatDoesNotComeIsANo)
 
 TEST_F(DornMsgTest, ReceiverThatIsNotThereIsNamed)
 {
-    EXPECT_EQ(dorn({"msg", "send", "0x0301"}),
-              (CommandResult{1, "",
-                             "dorn: not sent: nobody holds cpid 0x0301 on node 0x0F01; 'dorn service list' shows who is "
-                             "there\n"}));
+    EXPECT_EQ(
+        dorn({"msg", "send", "0x0301"}),
+        (CommandResult{1, "",
+                       "dorn: not sent: nobody holds cpid 0x0301 on node 0x0F01; 'dorn service list' shows who is "
+                       "there\n"}));
     EXPECT_EQ(dorn({"msg", "send", "Nobody"}),
               (CommandResult{1, "",
                              "dorn: no service 'Nobody' lives on node 0x0F01; give a cpid or a name that 'dorn service "
@@ -115,9 +116,8 @@ TEST_F(DornMsgTest, WatchShowsRequestAndAnswer)
 
     EXPECT_EQ(watch.waitForEnd(), 0);
     const std::string answer = replaced(watch.standardOutput(), std::to_string(getpid()), "PID");
-    EXPECT_TRUE(answer.starts_with(
-        "2025-01-01T00:00:00.000000Z 0x3001 process PID 0x0301 -> EchoS 0x0300 8 bytes\n"
-        "    0000  48 65 6c 6c 6f 21 21 21                           Hello!!!\n"))
+    EXPECT_TRUE(answer.starts_with("2025-01-01T00:00:00.000000Z 0x3001 process PID 0x0301 -> EchoS 0x0300 8 bytes\n"
+                                   "    0000  48 65 6c 6c 6f 21 21 21                           Hello!!!\n"))
         << answer;
     EXPECT_EQ(withoutTimes(answer.substr(answer.rfind("Z 0x") - 26)),
               "TIME 0x3002 EchoS 0x0300 -> 0x0301 8 bytes\n"
@@ -201,8 +201,8 @@ TEST_F(DornMsgTest, OneWatchTooManyIsRefused)
     }
 
     EXPECT_EQ(dorn({"msg", "watch"}),
-              (CommandResult{1, "",
-                             "dorn: the messages of node 0x0F01 are watched 8 times already; end one of the watches\n"}));
+              (CommandResult{
+                  1, "", "dorn: the messages of node 0x0F01 are watched 8 times already; end one of the watches\n"}));
 }
 
 TEST_F(DornMsgTest, MessagesThatAWatchCouldNotTakeAreCounted)

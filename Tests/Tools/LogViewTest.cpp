@@ -70,8 +70,9 @@ TEST(LogViewTest, SeverityIsGivenByItsWord)
     EXPECT_EQ(parseSeverity("--severity", "debug"), EAaSysLogSeverityLevel_Debug);
     EXPECT_EQ(parseSeverity("--severity", "vip"), EAaSysLogSeverityLevel_Vip);
     for (const std::string word : {"none", "notvalid", "fatal", "3"}) {
-        EXPECT_THAT([&word] { parseSeverity("--severity", word); },
-                    ThrowsMessage<UsageError>("--severity: '" + word + "' is none of debug, info, warning, error, vip"));
+        EXPECT_THAT(
+            [&word] { parseSeverity("--severity", word); },
+            ThrowsMessage<UsageError>("--severity: '" + word + "' is none of debug, info, warning, error, vip"));
     }
 }
 

@@ -87,11 +87,9 @@ TEST(MessageTextTest, SenderWithoutCpidIsKnownByItsProcess)
     SeenMessage message = seen();
     message.sender = 0;
     message.length = 1;
-    EXPECT_EQ(messageText(message, names, false),
-              "2025-01-01T00:00:00.000000Z 0x2101 ClimateS -> LedS 0x0212 1 byte");
+    EXPECT_EQ(messageText(message, names, false), "2025-01-01T00:00:00.000000Z 0x2101 ClimateS -> LedS 0x0212 1 byte");
     message.pid = 7;
-    EXPECT_EQ(messageText(message, names, false),
-              "2025-01-01T00:00:00.000000Z 0x2101 process 7 -> LedS 0x0212 1 byte");
+    EXPECT_EQ(messageText(message, names, false), "2025-01-01T00:00:00.000000Z 0x2101 process 7 -> LedS 0x0212 1 byte");
 }
 
 TEST(MessageTextTest, UnknownPartiesAreShownByCpid)

@@ -39,8 +39,8 @@ TEST_P(NodePlaceTest, PartThatIsNotThereIsMissedInWords)
 {
     EXPECT_FALSE(NodePlace().has(GetParam().part));
     EXPECT_THAT([] { NodePlace().require(GetParam().part); },
-                ThrowsMessage<Failure>(std::string(GetParam().sentence) + ": node 0x0F01 in '" +
-                                       m_node.runDirectory() + "' (DORN_RUN_DIR and DORN_NID choose another)"));
+                ThrowsMessage<Failure>(std::string(GetParam().sentence) + ": node 0x0F01 in '" + m_node.runDirectory() +
+                                       "' (DORN_RUN_DIR and DORN_NID choose another)"));
 }
 
 TEST_P(NodePlaceTest, PartThatIsThereIsSeen)
@@ -77,9 +77,8 @@ TEST(NodePlaceOfAnotherNodeTest, WrongEnvironmentIsAnError)
     const testkit::TestNode node;
     setenv("DORN_NID", "east", 1);
 
-    EXPECT_THAT([] { NodePlace(); },
-                ThrowsMessage<host::EnvironmentError>(
-                    "DORN_NID 'east' is not a node id (0 to 65535, or 0x0000 to 0xFFFF)"));
+    EXPECT_THAT([] { NodePlace(); }, ThrowsMessage<host::EnvironmentError>(
+                                         "DORN_NID 'east' is not a node id (0 to 65535, or 0x0000 to 0xFFFF)"));
 
     unsetenv("DORN_NID");
 }

@@ -157,9 +157,8 @@ TEST_P(WrongUseTest, IsExplainedAndStatus2)
 INSTANTIATE_TEST_SUITE_P(
     Lines, WrongUseTest,
     ::testing::Values(
-        WrongUseCase{"dorn",
-                     "dorn: 'dorn' needs a noun: alarm, board, completion, image, log, msg, post, rad, raml, "
-                     "redundancy, rpram, service, snapshot, srio, tag\nTry 'dorn --help'\n"},
+        WrongUseCase{"dorn", "dorn: 'dorn' needs a noun: alarm, board, completion, image, log, msg, post, rad, raml, "
+                             "redundancy, rpram, service, snapshot, srio, tag\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn foo",
                      "dorn: unknown noun 'foo'; there are alarm, board, completion, image, log, msg, post, rad, raml, "
                      "redundancy, rpram, service, snapshot, srio, tag\nTry 'dorn --help'\n"},
@@ -235,7 +234,7 @@ TEST_F(ProgramTest, EveryVerbHasAnExampleThatIsUnderstood)
         const std::string example = footer.substr(footer.find("  ") + 2);
         EXPECT_THAT(example, HasSubstr(line));
         if (example.starts_with("dorn ")) {
-            const testkit::TestNode empty; // where a watch ends at once
+            const testkit::TestNode empty;                                      // where a watch ends at once
             const std::string command = example.substr(0, example.find(" > ")); // the rest is the shell's business
             EXPECT_NE(run(command), Outcome::WrongUse) << example << "\n" << m_console.remarks();
         }

@@ -77,8 +77,7 @@ TEST_F(RadDirectoryTest, NameInOtherLettersIsProposed)
 
 TEST_F(RadDirectoryTest, UnknownDomainIsAFailure)
 {
-    EXPECT_EQ(failureOf("HWB/FIRM"),
-              "no R&D domain 'HWB' on this node; there are HWA (2), HWAState (34), Other (40)");
+    EXPECT_EQ(failureOf("HWB/FIRM"), "no R&D domain 'HWB' on this node; there are HWA (2), HWAState (34), Other (40)");
     EXPECT_THAT([this] { m_directory.findDomain("3"); },
                 ThrowsMessage<Failure>("no R&D domain '3' on this node; there are HWA (2), HWAState (34), Other (40)"));
 }

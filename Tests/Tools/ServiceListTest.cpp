@@ -91,8 +91,7 @@ TEST(ServiceListTest, CpidThatWasNotGrantedIsNotShown)
 
 TEST(ServiceListTest, StateIsTheFirstParameterOfItsDomain)
 {
-    const host::EeInfo info =
-        service(true, {{0x20047, 1, newYear}, {0x220002, 2, newYear}, {0x220003, 5, newYear}});
+    const host::EeInfo info = service(true, {{0x20047, 1, newYear}, {0x220002, 2, newYear}, {0x220003, 5, newYear}});
 
     EXPECT_EQ(shownState(info), "2 waiting");
 }

@@ -52,13 +52,13 @@ TEST(TagTextTest, ControlCharactersAreNoText)
 TEST(TagTextTest, BytesThatAreNoUtf8AreNoText)
 {
     const std::vector<Bytes> wrong{
-        bytes({'a', 0x80, 'b'}),             // a follower alone
-        bytes({'a', 'b', 0xC3}),             // cut off
-        bytes({0xC3, 'a', 'b'}),             // no follower
-        bytes({0xC0, 0xAF, 'a'}),            // longer than needed
-        bytes({0xE0, 0x80, 0xAF}),           // longer than needed
+        bytes({'a', 0x80, 'b'}),              // a follower alone
+        bytes({'a', 'b', 0xC3}),              // cut off
+        bytes({0xC3, 'a', 'b'}),              // no follower
+        bytes({0xC0, 0xAF, 'a'}),             // longer than needed
+        bytes({0xE0, 0x80, 0xAF}),            // longer than needed
         bytes({0xF0, 0x80, 0x80, 0xAF, 'a'}), // longer than needed
-        bytes({0xED, 0xA0, 0x80}),           // a surrogate
+        bytes({0xED, 0xA0, 0x80}),            // a surrogate
         bytes({0xF4, 0x90, 0x80, 0x80, 'a'}), // beyond Unicode
         bytes({0xF5, 0x80, 0x80, 0x80, 'a'}), // beyond Unicode
         bytes({0xFF, 'a', 'b'}),

@@ -87,9 +87,9 @@ TEST_F(WatchTest, LimitsThatMakeNoSenseAreNamed)
 {
     EXPECT_THAT([this] { WatchProgress({.count = "few", .timeout = ""}, m_console); },
                 ThrowsMessage<UsageError>("--count: 'few' is not a number (decimal, or hexadecimal behind 0x)"));
-    EXPECT_THAT([this] { WatchProgress({.count = "", .timeout = "soon"}, m_console); },
-                ThrowsMessage<UsageError>(
-                    "--timeout: 'soon' is not a number of seconds (0 to 1000000, decimals allowed)"));
+    EXPECT_THAT(
+        [this] { WatchProgress({.count = "", .timeout = "soon"}, m_console); },
+        ThrowsMessage<UsageError>("--timeout: 'soon' is not a number of seconds (0 to 1000000, decimals allowed)"));
 }
 
 class StopRequestTest : public ::testing::TestWithParam<int> {
