@@ -79,7 +79,7 @@ protected:
     DornCommandDocumentTest()
     {
         addNouns(m_program);
-        for (const char* const path : {DORN_COMMAND_DOCUMENT, DORN_RAML_DOCUMENT}) {
+        for (const char* const path : {DORN_COMMAND_DOCUMENT, DORN_RAML_DOCUMENT, DORN_OPERATORS_GUIDE}) {
             std::ifstream page(path);
             const std::string text{std::istreambuf_iterator<char>(page), {}};
             m_text += text;
