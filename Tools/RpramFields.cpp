@@ -96,7 +96,9 @@ std::vector<std::string> rpramHistory(const RpramField& field)
     while (file && AaFileReadLine(file.get(), buffer.data(), buffer.size()) > 0) {
         std::string part = buffer.data();
         const bool isEnd = part.ends_with('\n');
-        part.resize(part.size() - (isEnd ? 1 : 0));
+        if (isEnd) {
+            part.pop_back();
+        }
         if (isWithin) {
             lines.back() += part;
         } else {
