@@ -48,8 +48,7 @@ protected:
     ScriptedService m_service;
 };
 
-// ---------------------------------------------------------------------------------------------------------- one
-// message
+// --------------------------------------------------------------------------------------------------------- one message
 
 TEST_F(ServiceMainLoopTest, MessageGoesToItsDelegateAndIsDestroyed)
 {
@@ -124,8 +123,7 @@ TEST_F(ServiceMainLoopTest, TerminateAloneDoesNotCutTheWaitingShort)
     EXPECT_EQ(m_platform.liveMessages(), 0U);
 }
 
-// -----------------------------------------------------------------------------------------------------------
-// exceptions
+// ---------------------------------------------------------------------------------------------------------- exceptions
 
 TEST_F(ServiceMainLoopTest, StandardExceptionOfADelegateIsLoggedAndBecomesARuntimeException)
 {

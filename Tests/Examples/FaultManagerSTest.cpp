@@ -142,8 +142,7 @@ TEST_F(FaultManagerSTest, FullTablesAreListedWhole)
     EXPECT_EQ(alarms().size(), maxActiveAlarms + maxPastAlarms);
 }
 
-// ------------------------------------------------------------------------------------------------------------ bad
-// input
+// ----------------------------------------------------------------------------------------------------------- bad input
 
 TEST_F(FaultManagerSTest, FaultThatIsTooShortIsLoggedAndDropped)
 {
@@ -210,8 +209,7 @@ TEST_F(FaultManagerSTest, NoMemoryForAnAnswerIsLogged)
                                      "Error 0x20009 No memory to answer 0x0F010301"));
 }
 
-// ----------------------------------------------------------------------------------------------------------
-// subscribers
+// --------------------------------------------------------------------------------------------------------- subscribers
 
 TEST_F(FaultManagerSTest, SubscriberIsToldOfEveryChange)
 {

@@ -34,8 +34,7 @@ constexpr std::size_t aligned(std::size_t offset)
     return (offset + word - 1) / word * word;
 }
 
-// ---------------------------------------------------------------------------------------------------- virtual
-// functions
+// --------------------------------------------------------------------------------------------------- virtual functions
 
 template <class... Classes>
 constexpr bool haveVirtualDestructor = (std::has_virtual_destructor_v<Classes> && ...);
@@ -102,8 +101,7 @@ TEST(RamlLayoutTest, NothingButDestructorsIsVirtual)
                 Each(-1));
 }
 
-// --------------------------------------------------------------------------------------------------------------
-// members
+// ------------------------------------------------------------------------------------------------------------- members
 
 TEST(RamlLayoutTest, MembersOfDocumentAndHeader)
 {

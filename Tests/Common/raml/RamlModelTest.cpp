@@ -37,8 +37,7 @@ RAML_ManagedObjectType::pointer managedObject(const std::string& distName)
     return mo;
 }
 
-// --------------------------------------------------------------------------------------------------------------
-// objects
+// ------------------------------------------------------------------------------------------------------------- objects
 
 TEST_F(RamlModelTest, DocumentBeginsEmpty)
 {
@@ -264,8 +263,7 @@ TEST_F(RamlModelTest, PlanAndScopeAreToldByTheirTexts)
     EXPECT_EQ(cmData->toString(static_cast<RAML_ScopeType>(-1)), "");
 }
 
-// -----------------------------------------------------------------------------------------------------------
-// parameters
+// ---------------------------------------------------------------------------------------------------------- parameters
 
 TEST_F(RamlModelTest, ParameterHasNameAndValue)
 {
@@ -383,8 +381,7 @@ TEST_F(RamlModelTest, RecordsAreCopiedAndMoved)
     EXPECT_EQ(copy.text + copy.appVersion, "text7");
 }
 
-// --------------------------------------------------------------------------------------------------------------
-// lookups
+// ------------------------------------------------------------------------------------------------------------- lookups
 
 TEST_F(RamlModelTest, ManagedObjectIsFoundByItsWholeName)
 {

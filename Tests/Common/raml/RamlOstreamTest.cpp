@@ -181,8 +181,7 @@ TEST_F(RamlOstreamTest, HeaderHasItsLogsOnLinesOfTheirOwn)
                                "    </header>\n");
 }
 
-// ------------------------------------------------------------------------------------------------------ managed
-// objects
+// ----------------------------------------------------------------------------------------------------- managed objects
 
 TEST_F(RamlOstreamTest, ObjectIsWrittenWithItsOperation)
 {
@@ -332,8 +331,7 @@ TEST_F(RamlOstreamTest, ListWithoutNameIsNotLogged)
     EXPECT_THAT(m_log.texts(), testing::Not(testing::Contains(testing::HasSubstr("ListName"))));
 }
 
-// --------------------------------------------------------------------------------------------------------------
-// escaping
+// ------------------------------------------------------------------------------------------------------------ escaping
 
 TEST_F(RamlOstreamTest, OneCharacterAtMostIsEscaped)
 {
@@ -358,8 +356,7 @@ TEST_F(RamlOstreamTest, OneCharacterAtMostIsEscaped)
     EXPECT_EQ(handleXmlCharacters(std::string("a\0&", 3)), std::string("a\0&amp;", 7));
 }
 
-// ---------------------------------------------------------------------------------------------------------------
-// stream
+// -------------------------------------------------------------------------------------------------------------- stream
 
 /// A stream's end that remembers what had come at each flush.
 class FlushRecorder : public std::stringbuf {

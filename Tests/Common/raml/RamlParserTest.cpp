@@ -52,8 +52,7 @@ protected:
     ParserTree m_tree;
 };
 
-// ---------------------------------------------------------------------------------------------------------------
-// parser
+// -------------------------------------------------------------------------------------------------------------- parser
 
 TEST_F(RamlParserTest, ParserSaysWhenItBeginsAndEnds)
 {
@@ -134,8 +133,7 @@ TEST_F(RamlParserTest, OtherTopElementIsReported)
                             debugLine("RamlParser::parseRaml: End Parsing Raml document")));
 }
 
-// ----------------------------------------------------------------------------------------------------------- all
-// fields
+// ---------------------------------------------------------------------------------------------------------- all fields
 
 TEST_F(RamlParserTest, EveryAttributeOfABlockIsStored)
 {
@@ -227,8 +225,7 @@ TEST_F(RamlParserTest, PlaceForManagedObjectsIsTakenBeforehand)
     EXPECT_GE(document->cmDataList.at(0)->managedObjects.capacity(), 37U);
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// trace
+// --------------------------------------------------------------------------------------------------------------- trace
 
 const std::string sibling = "RamlParser::getNextSiblingNode";
 
@@ -443,8 +440,7 @@ TEST_F(RamlParserTest, TextsWithPercentSignsAreLoggedAsTheyAre)
     EXPECT_EQ(m_log.count(debugLine("--p: '%s%n'    '%d'")), 1U);
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// nodes
+// --------------------------------------------------------------------------------------------------------------- nodes
 
 TEST_F(RamlParserTest, AttributeIsLookedUpByItsWholeName)
 {

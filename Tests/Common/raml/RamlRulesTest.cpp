@@ -84,8 +84,7 @@ std::string wrongOperation(const std::string& operation)
 const std::string raml = "raml(2.1,ns)";
 const std::string block = raml + " cmData(actual,all)";
 
-// -------------------------------------------------------------------------------------------------------------
-// document
+// ------------------------------------------------------------------------------------------------------------ document
 
 const std::string noVersion = violation + "missing required attribute 'version' in element [ raml ].";
 const std::string noXmlns = violation + "missing required attribute 'xmlns' in element [raml].";
@@ -182,8 +181,7 @@ INSTANTIATE_TEST_SUITE_P(
              block + " A:A-1() cmData(actual,all)"}),
     nameOf);
 
-// ----------------------------------------------------------------------------------------------------------------
-// block
+// --------------------------------------------------------------------------------------------------------------- block
 
 const std::string noType = violation + "missing required attribute 'type' in element [cmData].";
 const std::string wrongType = violation + "Missing or invalid value for attribute 'type' in element [cmData]";
@@ -264,8 +262,7 @@ INSTANTIATE_TEST_SUITE_P(
              block + " A:A-1()"}),
     nameOf);
 
-// ---------------------------------------------------------------------------------------------------------------
-// header
+// -------------------------------------------------------------------------------------------------------------- header
 
 const std::string log1 = "<log dateTime='t' action='a'/>";
 const std::string badLog = violation + "missing required attribute 'dateTime' and/or 'action' in element [log].";
@@ -426,8 +423,7 @@ INSTANTIATE_TEST_SUITE_P(
              block}),
     nameOf);
 
-// ----------------------------------------------------------------------------------------------------------------
-// lists
+// --------------------------------------------------------------------------------------------------------------- lists
 
 const std::string noListName = violation + "missing required attribute 'name' in element [list]";
 

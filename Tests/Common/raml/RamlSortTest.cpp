@@ -82,8 +82,7 @@ protected:
     RAML_CMDataType::pointer m_cmData = RAML_CMDataType::create();
 };
 
-// -----------------------------------------------------------------------------------------------------------
-// predicates
+// ---------------------------------------------------------------------------------------------------------- predicates
 
 TEST_F(RamlSortTest, ClassesOfTheMapAreValid)
 {
@@ -135,8 +134,7 @@ TEST_F(RamlSortTest, EmptyPointerComesLast)
     EXPECT_THAT(m_log.texts(), ElementsAre(emptyFirst, emptySecond, emptyFirst, emptySecond, emptyFirst));
 }
 
-// -----------------------------------------------------------------------------------------------------------------
-// sort
+// ---------------------------------------------------------------------------------------------------------------- sort
 
 TEST_F(RamlSortTest, ValidObjectsAreOrderedByRank)
 {
