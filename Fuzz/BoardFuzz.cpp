@@ -2,6 +2,7 @@
 /// @file BoardFuzz.cpp
 /// Any bytes as a board's description: it is read without harm, and every query gives an answer that has its form or a
 /// failure that names itself.
+#include "Require.hpp"
 #include "description/DescribedBoard.hpp"
 #include "description/TreeBlob.hpp"
 #include "device/BootLoader.hpp"
@@ -11,7 +12,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <span>
 #include <string>
@@ -20,13 +20,7 @@
 namespace {
 
 using namespace dorn::board;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
+using dorn::fuzz::require;
 
 bool isLine(const std::string& text)
 {

@@ -1,24 +1,18 @@
 // SPDX-License-Identifier: MIT
 /// @file ConfigFileFuzz.cpp
 /// Any bytes as a configuration file: they are read without harm, and what is read keeps the limits of a tag.
+#include "Require.hpp"
 #include "config/TagFile.hpp"
 #include "config/TagLimits.hpp"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 namespace {
 
+using dorn::fuzz::require;
 using dorn::host::TagFileContent;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 } // namespace
 

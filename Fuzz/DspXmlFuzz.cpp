@@ -2,6 +2,7 @@
 /// @file DspXmlFuzz.cpp
 /// Any bytes as a DSP parameter file: it is read without harm, and each field holds what a number of 32 bits can be.
 #include "FuzzBoard.hpp"
+#include "Require.hpp"
 #include "dsp.h"
 
 #include <cstddef>

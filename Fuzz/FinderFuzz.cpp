@@ -6,6 +6,7 @@
 /// The input is a byte that says how much room there is and whether the board is given, and texts that end with '/' or
 /// NUL, which stand in no name: the board's text, the chip identifier, and the names.
 #include "FuzzBoard.hpp"
+#include "Require.hpp"
 #include "ddal_devicetree.h"
 #include "ddal_error.h"
 #include "firmware.h"

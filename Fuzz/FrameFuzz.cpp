@@ -5,6 +5,7 @@
 /// The first byte of an input says how the frame arrives (bit 0: the kernel has cut it, bit 1: its process has hung
 /// up); the frame is what follows.
 #include "AaSysCom.h"
+#include "Require.hpp"
 #include "eu/Eu.hpp"
 #include "syscom/FrameInlet.hpp"
 #include "syscom/Message.hpp"
@@ -21,17 +22,11 @@
 
 namespace {
 
+using dorn::fuzz::require;
 using dorn::host::FrameHeader;
 
 constexpr TAaSysComCpid receiver = 0x0300;
 constexpr TAaSysComCpid ownCpid = 0x0042;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// A node of this program's own: the receiving EU, and a cpid that no other process may send as.
 class FuzzNode {

@@ -3,6 +3,8 @@
 /// A board root of a fuzz target's own.
 #pragma once
 
+#include "Require.hpp"
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -11,14 +13,6 @@
 #include <system_error>
 
 namespace dorn::fuzz {
-
-/// Ends the program, as a finding, when something does not hold.
-inline void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// Points the environment at directories of its own, without log; they are gone at its end.
 class FuzzBoard {

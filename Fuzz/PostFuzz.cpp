@@ -5,6 +5,7 @@
 #include "AaMem.h"
 #include "FuzzBoard.hpp"
 #include "PostFile.h"
+#include "Require.hpp"
 
 #include <algorithm>
 #include <array>
@@ -21,7 +22,9 @@ using dorn::fuzz::require;
 
 constexpr const char* path = "/post.txt";
 constexpr std::uint32_t ones = 0xFFFFFFFF;
-constexpr std::size_t recordWords = 4 + 2 * POST_FILE_PAIRS_MAX;
+constexpr std::size_t mcuTests = sizeof(SMcuPostResult) / sizeof(EPostState);
+constexpr std::size_t pairsBegin = 4; // words of a record; the one before is the number of pairs
+constexpr std::size_t recordWords = pairsBegin + 2 * POST_FILE_PAIRS_MAX;
 using Words = std::array<std::uint32_t, recordWords>;
 
 void release(void* block)
@@ -68,7 +71,7 @@ void checkMcu(const FuzzBoard& board, const std::string& text)
     const std::vector<SMcuPostResult> after = queryMcu();
     require(after.size() == 2 && std::memcmp(&after[0], &result, sizeof result) == 0);
     SMcuPostResult older{};
-    std::fill_n(&older.PostRam, 14, POST_FILE_MCU_MARKER);
+    std::fill_n(&older.PostRam, mcuTests, POST_FILE_MCU_MARKER);
     if (!before.empty()) {
         older = before[0];
     }
@@ -83,8 +86,8 @@ void checkPairs(const FuzzBoard& board, const std::string& text,
     const std::vector<Words> before = queryPairs(query);
     require(before.size() <= 2);
     for (const Words& words : before) {
-        const std::size_t pairs = std::min<std::size_t>(words[3], POST_FILE_PAIRS_READ_MAX);
-        const auto* const behind = words.data() + 4 + 2 * pairs;
+        const std::size_t pairs = std::min<std::size_t>(words[pairsBegin - 1], POST_FILE_PAIRS_READ_MAX);
+        const auto* const behind = words.data() + pairsBegin + 2 * pairs;
         require(std::all_of(behind, words.data() + words.size(), [](std::uint32_t word) { return word == ones; }));
     }
     const std::array<std::uint32_t, 6> result{7, 8, 9, 1, 11, 12};
@@ -92,7 +95,7 @@ void checkPairs(const FuzzBoard& board, const std::string& text,
     require(lineCount(board.read(path)) == (before.empty() ? 1 : 2));
     const std::vector<Words> after = queryPairs(query);
     require(after.size() == (before.empty() ? 1 : 2));
-    require(after[0][3] == 1 && after[0][4] == 11 && after[0][5] == 12);
+    require(after[0][pairsBegin - 1] == 1 && after[0][pairsBegin] == 11 && after[0][pairsBegin + 1] == 12);
     require(before.empty() || after[1] == before[0]);
 }
 

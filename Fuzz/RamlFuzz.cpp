@@ -3,6 +3,7 @@
 /// Any bytes as a RAML document: a parser gives a result and a sound model, the same one again when it is used again,
 /// and what is read without an error reads back when it has been written, unless the writer is known not to keep it.
 #include "RamlModelText.hpp"
+#include "Require.hpp"
 #include "raml/RAML_ostream.hpp"
 #include "raml/RamlParser.hpp"
 
@@ -16,14 +17,8 @@ namespace {
 
 using dorn::fuzz::ModelFields;
 using dorn::fuzz::modelText;
+using dorn::fuzz::require;
 using namespace RAML;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// Whatever the parser says is not printed.
 void silence()

@@ -1,26 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "RamlModelText.hpp"
 
+#include "Require.hpp"
 #include "raml/dataclasses/RAML_ItemType.hpp"
 #include "raml/dataclasses/RAML_ListParameterType.hpp"
 #include "raml/dataclasses/RAML_ListType.hpp"
 #include "raml/dataclasses/RAML_ParameterType.hpp"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string_view>
 
 namespace dorn::fuzz {
 namespace {
 
 using namespace RAML;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// Calls what it is given for each text and number of a model, so that each walk over one is written once.
 template <class Visitor>

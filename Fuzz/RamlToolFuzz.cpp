@@ -12,6 +12,7 @@
 #include "RamlStats.hpp"
 #include "RamlTree.hpp"
 #include "RamlWriting.hpp"
+#include "Require.hpp"
 #include "SourceLines.hpp"
 
 #include <algorithm>
@@ -25,13 +26,7 @@
 namespace {
 
 using namespace dorn::tool;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
+using dorn::fuzz::require;
 
 /// Nothing that is shown says anything to a terminal.
 void requireHarmless(const std::string& text)

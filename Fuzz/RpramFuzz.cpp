@@ -3,6 +3,7 @@
 /// Any bytes as the file of a reset-persistent field: it is read without harm, and a write in front of it keeps what it
 /// has to keep.
 #include "FuzzBoard.hpp"
+#include "Require.hpp"
 #include "RpramShared.h"
 
 #include <array>

@@ -2,29 +2,23 @@
 /// @file XmlFuzz.cpp
 /// Any bytes as an XML document: there is a tree or a fault, the tree is as its users expect it, and the fault lies in
 /// the text.
+#include "Require.hpp"
 #include "xml/XmlDocument.hpp"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
 
 namespace {
 
+using dorn::fuzz::require;
 using dorn::host::parseXml;
 using dorn::host::XmlDocument;
 using dorn::host::XmlExtent;
 using dorn::host::XmlFaultPolicy;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// What a text can have at most of what a tree shows.
 struct Limits {
