@@ -47,6 +47,20 @@ std::size_t elementsIn(const AaGpuXmlNode& node)
     return count;
 }
 
+/// A required attribute of a node; null, which is reported, when it is missing.
+const char* requireAttribute(const AaGpuXmlNode& node, NodeAttributes& attributes, const char* name,
+                             RAML_ParsingResult& result)
+{
+    const char* const value = attributes.find(name);
+    if (!value) {
+        result = RAML_SYNTAX_ERROR;
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
+                       "Validation constraint violation: missing required attribute '%s' in element [%s].", name,
+                       node.AaGpuXmlGetName());
+    }
+    return value;
+}
+
 } // namespace
 
 RamlParser::RamlParser()
@@ -133,13 +147,7 @@ void RamlParser::in_raml(AaGpuXmlNode* node, RAML_Type& document, RAML_ParsingRe
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
                        "Validation constraint violation: RAML version mismatch.");
     }
-    const char* const xmlns = attributes.find("xmlns");
-    if (!xmlns) {
-        result = RAML_SYNTAX_ERROR;
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
-                       "Validation constraint violation: missing required attribute 'xmlns' in element [%s].",
-                       node->AaGpuXmlGetName());
-    }
+    const char* const xmlns = requireAttribute(*node, attributes, "xmlns", result);
     if (result != RAML_OK) {
         return;
     }
@@ -204,12 +212,8 @@ void RamlParser::in_cmDataAttributesOnly(AaGpuXmlNode* node, const RAML_CMDataTy
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::in_cmDataAttributesOnly");
     NodeAttributes attributes(node);
-    const char* const type = attributes.find("type");
+    const char* const type = requireAttribute(*node, attributes, "type", result);
     if (!type) {
-        result = RAML_SYNTAX_ERROR;
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
-                       "Validation constraint violation: missing required attribute 'type' in element [%s].",
-                       node->AaGpuXmlGetName());
         return;
     }
     const RAML_PlanType plan = getPlanType(type);
@@ -315,20 +319,9 @@ void RamlParser::in_mo(AaGpuXmlNode* node, const RAML_ManagedObjectType::pointer
 bool RamlParser::readMoAttributes(AaGpuXmlNode* node, RAML_ManagedObjectType& mo, RAML_ParsingResult& result)
 {
     NodeAttributes attributes(node);
-    const char* const className = attributes.find("class");
-    if (!className) {
-        result = RAML_SYNTAX_ERROR;
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
-                       "Validation constraint violation: missing required attribute 'class' in element [%s].",
-                       node->AaGpuXmlGetName());
-        return false;
-    }
-    const char* const distName = attributes.find("distName");
+    const char* const className = requireAttribute(*node, attributes, "class", result);
+    const char* const distName = className ? requireAttribute(*node, attributes, "distName", result) : nullptr;
     if (!distName) {
-        result = RAML_SYNTAX_ERROR;
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_RAML,
-                       "Validation constraint violation: missing required attribute 'distName' in element [%s].",
-                       node->AaGpuXmlGetName());
         return false;
     }
     mo.setClassName(className);
