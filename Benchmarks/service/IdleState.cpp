@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "service/IdleState.hpp"
 
+#include "ServiceState.hpp"
 #include "port/Clock.hpp"
 
 #include <algorithm>
@@ -17,7 +18,8 @@ bool IdleState::waitUntilReady()
             return false;
         }
         if (std::any_of(changes.begin(), changes.end(), [](const host::RadParameter& parameter) {
-                return parameter.id == ERadHwapiState_HwCtrlSState && parameter.value == 2;
+                return parameter.id == ERadHwapiState_HwCtrlSState &&
+                       parameter.value == vel::hwapi::common::EServiceState_Waiting;
             })) {
             return true;
         }

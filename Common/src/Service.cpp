@@ -2,6 +2,7 @@
 #include "Service.hpp"
 
 #include "AaConfigRad.h"
+#include "ServiceState.hpp"
 #include "hwapiMsgQueue.h"
 
 #include <atomic>
@@ -28,7 +29,7 @@ Service::Service(std::string name, unsigned short id, ERadHwapi radId, ERadHwapi
 
 Service::~Service()
 {
-    Service::SetServiceStateRad(4);
+    Service::SetServiceStateRad(EServiceState_Ended);
     while (!m_delegates.empty()) {
         delete m_delegates.extract(m_delegates.begin()).mapped();
     }
@@ -46,7 +47,7 @@ Service::~Service()
 
 void Service::SetServiceStateRad(unsigned int state)
 {
-    if ((m_useCommonServiceState != 0 && state <= 5) || state >= 7) {
+    if ((m_useCommonServiceState != 0 && state <= EServiceState_Failed) || state >= EServiceState_FirstOwn) {
         AaConfigRadSetValue(m_uRadStateId, state);
     }
 }

@@ -4,6 +4,7 @@
 #include "AaConfigRad.h"
 #include "AaStartup.h"
 #include "AaSysLog.h"
+#include "ServiceState.hpp"
 #include "hwapiMsgQueue.h"
 #include "init/ApiStartup.h"
 
@@ -104,7 +105,7 @@ unsigned int Service::Startup(int argc, char** argv)
     if (m_verbose == 1) {
         AaConfigRadSetValue(m_radId, m_verbose);
     }
-    SetServiceStateRad(1);
+    SetServiceStateRad(EServiceState_Starting);
     return runMainEu();
 }
 
@@ -145,14 +146,14 @@ void* Service::ServiceMainEu(void* args)
     Service* const service = Get();
     mainEuId.store(AaProEuCurrent());
     try {
-        service->SetServiceStateRad(1);
+        service->SetServiceStateRad(EServiceState_Starting);
         service->InitEu();
         do {
-            service->SetServiceStateRad(2);
+            service->SetServiceStateRad(EServiceState_Waiting);
             wakeUpIfEndRequested();
         } while (service->Run() != 0);
         *exitCode = 1;
-        service->SetServiceStateRad(4);
+        service->SetServiceStateRad(EServiceState_Ended);
         return nullptr;
     } catch (const InitFailedException& reason) {
         logEnd(service->m_radId, reason);
@@ -166,7 +167,7 @@ void* Service::ServiceMainEu(void* args)
                        __LINE__);
     }
     *exitCode = 0;
-    service->SetServiceStateRad(5);
+    service->SetServiceStateRad(EServiceState_Failed);
     return nullptr;
 }
 
@@ -213,7 +214,7 @@ void Service::dispatch(void* message)
                        AaSysComMsgGetReceiver(message), AaSysComMsgGetSender(message));
         return;
     }
-    SetServiceStateRad(3);
+    SetServiceStateRad(EServiceState_Handling);
     found->second->HandleMsg(message);
 }
 
