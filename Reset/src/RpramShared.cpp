@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <climits>
 #include <cstddef>
 #include <cstdio>
 #include <exception>
@@ -31,7 +32,7 @@ constexpr std::size_t longestText = RPRAM_TEXT_SIZE - 1;
 /// Where a path of the target is opened; a path that cannot be opened when there is no place for it.
 std::string placeOf(const std::string& path)
 {
-    std::array<char, 4096> place{};
+    std::array<char, PATH_MAX> place{};
     return AaFileGetBoardPath(path.c_str(), place.data(), place.size()) == 0 ? place.data() : "";
 }
 

@@ -20,6 +20,8 @@ using namespace vel::hwapi::adet;
 
 namespace {
 
+constexpr std::uint32_t localUnit = 0;
+
 using NodeMap = std::uint32_t (*)(TAaSysComSicad);
 
 std::uint8_t lookUp(NodeMap nodeMap, TAaSysComNid nid)
@@ -45,7 +47,8 @@ std::optional<TAaSysComNid> nodeId(const char* caller)
 bool isOwnNodeIdUnit(const char* caller)
 {
     char id[8] = {};
-    if (!checkDriver(caller, "ddal_devicetree_get_unit_id", ddal_devicetree_get_unit_id(0, sizeof id - 1, id))) {
+    if (!checkDriver(caller, "ddal_devicetree_get_unit_id",
+                     ddal_devicetree_get_unit_id(localUnit, sizeof id - 1, id))) {
         return false;
     }
     return std::ranges::find(OwnNodeIdUnitList, textIn(id, sizeof id)) != std::end(OwnNodeIdUnitList);

@@ -11,6 +11,7 @@ namespace {
 
 using namespace vel::hwapi::swdl;
 
+constexpr const char* function = "DumpDataToFile";
 constexpr const char* dumpDirectory = "/ram/dsp_parameters";
 
 /// Data that are to be dumped.
@@ -37,8 +38,8 @@ bool provideDirectory(const Dump& dump)
     const std::int32_t result = AaFileCreateDir(dumpDirectory);
     if (result != 0) {
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_SWDL,
-                       "%s: [0x%X] Could not create %s directory. Error %d", "DumpDataToFile", dump.srioId,
-                       dumpDirectory, result);
+                       "%s: [0x%X] Could not create %s directory. Error %d", function, dump.srioId, dumpDirectory,
+                       result);
     }
     return result == 0;
 }
@@ -48,16 +49,16 @@ bool writeFile(const Dump& dump)
     const OwnedFile file(AaFileOpen(dump.fileName, "w"));
     if (!file) {
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_SWDL, "%s: [0x%X] Could not open %s for writing",
-                       "DumpDataToFile", dump.srioId, dump.fileName);
+                       function, dump.srioId, dump.fileName);
         return false;
     }
     const std::int32_t written = AaFileWrite(file.get(), dump.data, dump.size);
     if (written < 0 || static_cast<std::uint32_t>(written) != dump.size) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_SWDL, "%s: [0x%X] Failed to write data to %s",
-                       "DumpDataToFile", dump.srioId, dump.fileName);
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_SWDL, "%s: [0x%X] Failed to write data to %s", function,
+                       dump.srioId, dump.fileName);
         return false;
     }
-    AaSysLogPrintE(EAaSysLogSeverityLevel_Info, ERadHwapi_SWDL, "%s: [0x%X] %s data dumped to %s", "DumpDataToFile",
+    AaSysLogPrintE(EAaSysLogSeverityLevel_Info, ERadHwapi_SWDL, "%s: [0x%X] %s data dumped to %s", function,
                    dump.srioId, dump.prefix, dump.fileName);
     return true;
 }
@@ -69,13 +70,13 @@ int32_t DumpDataToFile(const void* params, uint32_t size, uint16_t srioId, const
 {
     const Dump dump{params, size, srioId, filenameprefix, outfilename};
     if (!outfilename) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_SWDL, "%s: [0x%X] Invalid pointer to filename", __func__,
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_SWDL, "%s: [0x%X] Invalid pointer to filename", function,
                        dump.srioId);
         return 0;
     }
     if (!nameFile(dump, outfilename)) {
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, ERadHwapi_SWDL, "%s: [0x%X] File name cannot be constructed",
-                       __func__, dump.srioId);
+                       function, dump.srioId);
         return 0;
     }
     return provideDirectory(dump) && writeFile(dump) ? 1 : 0;
