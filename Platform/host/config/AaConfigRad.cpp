@@ -2,8 +2,8 @@
 #include "AaConfigRad.h"
 
 #include "AaSysLog.h"
-#include "config/NoCancel.hpp"
 #include "config/RadStore.hpp"
+#include "log/CancellationOff.hpp"
 #include "node/EeTable.hpp"
 
 #include <cstring>
@@ -11,8 +11,8 @@
 
 namespace {
 
+using dorn::host::CancellationOff;
 using dorn::host::EeTable;
-using dorn::host::NoCancel;
 using dorn::host::PerNode;
 using dorn::host::RadDeclaration;
 using dorn::host::RadDomain;
@@ -45,7 +45,7 @@ bool fits(const char* text, std::size_t sizeWithTerminator)
 
 int32_t registerDeclared(const RadDeclaration& declaration)
 {
-    const NoCancel untilDone;
+    const CancellationOff untilDone;
     try {
         const std::string difference = PerNode<RadStore>::get().registerDomain(declaration);
         if (difference.empty()) {

@@ -3,9 +3,9 @@
 
 #include "AaMem.h"
 #include "AaSysLog.h"
-#include "config/NoCancel.hpp"
 #include "config/TagFile.hpp"
 #include "config/TagStore.hpp"
+#include "log/CancellationOff.hpp"
 #include "port/StandardStreams.hpp"
 
 #include <algorithm>
@@ -18,9 +18,9 @@
 
 namespace {
 
+using dorn::host::CancellationOff;
 using dorn::host::maximumTagName;
 using dorn::host::maximumTagValue;
-using dorn::host::NoCancel;
 using dorn::host::PerNode;
 using dorn::host::TagStore;
 using dorn::host::TagView;
@@ -51,7 +51,7 @@ void* copyOf(TagView value)
 /// Opening must not be left half done; what follows looks after itself.
 TagStore& openStore()
 {
-    const NoCancel untilDone;
+    const CancellationOff untilDone;
     return PerNode<TagStore>::get();
 }
 

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "config/RadDomain.hpp"
 
+#include "node/FixedText.hpp"
 #include "port/FilePort.hpp"
 
-#include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -18,13 +17,6 @@ std::size_t wholePages(std::size_t size)
 {
     const auto pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     return (size + pageSize - 1) / pageSize * pageSize;
-}
-
-template <std::size_t Size>
-void copyText(std::array<char, Size>& to, const std::string& from)
-{
-    to.fill('\0');
-    std::copy_n(from.begin(), std::min(from.size(), Size - 1), to.begin());
 }
 
 /// A number as operators see it.
@@ -145,7 +137,7 @@ std::string RadDomain::differenceTo(const RadDeclaration& declaration) const
 
 std::string RadDomain::name() const
 {
-    return {header().name.data(), strnlen(header().name.data(), header().name.size())};
+    return textOf(header().name);
 }
 
 bool RadDomain::mapValuesAt(void* address) const

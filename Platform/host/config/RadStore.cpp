@@ -22,6 +22,9 @@ struct RadStore::Control {
 
 namespace {
 
+constexpr std::uint32_t controlMagic = 0x444E5243; // "DNRC"
+constexpr std::uint32_t controlLayoutVersion = 1;
+
 std::size_t userLock(std::uint16_t number)
 {
     return std::size_t{0x10000} + number;
@@ -78,7 +81,7 @@ std::string listOf(const std::vector<TAaConfigRadId>& ids)
 
 RadStore::RadStore()
     : m_directory(directoryWithRad()),
-      m_control(m_directory, "rad/control", SharedStoreFormat{0x444E5243, 1, sizeof(Control)})
+      m_control(m_directory, "rad/control", SharedStoreFormat{controlMagic, controlLayoutVersion, sizeof(Control)})
 {
 }
 

@@ -10,9 +10,14 @@ struct TagControl::Content {
     SharedStoreHeader store;
     std::atomic<std::uint64_t> used; ///< slots in use lie before this one
     std::array<TagSlot, capacity> slots;
+
+    std::size_t usedCount() const { return static_cast<std::size_t>(std::min<std::uint64_t>(used.load(), capacity)); }
 };
 
 namespace {
+
+constexpr std::uint32_t magic = 0x444E5443; // "DNTC"
+constexpr std::uint32_t layoutVersion = 1;
 
 /// A slot that lies this far behind is looked at, each time it has fallen as far behind again: its process may be dead.
 constexpr std::uint64_t suspiciousLag = 64;
@@ -20,7 +25,7 @@ constexpr std::uint64_t suspiciousLag = 64;
 } // namespace
 
 TagControl::TagControl(const RunDirectory& directory)
-    : m_store(directory, "tags.control", SharedStoreFormat{0x444E5443, 1, sizeof(Content)})
+    : m_store(directory, "tags.control", SharedStoreFormat{magic, layoutVersion, sizeof(Content)})
 {
 }
 
@@ -63,8 +68,7 @@ std::optional<std::uint64_t> TagControl::oldestCursor(std::uint64_t sequence)
 {
     Content& all = content();
     std::optional<std::uint64_t> oldest;
-    const auto used = std::min<std::size_t>(static_cast<std::size_t>(all.used.load()), capacity);
-    for (std::size_t index = 0; index < used; ++index) {
+    for (std::size_t index = 0, end = all.usedCount(); index < end; ++index) {
         const TagSlot& slot = all.slots[index];
         if (slot.isActive.load(std::memory_order_acquire) == 0) {
             continue;
@@ -82,8 +86,7 @@ std::optional<std::uint64_t> TagControl::oldestCursor(std::uint64_t sequence)
 void TagControl::forgetDead()
 {
     Content& all = content();
-    const auto used = std::min<std::size_t>(static_cast<std::size_t>(all.used.load()), capacity);
-    for (std::size_t index = 0; index < used; ++index) {
+    for (std::size_t index = 0, end = all.usedCount(); index < end; ++index) {
         if (all.slots[index].isActive.load(std::memory_order_acquire) != 0) {
             forgetIfDead(index);
         }
@@ -93,8 +96,7 @@ void TagControl::forgetDead()
 void TagControl::notifyAll() const
 {
     Content& all = content();
-    const auto used = std::min<std::size_t>(static_cast<std::size_t>(all.used.load()), capacity);
-    for (std::size_t index = 0; index < used; ++index) {
+    for (std::size_t index = 0, end = all.usedCount(); index < end; ++index) {
         if (all.slots[index].isActive.load(std::memory_order_acquire) != 0) {
             all.slots[index].signal.notify();
         }

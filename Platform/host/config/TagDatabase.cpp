@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <lmdb.h>
 #include <optional>
+#include <string_view>
 #include <unistd.h>
 #include <utility>
 
@@ -26,6 +27,8 @@ constexpr off_t lockFileBytes = 65'536;
 constexpr std::size_t journalPartEntries = 64;  ///< copied at a time
 constexpr std::size_t journalPartVisits = 4096; ///< looked at at a time
 constexpr std::size_t trimStep = 32;            ///< entries that one set removes, as long as the bounds are kept
+
+constexpr std::string_view sequenceName = "sequence"; ///< of the next set's number in the table "state"
 
 /// A sequence number as a key: in the order of the numbers.
 using SequenceKey = std::array<unsigned char, 8>;
@@ -55,7 +58,7 @@ MDB_val toValue(const void* data, std::size_t size)
     return {size, const_cast<void*>(data)};
 }
 
-MDB_val toValue(const std::string& text)
+MDB_val toValue(std::string_view text)
 {
     return toValue(text.data(), text.size());
 }
@@ -235,7 +238,7 @@ public:
     MDB_txn* get() const { return m_transaction; }
 
 private:
-    NoCancel m_untilDone;
+    CancellationOff m_untilDone;
     MDB_txn* m_transaction = nullptr;
 };
 
@@ -294,7 +297,7 @@ TagJournalPart TagDatabase::readJournal(std::uint64_t from,
 TagWrite::TagWrite(TagDatabase& database) : m_database(database)
 {
     require(mdb_txn_begin(database.m_environment.get(), nullptr, 0, &m_transaction));
-    MDB_val key = toValue("sequence", 8);
+    MDB_val key = toValue(sequenceName);
     MDB_val value{};
     const int result = mdb_get(m_transaction, database.m_state, &key, &value);
     if (result != MDB_SUCCESS && result != MDB_NOTFOUND) {
@@ -329,7 +332,7 @@ void TagWrite::appendToJournal(const std::string& name, TagView value)
     to = std::copy_n(reinterpret_cast<const std::byte*>(name.data()), name.size(), to);
     std::copy(value.begin(), value.end(), to);
     const SequenceKey next = toKey(++m_sequence);
-    MDB_val stateKey = toValue("sequence", 8);
+    MDB_val stateKey = toValue(sequenceName);
     MDB_val stateData = toValue(next.data(), next.size());
     require(mdb_put(m_transaction, m_database.m_state, &stateKey, &stateData, 0));
 }

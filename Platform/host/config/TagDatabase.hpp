@@ -3,7 +3,7 @@
 /// The tags of the node and the journal of their sets, in one LMDB environment that all processes of the node open.
 #pragma once
 
-#include "config/NoCancel.hpp"
+#include "log/CancellationOff.hpp"
 #include "node/RunDirectory.hpp"
 
 #include <cstddef>
@@ -111,7 +111,7 @@ public:
     void commit();
 
 private:
-    NoCancel m_untilDone;
+    CancellationOff m_untilDone;
     TagDatabase& m_database;
     MDB_txn* m_transaction = nullptr;
     std::uint64_t m_sequence = 0;

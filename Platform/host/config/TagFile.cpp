@@ -2,8 +2,8 @@
 #include "config/TagFile.hpp"
 
 #include "AaSysLog.h"
-#include "config/NoCancel.hpp"
 #include "config/TagStore.hpp"
+#include "log/CancellationOff.hpp"
 #include "node/BoardRoot.hpp"
 
 #include <algorithm>
@@ -80,7 +80,7 @@ bool setTag(const std::string& targetPath, const TagFileContent::Entry& entry)
 
 std::int32_t readTagFile(const std::string& targetPath)
 {
-    const NoCancel untilDone;
+    const CancellationOff untilDone;
     const std::optional<std::string> text = readFile(targetPath);
     if (!text) {
         const auto severity = errno == ENOENT ? EAaSysLogSeverityLevel_Debug : EAaSysLogSeverityLevel_Warning;

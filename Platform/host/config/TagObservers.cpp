@@ -13,6 +13,7 @@
 #include <vector>
 
 namespace dorn::host {
+
 bool isProcessTag(const std::string& name)
 {
     return name.starts_with("tessel.service.");

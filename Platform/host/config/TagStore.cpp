@@ -18,7 +18,7 @@ TagDatabase openAlone(const TagControl& control, const RunDirectory& directory)
         Lock& operator=(const Lock&) = delete;
         const TagControl& control;
     };
-    const NoCancel untilDone;
+    const CancellationOff untilDone;
     const Lock lock(control);
     return TagDatabase(directory);
 }

@@ -89,11 +89,11 @@ bool makeDirectories(const std::string& place)
 } // namespace
 } // namespace dorn::host
 
-using dorn::host::FilePort;
+using namespace dorn::host;
 
 int32_t AaFileGetBoardPath(const char* path, char* buffer, uint32_t bufferSize)
 {
-    const std::string place = dorn::host::placeOf(path);
+    const std::string place = placeOf(path);
     if (place.empty() || !buffer || place.size() >= bufferSize) {
         return 1;
     }
@@ -103,18 +103,17 @@ int32_t AaFileGetBoardPath(const char* path, char* buffer, uint32_t bufferSize)
 
 AaFile* AaFileOpen(const char* path, const char* mode)
 {
-    const int flags = dorn::host::openFlags(mode);
-    if (dorn::host::isError(flags)) {
+    const int flags = openFlags(mode);
+    if (isError(flags)) {
         return nullptr;
     }
-    using dorn::host::LastLink;
     const bool isLinkKept = (flags & (O_EXCL | O_NOFOLLOW)) != 0;
-    const std::string place = dorn::host::placeOf(path, isLinkKept ? LastLink::Kept : LastLink::Followed);
+    const std::string place = placeOf(path, isLinkKept ? LastLink::Kept : LastLink::Followed);
     if (place.empty()) {
         return nullptr;
     }
-    dorn::host::Descriptor descriptor(dorn::host::openWithoutWaiting(place.c_str(), flags));
-    if (dorn::host::isError(descriptor.get())) {
+    Descriptor descriptor(openWithoutWaiting(place.c_str(), flags));
+    if (isError(descriptor.get())) {
         return nullptr;
     }
     auto* const file = new (std::nothrow) AaFile(std::move(descriptor));
@@ -131,7 +130,7 @@ int32_t AaFileClose(AaFile* file)
     }
     const int error = file->close();
     delete file;
-    return dorn::host::isError(-error) ? 1 : 0;
+    return isError(-error) ? 1 : 0;
 }
 
 int32_t AaFileRead(AaFile* file, void* buffer, uint32_t size)
@@ -169,7 +168,7 @@ int32_t AaFileGetSize(AaFile* file)
         errno = EINVAL;
         return -1;
     }
-    return dorn::host::fitting(file->size());
+    return fitting(file->size());
 }
 
 int32_t AaFileSetPosition(AaFile* file, int32_t offset, EAaFileOrigin origin)
@@ -188,24 +187,24 @@ int32_t AaFileGetPosition(AaFile* file)
         errno = EINVAL;
         return -1;
     }
-    return dorn::host::fitting(file->position());
+    return fitting(file->position());
 }
 
 int32_t AaFileRemove(const char* path)
 {
-    const std::string place = dorn::host::placeOf(path, dorn::host::LastLink::Kept);
-    return place.empty() || dorn::host::isError(FilePort::get().remove(AT_FDCWD, place.c_str())) ? 1 : 0;
+    const std::string place = placeOf(path, LastLink::Kept);
+    return place.empty() || isError(FilePort::get().remove(AT_FDCWD, place.c_str())) ? 1 : 0;
 }
 
 TBoolean AaFileDirExists(const char* path)
 {
-    const std::string place = dorn::host::placeOf(path);
-    return !place.empty() && dorn::host::isDirectory(place) ? 1 : 0;
+    const std::string place = placeOf(path);
+    return !place.empty() && isDirectory(place) ? 1 : 0;
 }
 
 int32_t AaFileCreateDir(const char* path)
 {
-    std::string place = dorn::host::placeOf(path);
+    std::string place = placeOf(path);
     if (place.empty()) {
         return 1;
     }
@@ -213,7 +212,7 @@ int32_t AaFileCreateDir(const char* path)
         place.pop_back();
     }
     try {
-        return dorn::host::makeDirectories(place) ? 0 : 1;
+        return makeDirectories(place) ? 0 : 1;
     } catch (const std::bad_alloc&) {
         errno = ENOMEM;
         return 1;

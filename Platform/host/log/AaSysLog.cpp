@@ -53,10 +53,10 @@ bool writeWhole(const Descriptor& file, std::string_view data)
     return true;
 }
 
-int dumpRingBuffer(std::uint32_t featureId, const char* path)
+enum Dump : std::int32_t { dumped = 0, noRingBuffer = 1, notWritten = 2 };
+
+std::int32_t dumpRingBuffer(std::uint32_t featureId, const char* path)
 {
-    constexpr int noRingBuffer = 1;
-    constexpr int notWritten = 2;
     const std::optional<std::string> lines = PerNode<Log>::get().ringBuffers().content(featureId);
     if (!lines) {
         return noRingBuffer;
@@ -66,7 +66,7 @@ int dumpRingBuffer(std::uint32_t featureId, const char* path)
         return notWritten;
     }
     const Descriptor file(FilePort::get().open(AT_FDCWD, target.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644));
-    return file && writeWhole(file, *lines) ? 0 : notWritten;
+    return file && writeWhole(file, *lines) ? dumped : notWritten;
 }
 
 } // namespace
@@ -110,10 +110,9 @@ int32_t AaSysLogRegisterRingBuffer(uint32_t featureId, uint32_t bufferSize, EAaS
 
 int32_t AaSysLogDumpRingBufferToFile(uint32_t featureId, const char* path)
 {
-    constexpr int32_t notWritten = 2;
     try {
         return dorn::host::dumpRingBuffer(featureId, path);
     } catch (const std::bad_alloc&) {
-        return notWritten;
+        return dorn::host::notWritten;
     }
 }

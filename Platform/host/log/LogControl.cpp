@@ -6,7 +6,7 @@
 namespace dorn::host {
 namespace {
 
-constexpr SharedStoreFormat format{0x444C4743, 1, 64};
+constexpr SharedStoreFormat format{0x444C4743, 1, 64}; // "DLGC"
 
 } // namespace
 

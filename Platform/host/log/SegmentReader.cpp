@@ -1,18 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "log/SegmentReader.hpp"
 
+#include "node/FixedText.hpp"
+
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
-#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace dorn::host {
 namespace {
 
-constexpr std::size_t greatestText =
-    std::size_t{16} * 1024 * 1024; ///< no segment is as large; whatever says so is damaged
+/// No segment is as large; whatever says so is damaged.
+constexpr std::size_t greatestText = std::size_t{16} << 20;
 
 bool readAt(const Descriptor& file, void* to, std::size_t size, std::size_t offset)
 {
@@ -98,7 +99,7 @@ void SegmentReader::readFeatures()
     for (; m_featuresRead < count; ++m_featuresRead) {
         const std::size_t offset = offsetof(SegmentHeader, features) + m_featuresRead * sizeof(SegmentHeader::Feature);
         const auto feature = valueAt<SegmentHeader::Feature>(m_file, offset);
-        const std::string name(feature.name.data(), strnlen(feature.name.data(), feature.name.size()));
+        const std::string name = textOf(feature.name);
         const auto [entry, isNew] = m_features.emplace(name, feature.id);
         if (!isNew && entry->second != feature.id) {
             entry->second = 0;

@@ -2,6 +2,7 @@
 #include "node/EeTable.hpp"
 
 #include "AaSysLog.h"
+#include "node/FixedText.hpp"
 #include "node/PerNode.hpp"
 #include "port/Clock.hpp"
 
@@ -14,24 +15,11 @@ namespace {
 
 constexpr std::size_t headerSize = 64;
 constexpr std::size_t tableLock = EeTable::capacity; ///< the byte behind the places' own: guards the choice of a place
-constexpr SharedStoreFormat format{0x44524E45, 2, headerSize + EeTable::capacity * sizeof(EeRecord)};
+constexpr SharedStoreFormat format{0x44524E45, 2, headerSize + EeTable::capacity * sizeof(EeRecord)}; // "DRNE"
 
 std::int64_t wallNow()
 {
     return Clock::get().wall().count();
-}
-
-template <std::size_t Size>
-void copyText(std::array<char, Size>& to, const std::string& from)
-{
-    to.fill('\0');
-    std::copy_n(from.begin(), std::min(from.size(), Size - 1), to.begin());
-}
-
-template <std::size_t Size>
-std::string textOf(const std::array<char, Size>& from)
-{
-    return {from.data(), strnlen(from.data(), Size)};
 }
 
 void clear(EeRecord& record)

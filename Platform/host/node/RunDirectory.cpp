@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "node/RunDirectory.hpp"
 
+#include "log/Descriptor.hpp"
 #include "port/FilePort.hpp"
 
 #include <array>
@@ -11,7 +12,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 namespace dorn::host {
 namespace {
@@ -26,27 +26,6 @@ constexpr const char* advice = "; set DORN_RUN_DIR to a directory of your own";
 {
     throw EnvironmentError("run directory '" + path + "': " + reason);
 }
-
-/// Owns a descriptor while a path is being walked.
-class Descriptor {
-public:
-    explicit Descriptor(int value) : m_value(value) {}
-    ~Descriptor() { reset(-1); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    void reset(int value)
-    {
-        if (m_value >= 0) {
-            close(m_value);
-        }
-        m_value = value;
-    }
-    int get() const { return m_value; }
-    int release() { return std::exchange(m_value, -1); }
-
-private:
-    int m_value;
-};
 
 /// Opens one component of a path, making it when it is missing.
 int stepInto(int directory, const std::string& component, const std::string& soFar, int flags = walkFlags)

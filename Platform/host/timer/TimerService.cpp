@@ -5,12 +5,12 @@
 #include "eu/Eu.hpp"
 #include "log/Log.hpp"
 #include "node/PerNode.hpp"
+#include "node/SignalsBlocked.hpp"
 #include "syscom/Post.hpp"
 
 #include <algorithm>
 #include <cstring>
 #include <pthread.h>
-#include <signal.h>
 #include <utility>
 
 namespace dorn::host {
@@ -33,14 +33,6 @@ bool deliver(TAaProEuId eu, const void* identity)
 /// Not of one service: no id is used twice in a process.
 std::atomic<TAaTimerId> lastId{0};
 
-/// Signals are for the threads of the program.
-void blockSignals()
-{
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, nullptr);
-}
-
 } // namespace
 
 TimerService::~TimerService()
@@ -57,6 +49,7 @@ TAaTimerId TimerService::arm(TAaProEuId eu, Deadline deadline, const void* ident
     const std::lock_guard lock(m_mutex);
     if (!m_thread.joinable()) {
         PerNode<Log>::get(); // which the thread prints to, and which is therefore to be closed after it
+        const SignalsBlocked untilStarted;
         m_thread = std::thread(&TimerService::run, this);
     }
     const TAaTimerId id = lastId.fetch_add(1) + 1;
@@ -94,7 +87,6 @@ void TimerService::stir()
 
 void TimerService::run()
 {
-    blockSignals();
     pthread_setname_np(pthread_self(), "AaTimer");
     while (!m_isEnding.load()) {
         const std::uint32_t changes = m_changes.load();

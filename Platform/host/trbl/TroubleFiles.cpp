@@ -43,6 +43,8 @@ struct TroubleFiles::Record {
 
 namespace {
 
+constexpr std::uint32_t magic = 0x6C627274; // "trbl", by a little-endian processor
+constexpr std::uint32_t layoutVersion = 3;
 constexpr std::size_t headerSize = 64;
 
 // Record locks of the store.
@@ -78,7 +80,7 @@ bool succeeds(TAaTrblFileCallback step, const TroubleFile& file, void* opaque)
 TroubleFiles::TroubleFiles() : TroubleFiles(PerNode<RunDirectory>::get()) {}
 
 TroubleFiles::TroubleFiles(const RunDirectory& directory)
-    : m_store(directory, "trouble", {0x6C627274, 3, headerSize + capacity * sizeof(Record)})
+    : m_store(directory, "trouble", {magic, layoutVersion, headerSize + capacity * sizeof(Record)})
 {
     static_assert(sizeof(Header) <= headerSize);
 }
