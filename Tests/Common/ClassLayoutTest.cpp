@@ -77,13 +77,13 @@ public:
 // --------------------------------------------------------------------------------------------------- virtual functions
 // The first two places of a class whose destructor comes first are the destructor's.
 
-TEST(ClassLayoutTest, VirtualFunctionsOfTheExceptionRoot)
+TEST(ClassLayoutTest, VirtualFunctionsOfTheExceptionRootKeepTheirOrder)
 {
     EXPECT_EQ(slotOf(&CHwapiException::what), 2);
     EXPECT_EQ(slotOf(&CHwapiException::getLine), -1);
 }
 
-TEST(ClassLayoutTest, VirtualFunctionsOfService)
+TEST(ClassLayoutTest, VirtualFunctionsOfServiceKeepTheirOrder)
 {
     EXPECT_EQ(slotOf(&Service::SetServiceStateRad), 2);
     EXPECT_EQ(slotOf(&Service::PreStartup), 3);
@@ -118,13 +118,13 @@ TEST(ClassLayoutTest, OtherFunctionsOfServiceAreNotVirtual)
     EXPECT_EQ(slotOf(&Service::SetUseCommonServiceState), -1);
 }
 
-TEST(ClassLayoutTest, VirtualFunctionsOfMsgDelegateBase)
+TEST(ClassLayoutTest, VirtualFunctionsOfMsgDelegateBaseKeepTheirOrder)
 {
     EXPECT_EQ(slotOf(&MsgDelegateBase::HandleMsg), 2);
     EXPECT_EQ(slotOf(&MsgDelegateBase::GetMsgId), -1);
 }
 
-TEST(ClassLayoutTest, VirtualFunctionsOfTheArgumentParsers)
+TEST(ClassLayoutTest, VirtualFunctionsOfTheArgumentParsersKeepTheirOrder)
 {
     EXPECT_EQ(slotOf(&ArgParserBase::SetArgumentInfo), 2);
     EXPECT_EQ(slotOf(&ArgParserBase::Parse), 3);
@@ -136,7 +136,7 @@ TEST(ClassLayoutTest, VirtualFunctionsOfTheArgumentParsers)
     EXPECT_EQ(slotOf(&ArgParser::GetHelp), 5);
 }
 
-TEST(ClassLayoutTest, VirtualFunctionsOfTheWorkers)
+TEST(ClassLayoutTest, VirtualFunctionsOfTheWorkersKeepTheirOrder)
 {
     EXPECT_EQ(slotOf(&SuspendableWorker::SuspendWorking), 0);
     EXPECT_EQ(slotOf(&SuspendableWorker::SuspendAndWaitWorkToComplete), 1);
@@ -149,7 +149,7 @@ TEST(ClassLayoutTest, VirtualFunctionsOfTheWorkers)
     EXPECT_EQ(slotOf(&AbstractWorker::startWorkerThread), 10);
 }
 
-TEST(ClassLayoutTest, VirtualFunctionsOfTask)
+TEST(ClassLayoutTest, VirtualFunctionsOfTaskKeepTheirOrder)
 {
     EXPECT_EQ(slotOf(&AbstractWorker::Task::Perform), 2);
     EXPECT_EQ(slotOf(&AbstractWorker::Task::getExecutingWorker), 3);
@@ -160,7 +160,7 @@ TEST(ClassLayoutTest, VirtualFunctionsOfTask)
 
 // ------------------------------------------------------------------------------------------------------------- members
 
-TEST(ClassLayoutTest, MembersOfTheExceptionRoot)
+TEST(ClassLayoutTest, MembersOfTheExceptionRootKeepTheirPlaces)
 {
     const CHwapiException exception("", "", "", 0);
 
@@ -169,7 +169,7 @@ TEST(ClassLayoutTest, MembersOfTheExceptionRoot)
         ElementsAre(word, word + text, word + 2 * text, word + 3 * text));
 }
 
-TEST(ClassLayoutTest, MembersOfArgParser)
+TEST(ClassLayoutTest, MembersOfArgParserKeepTheirPlaces)
 {
     const ArgParser parser;
     constexpr std::size_t map = sizeof(ArgMap);
@@ -178,7 +178,7 @@ TEST(ClassLayoutTest, MembersOfArgParser)
     EXPECT_EQ(sizeof parser, word + map + text);
 }
 
-TEST(ClassLayoutTest, MembersOfMsg)
+TEST(ClassLayoutTest, MembersOfMsgKeepTheirPlaces)
 {
     const Service::HwapiRedundancyStateReqMsg msg(nullptr);
 
@@ -186,7 +186,7 @@ TEST(ClassLayoutTest, MembersOfMsg)
     EXPECT_EQ(sizeof msg, 2 * word);
 }
 
-TEST(ClassLayoutTest, MembersOfHwapiAlarm)
+TEST(ClassLayoutTest, MembersOfHwapiAlarmKeepTheirPlaces)
 {
     const HwapiAlarm alarm;
 
@@ -195,7 +195,7 @@ TEST(ClassLayoutTest, MembersOfHwapiAlarm)
     EXPECT_EQ(sizeof alarm, 8U);
 }
 
-TEST(ClassLayoutTest, MembersOfMsgDelegateBase)
+TEST(ClassLayoutTest, MembersOfMsgDelegateBaseKeepTheirPlaces)
 {
     const Delegate delegate;
 
@@ -203,7 +203,7 @@ TEST(ClassLayoutTest, MembersOfMsgDelegateBase)
     EXPECT_EQ(sizeof delegate, aligned(word + 4));
 }
 
-TEST(ClassLayoutTest, MembersOfTask)
+TEST(ClassLayoutTest, MembersOfTaskKeepTheirPlaces)
 {
     const Job job;
 
@@ -211,7 +211,7 @@ TEST(ClassLayoutTest, MembersOfTask)
                 ElementsAre(word, 2 * word));
 }
 
-TEST(ClassLayoutTest, MembersOfService)
+TEST(ClassLayoutTest, MembersOfServiceKeepTheirPlaces)
 {
     const dorn::test::RecordingPlatform platform;
     const Service service("Ping", 0x456, ERadHwapi_PrintCtrlTask, ERadHwapiState_CpriState);

@@ -143,7 +143,7 @@ TEST_F(ServiceStartupTest, OptionsOfTheServiceAreUnderstoodAndListed)
 
 // ----------------------------------------------------------------------------------------------------------- sequence
 
-TEST_F(ServiceStartupTest, WholeLifeInItsOrder)
+TEST_F(ServiceStartupTest, StepsOfALifeComeInTheirOrder)
 {
     EXPECT_EQ(start(), 1U);
 

@@ -90,7 +90,7 @@ TEST_F(ThreadLayoutTest, WorkerAddsItsVirtualFunctionsBehindTheAbstractOnes)
     EXPECT_EQ(slotOf(&Worker::AssignTask), 12);
 }
 
-TEST_F(ThreadLayoutTest, MembersOfWorker)
+TEST_F(ThreadLayoutTest, MembersOfWorkerKeepTheirPlaces)
 {
     const Worker worker;
     constexpr std::size_t name = aligned(word + 12);
@@ -108,7 +108,7 @@ TEST_F(ThreadLayoutTest, MembersOfWorker)
     EXPECT_EQ(sizeof worker, aligned(suspended + 16));
 }
 
-TEST_F(ThreadLayoutTest, MembersOfAFreshWorker)
+TEST_F(ThreadLayoutTest, MembersOfAFreshWorkerHaveTheirFirstValues)
 {
     const Worker worker;
 
@@ -133,7 +133,7 @@ TEST_F(ThreadLayoutTest, RegisteredWorkersStandInAMapById)
     EXPECT_EQ(workers->at(-4711), worker);
 }
 
-TEST_F(ThreadLayoutTest, VirtualFunctionsOfEventHandler)
+TEST_F(ThreadLayoutTest, VirtualFunctionsOfEventHandlerKeepTheirOrder)
 {
     EXPECT_EQ(slotOf(&EventHandler::HandleEvent), 0); // before the destructor's two
     EXPECT_EQ(slotOf(&EventDispatcher::HandleEvent), 0);
@@ -161,7 +161,7 @@ TEST_F(ThreadLayoutTest, PollRecordIsThatOfPosix)
     EXPECT_EQ(sizeof record, 8U);
 }
 
-TEST_F(ThreadLayoutTest, MembersOfEventDispatcher)
+TEST_F(ThreadLayoutTest, MembersOfEventDispatcherKeepTheirPlaces)
 {
     const EventDispatcher dispatcher;
     constexpr std::size_t fds = 4 * word;
@@ -182,7 +182,7 @@ TEST_F(ThreadLayoutTest, MembersOfEventDispatcher)
     EXPECT_EQ(sizeof dispatcher, name + text + 8);
 }
 
-TEST_F(ThreadLayoutTest, MembersOfAFreshEventDispatcher)
+TEST_F(ThreadLayoutTest, MembersOfAFreshEventDispatcherHaveTheirFirstValues)
 {
     const EventDispatcher dispatcher;
 

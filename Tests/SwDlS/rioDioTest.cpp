@@ -591,25 +591,25 @@ protected:
     }
 };
 
-TEST_P(RioValidateFailureTest, NoMemoryForTheFile)
+TEST_P(RioValidateFailureTest, NoMemoryForTheFilesBytesIsAFailure)
 {
     const FailNth<AaMemMalloc> noMemory(2 * block() - 1);
     expectFailure(warning + "validateSrioWrite, [0x10] AaMemMalloc(1) failed", false, 2 * block() - 2);
 }
 
-TEST_P(RioValidateFailureTest, FileThatCannotBeRead)
+TEST_P(RioValidateFailureTest, FileThatCannotBeReadIsAFailure)
 {
     const FailNth<AaFileRead> noRead(block());
     expectFailure(info + "validateSrioWrite, [0x10] bytes == size failed", false, 2 * block() - 1);
 }
 
-TEST_P(RioValidateFailureTest, FileThatIsShorterThanItSaid)
+TEST_P(RioValidateFailureTest, FileThatIsShorterThanItSaidIsAFailure)
 {
     const FailNth<AaFileRead> shortRead(block(), 0xFFFF);
     expectFailure(info + "validateSrioWrite, [0x10] bytes == size failed", false, 2 * block() - 1);
 }
 
-TEST_P(RioValidateFailureTest, NoHandle)
+TEST_P(RioValidateFailureTest, MissingHandleIsAFailure)
 {
     const FailNth<ddal_rio_copy_open_fd> noHandle(block());
     const CountCalls<ddal_rio_copy_close_fd> closed;
@@ -617,7 +617,7 @@ TEST_P(RioValidateFailureTest, NoHandle)
     EXPECT_EQ(closed.count(), block() - 1);
 }
 
-TEST_P(RioValidateFailureTest, NoMemoryForTheDevice)
+TEST_P(RioValidateFailureTest, NoMemoryForTheDevicesBytesIsAFailure)
 {
     const FailNth<AaMemMalloc> noMemory(2 * block());
     const CountCalls<ddal_rio_copy_close_fd> closed;
@@ -625,7 +625,7 @@ TEST_P(RioValidateFailureTest, NoMemoryForTheDevice)
     EXPECT_EQ(closed.count(), block());
 }
 
-TEST_P(RioValidateFailureTest, DeviceThatCannotBeRead)
+TEST_P(RioValidateFailureTest, DeviceThatCannotBeReadIsAFailure)
 {
     const FailNth<ddal_rio_copy_from_fd> noCopy(block());
     const CountCalls<ddal_rio_copy_close_fd> closed;
@@ -633,7 +633,7 @@ TEST_P(RioValidateFailureTest, DeviceThatCannotBeRead)
     EXPECT_EQ(closed.count(), block());
 }
 
-TEST_P(RioValidateFailureTest, HandleThatCannotBeClosed)
+TEST_P(RioValidateFailureTest, HandleThatCannotBeClosedIsAFailure)
 {
     const FailNth<ddal_rio_copy_close_fd> noClose(block());
     expectFailure(warning + "validateSrioWrite, Failed to close transfer handle", true, 2 * block());

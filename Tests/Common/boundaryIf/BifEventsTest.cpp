@@ -71,7 +71,7 @@ void expectEvents(const std::vector<Event<Driver, Interface, Callback, Parameter
     }
 }
 
-TEST(BifEventsTest, ObsaiSynchronizer)
+TEST(BifEventsTest, EventsOfTheObsaiSynchronizerReachTheirCallbacks)
 {
     using Bif = obsai::AbstractObsaiLinkSynchronizerBif;
     using E = Event<ObsaiSynchronizer, Bif, Bif::AbstractLinkSyncCallback, obsai::LinkSyncCallbackParam>;
@@ -85,7 +85,7 @@ TEST(BifEventsTest, ObsaiSynchronizer)
     });
 }
 
-TEST(BifEventsTest, CpriSynchronizer)
+TEST(BifEventsTest, EventsOfTheCpriSynchronizerReachTheirCallbacks)
 {
     using Bif = cpri::AbstractCpriLinkSynchronizerBif;
     using E = Event<CpriSynchronizer, Bif, Bif::AbstractLinkSyncCallback, cpri::LinkSyncCallbackParam>;
@@ -97,7 +97,7 @@ TEST(BifEventsTest, CpriSynchronizer)
     });
 }
 
-TEST(BifEventsTest, CpriMaintenance)
+TEST(BifEventsTest, EventsOfCpriMaintenanceReachTheirCallbacks)
 {
     using Bif = cpri::AbstractCpriLinkMaintenanceBif;
     using E = Event<CpriMaintenance, Bif, Bif::AbstractLinkMaintenanceCallback, cpri::LinkMaintenanceCallbackParam>;
@@ -109,7 +109,7 @@ TEST(BifEventsTest, CpriMaintenance)
     });
 }
 
-TEST(BifEventsTest, CpriRemoteNode)
+TEST(BifEventsTest, EventsOfTheCpriRemoteNodeReachTheirCallbacks)
 {
     using Bif = cpri::AbstractCpriLinkRemoteNodeBif;
     using E = Event<CpriRemoteNode, Bif, Bif::AbstractLinkRemoteNodeCallback, cpri::LinkRemoteNodeCallbackParam>;
@@ -127,7 +127,7 @@ TEST(BifEventsTest, CpriRemoteNode)
     });
 }
 
-TEST(BifEventsTest, CpriVsbController)
+TEST(BifEventsTest, EventsOfTheCpriVsbControllerReachTheirCallbacks)
 {
     using Bif = cpri::AbstractCpriLinkVsbControllerBif;
     using E = Event<CpriVsbController, Bif, Bif::AbstractCpriVsbCallback, cpri::VsbCallbackParam>;
@@ -139,7 +139,7 @@ TEST(BifEventsTest, CpriVsbController)
     });
 }
 
-TEST(BifEventsTest, RouterRoute)
+TEST(BifEventsTest, EventsOfTheRoutersRoutesReachTheirCallbacks)
 {
     using Bif = router::AbstractRouterRouteBif;
     using E = Event<RouterRoute, Bif, Bif::AbstractRouteStatsCallback, router::RouteStatsCallbackParam>;
@@ -147,14 +147,14 @@ TEST(BifEventsTest, RouterRoute)
         {&Bif::setRouteStatsCallback, &RouterRoute::callRouteStatsCallback, Bif::ROUTE_MEAS_READY_EVENT_NAME}});
 }
 
-TEST(BifEventsTest, Sfp)
+TEST(BifEventsTest, EventsOfSfpModulesReachTheirCallbacks)
 {
     using Bif = sfp::AbstractSfpBif;
     using E = Event<Sfp, Bif, Bif::AbstractSfpCallback, sfp::SfpCallbackParam>;
     expectEvents<Sfp>(std::vector<E>{{&Bif::setSfpCallback, &Sfp::callSfpCallback, Bif::SFP_EVENT_NAME}});
 }
 
-TEST(BifEventsTest, SystemTimer)
+TEST(BifEventsTest, EventsOfTheSystemTimerReachTheirCallbacks)
 {
     using Bif = systemtimer::AbstractSystemTimerBif;
     using E = Event<SystemTimer, Bif, Bif::AbstractTimerSyncCallback, systemtimer::TimerSyncCallbackParam>;
@@ -163,7 +163,7 @@ TEST(BifEventsTest, SystemTimer)
                                               Bif::SYSTEM_TIMER_SYNCHRONIZATION_EVENT_NAME}});
 }
 
-TEST(BifEventsTest, SwPllStateMonitor)
+TEST(BifEventsTest, EventsOfTheSwPllStateMonitorReachTheirCallbacks)
 {
     using Bif = swpll::AbstractSwPllStateMonitorBif;
     using E =
@@ -173,7 +173,7 @@ TEST(BifEventsTest, SwPllStateMonitor)
                         Bif::SWPLL_STATE_MONITOR_EVENT_NAME}});
 }
 
-TEST(BifEventsTest, PhaseLockStatusMonitor)
+TEST(BifEventsTest, EventsOfThePhaseLockStatusMonitorReachTheirCallbacks)
 {
     using Bif = phaselock::AbstractPhaseLockStatusMonitorBif;
     using E = Event<PhaseLockStatusMonitor, Bif, Bif::AbstractPhaseLockStatusCallback,
@@ -183,7 +183,7 @@ TEST(BifEventsTest, PhaseLockStatusMonitor)
                         Bif::PHASE_LOCK_STATUS_MONITOR_EVENT_NAME}});
 }
 
-TEST(BifEventsTest, Ocxo)
+TEST(BifEventsTest, EventsOfTheOcxoReachTheirCallbacks)
 {
     using Bif = ocxo::AbstractOcxoBif;
     using E = Event<Ocxo, Bif, Bif::AbstractOcxoCallback, ocxo::OcxoCallbackParam>;

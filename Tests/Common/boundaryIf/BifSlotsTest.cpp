@@ -78,7 +78,7 @@ void expectSlots(int first, Functions... functions)
     EXPECT_EQ((std::vector<int>{slotOf(functions)...}), expected);
 }
 
-TEST(BifSlotsTest, ObsaiLinkConfigurator)
+TEST(BifSlotsTest, FunctionsOfTheObsaiLinkConfiguratorKeepTheirOrder)
 {
     using Bif = obsai::AbstractObsaiLinkConfiguratorBif;
     expectSlots(behindRoot, &Bif::getObsaiLinks, &Bif::getTimingSets, &Bif::getLinkRate, &Bif::getSupportedLinkRates,
@@ -86,7 +86,7 @@ TEST(BifSlotsTest, ObsaiLinkConfigurator)
                 &Bif::setTimingSetRxPi, &Bif::setTimingSetTxPi, &Bif::getTimingSetRxPi, &Bif::getTimingSetTxPi);
 }
 
-TEST(BifSlotsTest, ObsaiLinkSynchronizer)
+TEST(BifSlotsTest, FunctionsOfTheObsaiLinkSynchronizerKeepTheirOrder)
 {
     using Bif = obsai::AbstractObsaiLinkSynchronizerBif;
     expectSlots(behindAbstractBif, &Bif::setAutoSynchronizationMode, &Bif::getAutoSynchronizationMode, &Bif::enableLink,
@@ -99,7 +99,7 @@ TEST(BifSlotsTest, ObsaiLinkSynchronizer)
     EXPECT_EQ(slotOf(&Bif::setPiMeasurementResultCallback), -1);
 }
 
-TEST(BifSlotsTest, CpriLinkConfigurator)
+TEST(BifSlotsTest, FunctionsOfTheCpriLinkConfiguratorKeepTheirOrder)
 {
     using Bif = cpri::AbstractCpriLinkConfiguratorBif;
     expectSlots(behindRoot, &Bif::getCpriLinks, &Bif::getPhysicalLinkId, &Bif::reserveForCpriUse, &Bif::freeFromCpriUse,
@@ -113,7 +113,7 @@ TEST(BifSlotsTest, CpriLinkConfigurator)
                 &Bif::setTimingSetTxDelta, &Bif::getTimingSetTxDelta);
 }
 
-TEST(BifSlotsTest, CpriLinkSynchronizer)
+TEST(BifSlotsTest, FunctionsOfTheCpriLinkSynchronizerKeepTheirOrder)
 {
     using Bif = cpri::AbstractCpriLinkSynchronizerBif;
     expectSlots(behindAbstractBif, &Bif::enableLink, &Bif::disableLink, &Bif::isLinkEnabled,
@@ -121,7 +121,7 @@ TEST(BifSlotsTest, CpriLinkSynchronizer)
                 exposed(CpriFrameTag{}));
 }
 
-TEST(BifSlotsTest, CpriLinkMaintenance)
+TEST(BifSlotsTest, FunctionsOfCpriLinkMaintenanceKeepTheirOrder)
 {
     using Bif = cpri::AbstractCpriLinkMaintenanceBif;
     expectSlots(behindAbstractBif, &Bif::enableResetSending, &Bif::disableResetSending, &Bif::isResetSendingEnabled,
@@ -131,7 +131,7 @@ TEST(BifSlotsTest, CpriLinkMaintenance)
                 exposed(LosTag{}), exposed(LofTag{}));
 }
 
-TEST(BifSlotsTest, CpriLinkRemoteNode)
+TEST(BifSlotsTest, FunctionsOfTheCpriLinkRemoteNodeKeepTheirOrder)
 {
     using Bif = cpri::AbstractCpriLinkRemoteNodeBif;
     expectSlots(behindAbstractBif, &Bif::getEthernetSubchannelPointer, &Bif::getHdlcBitRate, &Bif::getProtocolVersion,
@@ -139,14 +139,14 @@ TEST(BifSlotsTest, CpriLinkRemoteNode)
                 exposed(NodeRaiTag{}), exposed(NodeSdiTag{}), exposed(NodeLofTag{}));
 }
 
-TEST(BifSlotsTest, CpriLinkVsbController)
+TEST(BifSlotsTest, FunctionsOfTheCpriLinkVsbControllerKeepTheirOrder)
 {
     using Bif = cpri::AbstractCpriLinkVsbControllerBif;
     expectSlots(behindAbstractBif, &Bif::createIngressRegion, &Bif::createEgressRegion, exposed(VsbReceivedTag{}),
                 exposed(VsbTransmittedTag{}));
 }
 
-TEST(BifSlotsTest, CpriLinkVsbRegions)
+TEST(BifSlotsTest, FunctionsOfCpriLinkVsbRegionsKeepTheirOrder)
 {
     using Bif = cpri::AbstractCpriLinkVsbRegionBif;
     expectSlots(behindRoot, &Bif::getRegionId, &Bif::getLink, &Bif::setControlWords, &Bif::getControlWords,
@@ -155,7 +155,7 @@ TEST(BifSlotsTest, CpriLinkVsbRegions)
     EXPECT_EQ(slotOf(&cpri::AbstractCpriLinkVsbEgressRegionBif::writeBytes), 9);
 }
 
-TEST(BifSlotsTest, RouterDualBitMap)
+TEST(BifSlotsTest, FunctionsOfTheRoutersDualBitMapKeepTheirOrder)
 {
     using Bif = router::AbstractRouterDualBitMapBif;
     using Number = const std::uint32_t&;
@@ -166,7 +166,7 @@ TEST(BifSlotsTest, RouterDualBitMap)
                 &Bif::setBitMap1, &Bif::getBitMap1, &Bif::setBitMap2, &Bif::getBitMap2);
 }
 
-TEST(BifSlotsTest, RouterRoute)
+TEST(BifSlotsTest, FunctionsOfTheRoutersRoutesKeepTheirOrder)
 {
     using Bif = router::AbstractRouterRouteBif;
     using Create = std::uint32_t (Bif::*)(const std::string&, const router::EMessageType&, const router::ERouteMode&);
@@ -181,14 +181,14 @@ TEST(BifSlotsTest, RouterRoute)
                 &Bif::triggerMsgLatencyMeasurement, exposed(RouteStatsTag{}));
 }
 
-TEST(BifSlotsTest, Sfp)
+TEST(BifSlotsTest, FunctionsOfSfpModulesKeepTheirOrder)
 {
     using Bif = sfp::AbstractSfpBif;
     expectSlots(behindAbstractBif, &Bif::setSfpCallback, &Bif::getPhysicalLinkId, &Bif::getSfpModuleIds,
                 exposed(SfpTag{}));
 }
 
-TEST(BifSlotsTest, SystemTimer)
+TEST(BifSlotsTest, FunctionsOfTheSystemTimerKeepTheirOrder)
 {
     using Bif = systemtimer::AbstractSystemTimerBif;
     expectSlots(behindAbstractBif, &Bif::setSystemTimerSourceToRp1, &Bif::setSystemTimerSourceToFreeRunning,
@@ -197,7 +197,7 @@ TEST(BifSlotsTest, SystemTimer)
     EXPECT_EQ(slotOf(&Bif::setSystemTimerSynchronizationCallback), -1);
 }
 
-TEST(BifSlotsTest, SwPllStateMonitor)
+TEST(BifSlotsTest, FunctionsOfTheSwPllStateMonitorKeepTheirOrder)
 {
     using Bif = swpll::AbstractSwPllStateMonitorBif;
     expectSlots(behindAbstractBif, &Bif::swPllStateChanged, &Bif::suspendSwPll, &Bif::resumeSwPll,
@@ -205,7 +205,7 @@ TEST(BifSlotsTest, SwPllStateMonitor)
                 &Bif::setClockCalibrationStatusNotStarted, &Bif::setHpfUpdateAllowed, exposed(SwPllTag{}));
 }
 
-TEST(BifSlotsTest, PhaseLockStatusMonitor)
+TEST(BifSlotsTest, FunctionsOfThePhaseLockStatusMonitorKeepTheirOrder)
 {
     using Bif = phaselock::AbstractPhaseLockStatusMonitorBif;
     using Monitor = Bif::AbstractPhaseLockStatusMonitor;
@@ -217,7 +217,7 @@ TEST(BifSlotsTest, PhaseLockStatusMonitor)
     EXPECT_EQ(slotOf(&Monitor::getStatus), -1);
 }
 
-TEST(BifSlotsTest, Ocxo)
+TEST(BifSlotsTest, FunctionsOfTheOcxoKeepTheirOrder)
 {
     using Bif = ocxo::AbstractOcxoBif;
     expectSlots(behindAbstractBif, &Bif::setOcxoCallback, &Bif::getSensorsStatus, &Bif::setOcxoControlValue,

@@ -32,7 +32,7 @@ void expectEverythingCounts(const Parameter& parameter, const std::vector<std::f
 
 // -------------------------------------------------------------------------------------------------------------- links
 
-TEST(CallbackParamTest, ObsaiSynchronisation)
+TEST(CallbackParamTest, ParameterOfObsaiSynchronisationKeepsAndComparesItsFields)
 {
     using Param = obsai::LinkSyncCallbackParam;
     const Param empty;
@@ -56,7 +56,7 @@ TEST(CallbackParamTest, ObsaiSynchronisation)
     EXPECT_EQ(sameLink, param);
 }
 
-TEST(CallbackParamTest, CpriSynchronisation)
+TEST(CallbackParamTest, ParameterOfCpriSynchronisationKeepsAndComparesItsFields)
 {
     using Param = cpri::LinkSyncCallbackParam;
     const Param empty;
@@ -73,7 +73,7 @@ TEST(CallbackParamTest, CpriSynchronisation)
                                           [](Param& p) { p.setLink(CpriLink(2, 25, "x")); }});
 }
 
-TEST(CallbackParamTest, CpriMaintenance)
+TEST(CallbackParamTest, ParameterOfCpriMaintenanceKeepsAndComparesItsFields)
 {
     using Param = cpri::LinkMaintenanceCallbackParam;
     const Param empty;
@@ -87,7 +87,7 @@ TEST(CallbackParamTest, CpriMaintenance)
         param, {[](Param& p) { p.setActive(false); }, [](Param& p) { p.setLink(CpriLink(2, 25, "x")); }});
 }
 
-TEST(CallbackParamTest, CpriRemoteNode)
+TEST(CallbackParamTest, ParameterOfTheCpriRemoteNodeKeepsAndComparesItsFields)
 {
     using Param = cpri::LinkRemoteNodeCallbackParam;
     const Param empty;
@@ -106,7 +106,7 @@ TEST(CallbackParamTest, CpriRemoteNode)
                 [](Param& p) { p.setEthernetSubchannelPointer(21); }, [](Param& p) { p.setProtocolVersion(1); }});
 }
 
-TEST(CallbackParamTest, CpriVendorSpecificBytes)
+TEST(CallbackParamTest, ParameterOfCpriVendorSpecificBytesKeepsItsFields)
 {
     using Param = cpri::VsbCallbackParam;
     const Param empty;
@@ -137,7 +137,7 @@ TEST(CallbackParamTest, CpriVendorSpecificBytes)
     static_assert(!std::equality_comparable<Param>);
 }
 
-TEST(CallbackParamTest, RouteStatistics)
+TEST(CallbackParamTest, ParameterOfRouteStatisticsKeepsAndComparesItsFields)
 {
     using Param = router::RouteStatsCallbackParam;
     const Param empty;
@@ -153,7 +153,7 @@ TEST(CallbackParamTest, RouteStatistics)
         param, {[](Param& p) { p.setRouteId(4); }, [](Param& p) { p.setRouteStats(router::BifRouteStats()); }});
 }
 
-TEST(CallbackParamTest, Sfp)
+TEST(CallbackParamTest, ParameterOfSfpModulesKeepsAndComparesItsFields)
 {
     using Param = sfp::SfpCallbackParam;
     const Param empty;
@@ -174,7 +174,7 @@ TEST(CallbackParamTest, Sfp)
 
 // -------------------------------------------------------------------------------------------------------------- clocks
 
-TEST(CallbackParamTest, SystemTimer)
+TEST(CallbackParamTest, ParameterOfTheSystemTimerKeepsAndComparesItsFields)
 {
     using Param = systemtimer::TimerSyncCallbackParam;
     EXPECT_EQ(Param().getSynchronizationState(), systemtimer::ETimerSyncState_OutOfSync);
@@ -239,7 +239,7 @@ TEST(CallbackParamTest, SwPllComparesStateErrorAndWhatIsReportedOnly)
     EXPECT_EQ(same, param);
 }
 
-TEST(CallbackParamTest, PhaseLock)
+TEST(CallbackParamTest, ParameterOfPhaseLocksKeepsAndComparesItsFields)
 {
     using Param = phaselock::PhaseLockStatusCallbackParam;
     const Param empty;
@@ -298,7 +298,7 @@ INSTANTIATE_TEST_SUITE_P(AfterEachOther, OcxoSettersTest,
                                          [](ocxo::OcxoCallbackParam& p) { p.setCalibrationDataStatusFailed(); },
                                          [](ocxo::OcxoCallbackParam& p) { p.updateOcxoControlValueToMo(9); }));
 
-TEST_P(OcxoSettersTest, Sensors)
+TEST_P(OcxoSettersTest, SensorsStatusIsMarkedAlone)
 {
     m_param.setSensorsStatusOk();
     EXPECT_TRUE(m_param.isSensorsStatusOk());
@@ -309,34 +309,34 @@ TEST_P(OcxoSettersTest, Sensors)
     EXPECT_THAT(modifiedIn(m_param), ElementsAre("sensor"));
 }
 
-TEST_P(OcxoSettersTest, SensorsNotOk)
+TEST_P(OcxoSettersTest, BadSensorsAreMarkedAlone)
 {
     m_param.setSensorsStatusNok();
     EXPECT_THAT(modifiedIn(m_param), ElementsAre("sensor"));
 }
 
-TEST_P(OcxoSettersTest, Dac)
+TEST_P(OcxoSettersTest, GoodDacIsMarkedAlone)
 {
     m_param.setDacSettingStatusOk();
     EXPECT_EQ(m_param.getDacSettingStatus(), 1);
     EXPECT_THAT(modifiedIn(m_param), ElementsAre("DAC"));
 }
 
-TEST_P(OcxoSettersTest, DacNotOk)
+TEST_P(OcxoSettersTest, BadDacIsMarkedAlone)
 {
     m_param.setDacSettingStatusNok();
     EXPECT_EQ(m_param.getDacSettingStatus(), 0);
     EXPECT_THAT(modifiedIn(m_param), ElementsAre("DAC"));
 }
 
-TEST_P(OcxoSettersTest, DacNearItsLimit)
+TEST_P(OcxoSettersTest, DacNearItsLimitIsMarkedAlone)
 {
     m_param.setDacSettingStatusNearAdjustmentLimit();
     EXPECT_EQ(m_param.getDacSettingStatus(), 2);
     EXPECT_THAT(modifiedIn(m_param), ElementsAre("DAC"));
 }
 
-TEST_P(OcxoSettersTest, Calibration)
+TEST_P(OcxoSettersTest, GoodCalibrationIsMarkedAlone)
 {
     m_param.setCalibrationDataStatusOk();
     EXPECT_TRUE(m_param.isCalibrationDataStatusOk());

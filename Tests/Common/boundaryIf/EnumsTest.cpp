@@ -41,12 +41,12 @@ void expectValues(const std::vector<std::pair<unsigned, std::string_view>>& expe
     EXPECT_EQ(nameOf(static_cast<Enum>(4711)), "unknown");
 }
 
-TEST(EnumsTest, Links)
+TEST(EnumsTest, EnumeratorsOfLinksHaveTheirValuesAndNames)
 {
     expectValues<EBasebandLinkType>({{0, "Undefined"}, {1, "Obsai"}, {2, "Cpri"}});
 }
 
-TEST(EnumsTest, Obsai)
+TEST(EnumsTest, EnumeratorsOfObsaiHaveTheirValuesAndNames)
 {
     using namespace obsai;
     expectValues<EObsaiLinkRate>({{0, "unknown"}, {1, "1x"}, {2, "2x"}, {3, "4x"}, {4, "8x"}});
@@ -57,7 +57,7 @@ TEST(EnumsTest, Obsai)
     expectValues<ELinkAutoSynchronizationMode>({{0, "Disabled"}, {1, "Master"}, {2, "Slave"}});
 }
 
-TEST(EnumsTest, Cpri)
+TEST(EnumsTest, EnumeratorsOfCpriHaveTheirValuesAndNames)
 {
     using namespace cpri;
     expectValues<ECpriLinkRate>({{0, "unknown"}, {1, "1x"}, {2, "2x"}, {3, "4x"}, {4, "8x"}, {5, "10x"}});
@@ -65,7 +65,7 @@ TEST(EnumsTest, Cpri)
     expectValues<ERxLinkState>({{0, "XACQ1"}, {1, "XACQ2"}, {2, "XSYNC1"}, {3, "XSYNC2"}, {4, "HFNSYNC"}});
 }
 
-TEST(EnumsTest, Router)
+TEST(EnumsTest, EnumeratorsOfTheRouterHaveTheirValuesAndNames)
 {
     using namespace routerEnums;
     expectValues<EMessageSlot>({{0, "Data"}, {1, "Control"}});
@@ -103,7 +103,7 @@ TEST(EnumsTest, RouterEnumerationsAreAlsoNamedWhereTheRouterIs)
     SUCCEED();
 }
 
-TEST(EnumsTest, Clocks)
+TEST(EnumsTest, EnumeratorsOfClocksHaveTheirValuesAndNames)
 {
     expectValues<ETimerSyncState>({{0, "OutOfSync"}, {1, "Synchronizing"}, {2, "InSync"}});
     expectValues<ESwPllState>({{0, "Undefined"},
@@ -122,7 +122,7 @@ TEST(EnumsTest, Clocks)
     expectValues<EPhaseLockStatus>({{0, "Ok"}, {1, "Exceed"}, {255, "Undefined"}});
 }
 
-TEST(EnumsTest, Ocxo)
+TEST(EnumsTest, EnumeratorsOfTheOcxoHaveTheirValuesAndNames)
 {
     expectValues<EClkOcxoStatusSensorState>({{0, "Ok"}, {1, "Fail"}, {2, "NotFound"}});
     expectValues<ESensorType>({{0, "all"}, {1, "oven_current"}, {2, "oven_temp_ocxo"}, {3, "oven_temp_outer_oven"}});

@@ -126,7 +126,7 @@ void expectFields(const Class& object, std::size_t begin, Fields Class::*... fie
     EXPECT_EQ(sizeof object, (offset + alignof(Class) - 1) / alignof(Class) * alignof(Class));
 }
 
-TEST(ParamLayoutTest, Links)
+TEST(ParamLayoutTest, MembersOfLinksKeepTheirPlaces)
 {
     const CpriLink link;
     expectFields<AbstractBasebandLink>(link, virtualTable, exposed(LinkTypeTag{}), exposed(LinkIdTag{}),
@@ -136,7 +136,7 @@ TEST(ParamLayoutTest, Links)
     expectFields(ObsaiTimingSet(), virtualTable, exposed(TimingSetTag{}));
 }
 
-TEST(ParamLayoutTest, ParametersOfLinks)
+TEST(ParamLayoutTest, MembersOfLinkParametersKeepTheirPlaces)
 {
     expectFields(obsai::LinkSyncCallbackParam(), virtualTable, exposed(ObsaiRxStateTag{}), exposed(ObsaiTxStateTag{}),
                  exposed(ObsaiPiResultTag{}), exposed(ObsaiLinkTag{}));
@@ -151,7 +151,7 @@ TEST(ParamLayoutTest, ParametersOfLinks)
     expectFields(sfp::SfpCallbackParam(), virtualTable, exposed(SfpDetectedTag{}), exposed(SfpLinkTag{}));
 }
 
-TEST(ParamLayoutTest, RecordsOfTheRouter)
+TEST(ParamLayoutTest, MembersOfRouterRecordsKeepTheirPlaces)
 {
     expectFields(router::RouteStatsCallbackParam(), virtualTable, exposed(StatsRouteTag{}), exposed(StatsTag{}));
     expectFields(router::BifRouteStats(), 0, exposed(LatencyTag{}), exposed(MinFillTag{}), exposed(MaxFillTag{}),
@@ -180,7 +180,7 @@ TEST(ParamLayoutTest, ResetClearsTheCarrierPriorityToo)
     EXPECT_FALSE(map.*exposed(PrioritySetTag{}));
 }
 
-TEST(ParamLayoutTest, ParametersOfClocks)
+TEST(ParamLayoutTest, MembersOfClockParametersKeepTheirPlaces)
 {
     expectFields(systemtimer::TimerSyncCallbackParam(), virtualTable, exposed(TimerStateTag{}));
     expectFields(swpll::SwPllStateMonitorCallbackParam(), virtualTable, exposed(PllStateTag{}), exposed(PllErrorTag{}),
@@ -192,7 +192,7 @@ TEST(ParamLayoutTest, ParametersOfClocks)
                  exposed(CalibrationModifiedTag{}), exposed(ControlUpdateTag{}), exposed(ControlValueTag{}));
 }
 
-TEST(ParamLayoutTest, PhaseLockMonitor)
+TEST(ParamLayoutTest, MembersOfThePhaseLockMonitorKeepTheirPlaces)
 {
     class Judge : public Monitor {
     public:
@@ -215,7 +215,7 @@ TEST(ParamLayoutTest, PhaseLockInterfaceHasItsMonitorsBehindAbstractBif)
                 testing::ElementsAre(sizeof(bif::AbstractBif<phaselock::PhaseLockStatusCallbackParam>)));
 }
 
-TEST(ParamLayoutTest, RecordsOfTheOcxo)
+TEST(ParamLayoutTest, MembersOfOcxoRecordsKeepTheirPlaces)
 {
     using Current = ocxo::SClkOcxoStatusSensorOvenCurrent;
     using Outer = ocxo::SClkOcxoStatusSensorOvenTempOuterOven;

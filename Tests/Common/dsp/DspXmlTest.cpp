@@ -242,7 +242,7 @@ TEST_F(DspXmlTest, NullNameFailsSilently)
     EXPECT_TRUE(isUntouched());
 }
 
-TEST_F(DspXmlTest, FileThatIsNotThere)
+TEST_F(DspXmlTest, FileThatIsNotThereIsAFailure)
 {
     EXPECT_EQ(ApiReadDspXml(path, &m_config, &m_addresses), 0U);
 
@@ -250,7 +250,7 @@ TEST_F(DspXmlTest, FileThatIsNotThere)
     EXPECT_TRUE(isUntouched());
 }
 
-TEST_F(DspXmlTest, FileThatCannotBeRead)
+TEST_F(DspXmlTest, FileThatCannotBeReadIsAFailure)
 {
     const std::string text = document(bootInfo + memAddress);
     const auto expectReadFailed = [&] {
@@ -308,7 +308,7 @@ TEST_F(DspXmlTest, BufferAndFileAreGivenBackBeforeTheTreeIsLookedAt)
     EXPECT_THAT(linesAfterClose, ElementsAre("Warning 0x20046 XML parsing failed 1"));
 }
 
-TEST_F(DspXmlTest, TextThatIsNoXml)
+TEST_F(DspXmlTest, TextThatIsNoXmlIsAFailure)
 {
     for (const std::string& text : {std::string(), std::string("\0\0", 2), std::string("<service version='1'>"),
                                     std::string(100'000, 'x'), document(bootInfo + memAddress) + "<more/>"}) {
@@ -321,7 +321,7 @@ TEST_F(DspXmlTest, TextThatIsNoXml)
     EXPECT_TRUE(isUntouched());
 }
 
-TEST_F(DspXmlTest, DocumentWithoutDspParams)
+TEST_F(DspXmlTest, DocumentWithoutDspParamsIsRefused)
 {
     for (const char* const text :
          {"<service version='1.0'/>", "<service/>", "<service version='1.0'><DSPparams/></service>",
@@ -333,7 +333,7 @@ TEST_F(DspXmlTest, DocumentWithoutDspParams)
     EXPECT_TRUE(isUntouched());
 }
 
-TEST_F(DspXmlTest, RootWithoutVersion)
+TEST_F(DspXmlTest, RootWithoutVersionIsRefused)
 {
     EXPECT_EQ(read("<service Version='1.0'><version>1.0</version><DSPParams version='1.0'>" + bootInfo + memAddress +
                    "</DSPParams></service>"),
@@ -350,7 +350,7 @@ TEST_F(DspXmlTest, EmptyVersionIsOne)
     EXPECT_THAT(m_log.texts(), ElementsAre(opened, "Debug 0x20046 Using version '' of dsp.xml file"));
 }
 
-TEST_F(DspXmlTest, SectionBootInfoMissing)
+TEST_F(DspXmlTest, MissingBootInfoStopsTheReading)
 {
     for (const std::string& sections :
          {memAddress, "<bootInfo/>" + memAddress, "<x>" + bootInfo + "</x>" + memAddress}) {
@@ -384,7 +384,7 @@ TEST_F(DspXmlTest, FirstMissingEntryOfBootInfoStopsTheReading)
     }
 }
 
-TEST_F(DspXmlTest, SectionMemAddressMissing)
+TEST_F(DspXmlTest, MissingMemAddressLeavesBootInfoRead)
 {
     EXPECT_EQ(read(document(bootInfo)), 0U);
 

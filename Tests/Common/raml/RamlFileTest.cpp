@@ -94,7 +94,7 @@ TEST_F(RamlFileTest, FolderCannotBeRead)
     EXPECT_THAT(errorsOf(m_log), ElementsAre(openingFailed));
 }
 
-TEST_F(RamlFileTest, FileThatMayNotBeOpened)
+TEST_F(RamlFileTest, FileThatMayNotBeOpenedIsAFailure)
 {
     write(inObject(""));
     const FailEvery<AaFileOpen> denied;
@@ -103,7 +103,7 @@ TEST_F(RamlFileTest, FileThatMayNotBeOpened)
     EXPECT_THAT(errorsOf(m_log), ElementsAre(openingFailed));
 }
 
-TEST_F(RamlFileTest, FileThatCannotBeRead)
+TEST_F(RamlFileTest, FileThatCannotBeReadIsAFailure)
 {
     write(inObject(""));
     const FailNth<AaFileRead> broken(1);
@@ -123,7 +123,7 @@ TEST_F(RamlFileTest, ReadErrorInTheMiddleIsNoEndOfTheFile)
     EXPECT_THAT(errorsOf(m_log), ElementsAre(openingFailed));
 }
 
-TEST_F(RamlFileTest, FileTooLargeForThePlatform)
+TEST_F(RamlFileTest, FileTooLargeForThePlatformIsAFailure)
 {
     write(inObject(""));
     for (const std::int32_t size : {-1, INT32_MAX}) {

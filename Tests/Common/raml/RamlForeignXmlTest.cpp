@@ -105,7 +105,7 @@ TEST_F(RamlForeignXmlTest, FirstRamlElementAmongTheTopNodesCounts)
     EXPECT_THAT(errors(), IsEmpty());
 }
 
-TEST_F(RamlForeignXmlTest, TopNodesWithoutRamlElement)
+TEST_F(RamlForeignXmlTest, TopNodesWithoutRamlElementAreASyntaxError)
 {
     m_root->add(AA_GPU_XML_ATTRIBUTE_NODE, "raml", "attribute");
     m_root->add(AA_GPU_XML_ROOT_NODE, "raml");
@@ -115,7 +115,7 @@ TEST_F(RamlForeignXmlTest, TopNodesWithoutRamlElement)
                 ElementsAre("Error 0x20066 Validation constraint violation: missing required element [raml]"));
 }
 
-TEST_F(RamlForeignXmlTest, FileThatCannotBeOpened)
+TEST_F(RamlForeignXmlTest, FileThatCannotBeOpenedIsAFailure)
 {
     EXPECT_EQ(RamlParser().parseRaml("/ffs/site.xml", m_result, true), nullptr);
     EXPECT_EQ(m_result, RAML_RESOURCE_LIMITATION);

@@ -103,7 +103,7 @@ TEST(RamlLayoutTest, NothingButDestructorsIsVirtual)
 
 // ------------------------------------------------------------------------------------------------------------- members
 
-TEST(RamlLayoutTest, MembersOfDocumentAndHeader)
+TEST(RamlLayoutTest, MembersOfDocumentAndHeaderKeepTheirPlaces)
 {
     const RAML_Type document;
     EXPECT_THAT(offsetsIn(document, &RAML_Type::cmDataList, &RAML_Type::xmlns, &RAML_Type::version),
@@ -112,7 +112,7 @@ TEST(RamlLayoutTest, MembersOfDocumentAndHeader)
     EXPECT_THAT(offsetsIn(header, &RAML_HeaderType::logs), ElementsAre(word));
 }
 
-TEST(RamlLayoutTest, MembersOfBlock)
+TEST(RamlLayoutTest, MembersOfBlockKeepTheirPlaces)
 {
     const RAML_CMDataType cmData;
     constexpr std::size_t objects = sizeof(RAML_HeaderType);
@@ -127,7 +127,7 @@ TEST(RamlLayoutTest, MembersOfBlock)
                 ElementsAre(name, name + text, name + 2 * text, name + 3 * text));
 }
 
-TEST(RamlLayoutTest, MembersOfLog)
+TEST(RamlLayoutTest, MembersOfLogKeepTheirPlaces)
 {
     const RAML_LogType log;
     EXPECT_THAT(offsetsIn(log, &RAML_LogType::dateTime, &RAML_LogType::action, &RAML_LogType::user,
@@ -137,7 +137,7 @@ TEST(RamlLayoutTest, MembersOfLog)
                             word + 6 * text));
 }
 
-TEST(RamlLayoutTest, MembersOfManagedObject)
+TEST(RamlLayoutTest, MembersOfManagedObjectKeepTheirPlaces)
 {
     using Mo = RAML_ManagedObjectType;
     const Mo mo;
@@ -160,7 +160,7 @@ TEST(RamlLayoutTest, MembersOfManagedObject)
     EXPECT_THAT(offsetsIn(mo, &Mo::mFilter), ElementsAre(levelScope + 8));
 }
 
-TEST(RamlLayoutTest, MembersOfRecords)
+TEST(RamlLayoutTest, MembersOfRecordsKeepTheirPlaces)
 {
     const RAML_MODefaultsType defaults;
     EXPECT_THAT(offsetsIn(defaults, &RAML_MODefaultsType::name, &RAML_MODefaultsType::id, &RAML_MODefaultsType::status),
@@ -170,7 +170,7 @@ TEST(RamlLayoutTest, MembersOfRecords)
                 ElementsAre(0U, text));
 }
 
-TEST(RamlLayoutTest, MembersOfParameters)
+TEST(RamlLayoutTest, MembersOfParametersKeepTheirPlaces)
 {
     const RAML_ParameterType parameter;
     constexpr std::size_t behindBase = aligned(word + text + 4);
@@ -181,7 +181,7 @@ TEST(RamlLayoutTest, MembersOfParameters)
     EXPECT_THAT(offsetsIn(list, &RAML_ListType::listElements), ElementsAre(behindBase));
 }
 
-TEST(RamlLayoutTest, MembersOfListElements)
+TEST(RamlLayoutTest, MembersOfListElementsKeepTheirPlaces)
 {
     const RAML_ListParameterType bare;
     EXPECT_THAT(offsetsIn<RAML_ListElementType>(bare, &RAML_ListElementType::type), ElementsAre(word));
@@ -191,7 +191,7 @@ TEST(RamlLayoutTest, MembersOfListElements)
     EXPECT_THAT(offsetsIn(item, &RAML_ItemType::mListItemOperation), ElementsAre(aligned(word + 4) + vector));
 }
 
-TEST(RamlLayoutTest, MembersOfParser)
+TEST(RamlLayoutTest, MembersOfParserKeepTheirPlaces)
 {
     const RamlParser parser;
     EXPECT_THAT(offsetsIn(parser, exposed(dorn::test::DocumentNodeTag{})), ElementsAre(word));

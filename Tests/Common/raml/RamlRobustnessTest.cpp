@@ -147,7 +147,7 @@ TEST_F(RamlRobustnessTest, LongTextsAreKept)
     EXPECT_EQ(mo().mParameters.at(0)->name.size(), text.size());
 }
 
-TEST_F(RamlRobustnessTest, ManyObjectsListsAndItems)
+TEST_F(RamlRobustnessTest, ManyObjectsListsAndItemsAreRead)
 {
     EXPECT_EQ(resultOf(inObject(repeated("<list name='l'><p/></list>", deep)), 30), RAML_OK);
     EXPECT_EQ(mo().mParameters.size(), deep);

@@ -34,14 +34,14 @@ public:
     Req* NewReq(void* /*msgHandle*/) override { return nullptr; }
 };
 
-TEST(ReqLayoutTest, VirtualFunctionsOfReq)
+TEST(ReqLayoutTest, VirtualFunctionsOfReqKeepTheirOrder)
 {
     EXPECT_EQ(slotOf(&Req::HandleReq), 2); // behind the destructor's two
     EXPECT_EQ(slotOf(&Req::HandleForwardedReqResp), 3);
     EXPECT_EQ(slotOf(&Req::HandleForwardedReqTimeout), 4);
 }
 
-TEST(ReqLayoutTest, VirtualFunctionsOfReqHandler)
+TEST(ReqLayoutTest, VirtualFunctionsOfReqHandlerKeepTheirOrder)
 {
     EXPECT_EQ(slotOf(&ReqHandler::NewReq), 2);
     EXPECT_EQ(slotOf<void (ReqHandler::*)(void*)>(&ReqHandler::HandleNewReq), -1);
@@ -55,7 +55,7 @@ TEST(ReqLayoutTest, VirtualFunctionsOfReqHandler)
     EXPECT_FALSE(std::is_abstract_v<Req>);
 }
 
-TEST(ReqLayoutTest, MembersOfReq)
+TEST(ReqLayoutTest, MembersOfReqKeepTheirPlaces)
 {
     const RecordingPlatform platform;
     NoReqs handler;
@@ -70,7 +70,7 @@ TEST(ReqLayoutTest, MembersOfReq)
     EXPECT_EQ(owner, &handler);
 }
 
-TEST(ReqLayoutTest, MembersOfReqHandler)
+TEST(ReqLayoutTest, MembersOfReqHandlerKeepTheirPlaces)
 {
     const RecordingPlatform platform;
     const NoReqs handler;

@@ -101,17 +101,17 @@ protected:
     testkit::TestNode m_node;
 };
 
-TEST_F(BinaryMemoryTest, Validation)
+TEST_F(BinaryMemoryTest, ValidationFailsCleanlyWithoutMemory)
 {
     EXPECT_THAT(resultsOf([] { return binary_validate(path, 0x3A01); }), UnorderedElementsAre(70401, 70406, 70413));
 }
 
-TEST_F(BinaryMemoryTest, CheckOfTheCrc)
+TEST_F(BinaryMemoryTest, CheckOfTheCrcFailsCleanlyWithoutMemory)
 {
     EXPECT_THAT(resultsOf([] { return binary_crc(path); }), UnorderedElementsAre(70401, 70406, 70413));
 }
 
-TEST_F(BinaryMemoryTest, Version)
+TEST_F(BinaryMemoryTest, VersionFailsCleanlyWithoutMemory)
 {
     const auto version = [] {
         std::uint32_t number = 0;
@@ -123,12 +123,12 @@ TEST_F(BinaryMemoryTest, Version)
     EXPECT_THAT(resultsOf(version), UnorderedElementsAre(-1, -2));
 }
 
-TEST_F(BinaryMemoryTest, Copy)
+TEST_F(BinaryMemoryTest, CopyFailsCleanlyWithoutMemory)
 {
     EXPECT_THAT(resultsOf([] { return binary_copy_without_trailer(path, "/payload"); }), UnorderedElementsAre(-1, -8));
 }
 
-TEST_F(BinaryMemoryTest, Crc)
+TEST_F(BinaryMemoryTest, CrcFailsCleanlyWithoutMemory)
 {
     const std::uint32_t whole = crcOf(payloadOf(1000));
     const auto calculate = [whole] {

@@ -96,7 +96,7 @@ TEST_F(CopyWithoutTrailerTest, FileMayBeTheWordAlone)
     EXPECT_EQ(copied(), "");
 }
 
-TEST_F(CopyWithoutTrailerTest, SourceThatIsMissing)
+TEST_F(CopyWithoutTrailerTest, SourceThatIsMissingIsAFailure)
 {
     EXPECT_EQ(copy(), -1);
     EXPECT_FALSE(isCopyThere());
@@ -118,7 +118,7 @@ TEST_F(CopyWithoutTrailerTest, PipeHasNoEndAndHoldsNobodyUp)
     EXPECT_EQ(binary_copy_without_trailer("/fifo", destination), -2);
 }
 
-TEST_F(CopyWithoutTrailerTest, SizeThatIsNotKnown)
+TEST_F(CopyWithoutTrailerTest, SizeThatIsNotKnownIsAFailure)
 {
     write(goodImage());
     const FailNth<AaFileGetPosition> failure(1);
@@ -135,7 +135,7 @@ TEST_F(CopyWithoutTrailerTest, SizeThatDoesNotFit)
     EXPECT_EQ(copy(), -3);
 }
 
-TEST_F(CopyWithoutTrailerTest, FileThatIsShorterThanTheWord)
+TEST_F(CopyWithoutTrailerTest, FileThatIsShorterThanTheWordIsAFailure)
 {
     for (std::size_t size = 0; size < 4; ++size) {
         EXPECT_EQ(copy(std::string(size, 'x')), -4);
@@ -143,7 +143,7 @@ TEST_F(CopyWithoutTrailerTest, FileThatIsShorterThanTheWord)
     EXPECT_FALSE(isCopyThere());
 }
 
-TEST_F(CopyWithoutTrailerTest, WordThatIsReadInPart)
+TEST_F(CopyWithoutTrailerTest, WordThatIsReadInPartIsAFailure)
 {
     write(goodImage());
     const FailNth<AaFileRead> shortRead(1, 3);
@@ -152,7 +152,7 @@ TEST_F(CopyWithoutTrailerTest, WordThatIsReadInPart)
     EXPECT_FALSE(isCopyThere());
 }
 
-TEST_F(CopyWithoutTrailerTest, WordThatCannotBeRead)
+TEST_F(CopyWithoutTrailerTest, WordThatCannotBeReadIsAFailure)
 {
     write(goodImage());
     const FailNth<AaFileRead> failure(1);
@@ -160,7 +160,7 @@ TEST_F(CopyWithoutTrailerTest, WordThatCannotBeRead)
     EXPECT_EQ(copy(), -5);
 }
 
-TEST_F(CopyWithoutTrailerTest, OffsetThatIsNotBelowTheSize)
+TEST_F(CopyWithoutTrailerTest, OffsetThatIsNotBelowTheSizeIsAFailure)
 {
     EXPECT_EQ(copy("payload" + wordOf(11)), -6);
     EXPECT_EQ(copy("payload" + wordOf(12)), -6);
@@ -178,7 +178,7 @@ TEST_F(CopyWithoutTrailerTest, BeginThatIsNotReached)
     EXPECT_FALSE(isCopyThere());
 }
 
-TEST_F(CopyWithoutTrailerTest, DestinationThatCannotBeOpened)
+TEST_F(CopyWithoutTrailerTest, DestinationThatCannotBeOpenedIsAFailure)
 {
     write(goodImage());
 
@@ -251,7 +251,7 @@ TEST_F(CopyWithoutTrailerTest, WriteThatFallsShort)
     }
 }
 
-TEST_F(CopyWithoutTrailerTest, DiskThatFillsUp)
+TEST_F(CopyWithoutTrailerTest, DiskThatFillsUpIsAFailure)
 {
     write(imageOf(payloadOf(5000), ""));
     const testkit::FullDisk disk(3000);

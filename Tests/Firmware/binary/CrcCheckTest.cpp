@@ -35,7 +35,7 @@ TEST_F(CrcCheckTest, NothingButTheCrcCounts)
     EXPECT_EQ(check(imageOf(payload, trailerOf(element("Crc32", std::to_string(crcOf(payload)))))), 0);
 }
 
-TEST_F(CrcCheckTest, TrailerThatCannotBeRead)
+TEST_F(CrcCheckTest, TrailerThatCannotBeReadIsAFailure)
 {
     EXPECT_EQ(binary_crc(path), 70406);
     EXPECT_THAT(m_syslog.texts(),
@@ -43,14 +43,14 @@ TEST_F(CrcCheckTest, TrailerThatCannotBeRead)
                             "info binary_crc(): File '/ffs/run/boot/image.bin' trailer read failed 70406 (0x11306)"));
 }
 
-TEST_F(CrcCheckTest, TrailerOffsetThatIsInvalid)
+TEST_F(CrcCheckTest, TrailerOffsetThatIsInvalidIsAFailure)
 {
     EXPECT_EQ(check("payload" + wordOf(0)), 70407);
     EXPECT_EQ(m_syslog.texts().back(),
               "info binary_crc(): File '/ffs/run/boot/image.bin' trailer read failed 70407 (0x11307)");
 }
 
-TEST_F(CrcCheckTest, TrailerThatIsNotXml)
+TEST_F(CrcCheckTest, TrailerThatIsNotXmlIsAFailure)
 {
     const std::string image = imageOf(payload, "<trailer>");
 
@@ -68,7 +68,7 @@ TEST_F(CrcCheckTest, DocumentOfAnotherElementHasNoTrailer)
                 ElementsAreArray(joined({trailerLines(image), {"info binary_crc(): Invalid trailer XML"}})));
 }
 
-TEST_F(CrcCheckTest, PayloadThatIsDamaged)
+TEST_F(CrcCheckTest, PayloadThatIsDamagedIsAFailure)
 {
     std::string image = goodImage();
     image[0] = static_cast<char>(image[0] ^ 0x80);
@@ -92,7 +92,7 @@ TEST_F(CrcCheckTest, CrcThatIsMissingIsZero)
                   std::to_string(static_cast<int>(crcOf(payload))) + ", Assumed: 0");
 }
 
-TEST_F(CrcCheckTest, CrcThatCannotBeComputed)
+TEST_F(CrcCheckTest, CrcThatCannotBeComputedIsAFailure)
 {
     const FailNth<AaFileOpen> failure(2);
 

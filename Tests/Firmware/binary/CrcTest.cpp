@@ -291,13 +291,13 @@ TEST_F(CrcTest, ItemsAreReadInLargeBlocks)
     EXPECT_EQ(reads.count(), 8U);
 }
 
-TEST_F(CrcTest, FileThatIsMissing)
+TEST_F(CrcTest, FileThatIsMissingIsAFailure)
 {
     expectFailure();
     EXPECT_THAT(m_syslog.texts(), ElementsAre("info calculate_crc(): Could not open file: /ffs/run/boot/image.bin"));
 }
 
-TEST_F(CrcTest, PositionThatCannotBeMovedToTheBegin)
+TEST_F(CrcTest, PositionThatCannotBeMovedToTheBeginIsAFailure)
 {
     write("12345678");
     const FailNth<AaFileSetPosition> failure(1);

@@ -84,13 +84,13 @@ TEST_F(GetTrailerTest, OffsetMayLieInTheWord)
     EXPECT_EQ(read(1), (Answer{0, 10, std::string(1, '\0')}));
 }
 
-TEST_F(GetTrailerTest, FileThatIsMissing)
+TEST_F(GetTrailerTest, FileThatIsMissingIsAFailure)
 {
     EXPECT_EQ(read(), (Answer{70406, 0, "none"}));
     EXPECT_THAT(m_syslog.texts(), ElementsAre(notOpened));
 }
 
-TEST_F(GetTrailerTest, FileThatIsShorterThanTheWord)
+TEST_F(GetTrailerTest, FileThatIsShorterThanTheWordIsAFailure)
 {
     for (std::size_t size = 0; size < 4; ++size) {
         const SyslogCapture* const lines = &m_syslog;
@@ -106,7 +106,7 @@ TEST_F(GetTrailerTest, FileThatIsShorterThanTheWord)
     }
 }
 
-TEST_F(GetTrailerTest, WordThatIsReadInPart)
+TEST_F(GetTrailerTest, WordThatIsReadInPartIsAFailure)
 {
     write(goodImage());
     const FailNth<AaFileRead> shortRead(1, 3);
@@ -115,7 +115,7 @@ TEST_F(GetTrailerTest, WordThatIsReadInPart)
     EXPECT_THAT(m_syslog.texts(), ElementsAre(opened, trailerLines(goodImage())[1], notRead));
 }
 
-TEST_F(GetTrailerTest, WordThatCannotBeRead)
+TEST_F(GetTrailerTest, WordThatCannotBeReadIsAFailure)
 {
     write(goodImage());
     const FailNth<AaFileRead> failure(1);
@@ -124,7 +124,7 @@ TEST_F(GetTrailerTest, WordThatCannotBeRead)
     EXPECT_EQ(m_syslog.texts().back(), notRead);
 }
 
-TEST_F(GetTrailerTest, PositionThatCannotBeMovedToTheWord)
+TEST_F(GetTrailerTest, PositionThatCannotBeMovedToTheWordIsAFailure)
 {
     write(goodImage());
     const FailNth<AaFileSetPosition> failure(1);
@@ -192,7 +192,7 @@ TEST_F(GetTrailerTest, FileOfTwoGibibytesHasNoValidOffset)
     EXPECT_EQ(m_syslog.texts()[1], "info get_trailer(): FileSize: -1, 0xffffffff");
 }
 
-TEST_F(GetTrailerTest, PositionThatCannotBeMovedToTheTrailer)
+TEST_F(GetTrailerTest, PositionThatCannotBeMovedToTheTrailerIsAFailure)
 {
     write(goodImage());
     const FailNth<AaFileSetPosition> failure(2);
@@ -220,7 +220,7 @@ TEST_F(GetTrailerTest, TrailerThatIsNotReadWhole)
     EXPECT_THAT(m_syslog.texts(), ElementsAreArray(joined({trailerLines(goodImage()), {notRead}})));
 }
 
-TEST_F(GetTrailerTest, TrailerThatCannotBeRead)
+TEST_F(GetTrailerTest, TrailerThatCannotBeReadIsAFailure)
 {
     write(goodImage());
     const FailNth<AaFileRead> failure(2);

@@ -76,26 +76,26 @@ TEST_F(ReleaseTest, BlocksAreCounted)
     EXPECT_EQ(liveBlocks(), blocks);
 }
 
-TEST_F(ReleaseTest, GoodImage)
+TEST_F(ReleaseTest, GoodImageLeavesNothingBehind)
 {
     expectAllReleased(0, 0, 0);
 }
 
-TEST_F(ReleaseTest, ImageThatIsMissing)
+TEST_F(ReleaseTest, ImageThatIsMissingLeavesNothingBehind)
 {
     AaFileRemove(path);
 
     expectAllReleased(70406, 70406, -1);
 }
 
-TEST_F(ReleaseTest, TrailerOffsetThatIsInvalid)
+TEST_F(ReleaseTest, TrailerOffsetThatIsInvalidLeavesNothingBehind)
 {
     write("payload" + wordOf(0));
 
     expectAllReleased(70407, 70407, -1);
 }
 
-TEST_F(ReleaseTest, TrailerThatIsReadInPart)
+TEST_F(ReleaseTest, TrailerThatIsReadInPartLeavesNothingBehind)
 {
     const auto partly = [](std::int32_t (*call)()) {
         return [call] {
@@ -109,28 +109,28 @@ TEST_F(ReleaseTest, TrailerThatIsReadInPart)
     expectReleased(partly(version), -1);
 }
 
-TEST_F(ReleaseTest, TrailerThatIsNotXml)
+TEST_F(ReleaseTest, TrailerThatIsNotXmlLeavesNothingBehind)
 {
     write(imageOf(payload, "<trailer><Version>1</Version>"));
 
     expectAllReleased(70401, 70401, -2);
 }
 
-TEST_F(ReleaseTest, DocumentOfAnotherElement)
+TEST_F(ReleaseTest, DocumentOfAnotherElementLeavesNothingBehind)
 {
     write(imageOf(payload, element("image", trailerOf(contentFor(payload)))));
 
     expectAllReleased(70401, 70401, -3);
 }
 
-TEST_F(ReleaseTest, PayloadThatIsDamaged)
+TEST_F(ReleaseTest, PayloadThatIsDamagedLeavesNothingBehind)
 {
     write(imageOf(payloadOf(1000), trailerOf(contentFor("another payload"))));
 
     expectAllReleased(70413, 70413, 0);
 }
 
-TEST_F(ReleaseTest, CrcThatCannotBeComputed)
+TEST_F(ReleaseTest, CrcThatCannotBeComputedLeavesNothingBehind)
 {
     const auto withoutCrc = [](std::int32_t (*call)()) {
         return [call] {
@@ -143,14 +143,14 @@ TEST_F(ReleaseTest, CrcThatCannotBeComputed)
     expectReleased(withoutCrc(check), 70413);
 }
 
-TEST_F(ReleaseTest, ImageForAnotherBoard)
+TEST_F(ReleaseTest, ImageForAnotherBoardLeavesNothingBehind)
 {
     write(imageOf(payload, trailerOf(element("Crc32", std::to_string(crcOf(payload))))));
 
     expectAllReleased(70411, 0, 1);
 }
 
-TEST_F(ReleaseTest, Crc)
+TEST_F(ReleaseTest, CrcLeavesNothingBehind)
 {
     const auto calculate = [] {
         std::uint32_t crc = 0;
@@ -162,7 +162,7 @@ TEST_F(ReleaseTest, Crc)
     expectReleased(calculate, 70406);
 }
 
-TEST_F(ReleaseTest, Copy)
+TEST_F(ReleaseTest, CopyLeavesNothingBehind)
 {
     const auto copy = [] { return binary_copy_without_trailer(path, "/payload"); };
 

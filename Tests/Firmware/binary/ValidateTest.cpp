@@ -84,21 +84,21 @@ TEST_F(ValidateTest, CrcMayBeWrittenInEitherBase)
     }
 }
 
-TEST_F(ValidateTest, TrailerThatCannotBeRead)
+TEST_F(ValidateTest, TrailerThatCannotBeReadIsAFailure)
 {
     EXPECT_EQ(binary_validate(path, ownId), 70406);
     EXPECT_THAT(m_log.texts(),
                 ElementsAre("Error 0x20003 Reading the file trailer failed, errorCode: 70406 (0x11306)"));
 }
 
-TEST_F(ValidateTest, TrailerOffsetThatIsInvalid)
+TEST_F(ValidateTest, TrailerOffsetThatIsInvalidIsAFailure)
 {
     EXPECT_EQ(validate("payload" + wordOf(0)), 70407);
     EXPECT_THAT(m_log.texts(),
                 ElementsAre("Error 0x20003 Reading the file trailer failed, errorCode: 70407 (0x11307)"));
 }
 
-TEST_F(ValidateTest, TrailerThatIsNotXml)
+TEST_F(ValidateTest, TrailerThatIsNotXmlIsAFailure)
 {
     EXPECT_EQ(validate(imageOf(payload, "<trailer>")), 70401);
     EXPECT_THAT(m_log.texts(), ElementsAre("Error 0x20003 Trailer data parsing failed (code: 1)"));
@@ -110,7 +110,7 @@ TEST_F(ValidateTest, TrailerInAnEncodingThatIsNotRead)
     EXPECT_THAT(m_log.texts(), ElementsAre("Error 0x20003 Trailer data parsing failed (code: 2)"));
 }
 
-TEST_F(ValidateTest, TrailerThatIsEmpty)
+TEST_F(ValidateTest, TrailerThatIsEmptyIsAFailure)
 {
     EXPECT_EQ(validate(imageOf(payload, "")), 70401);
     EXPECT_THAT(m_log.texts(), ElementsAre("Error 0x20003 Trailer data parsing failed (code: 1)"));
@@ -135,7 +135,7 @@ TEST_F(ValidateTest, DocumentOfAnotherElementHasNoTrailer)
     EXPECT_THAT(m_log.texts(), ElementsAre("Debug 0x20003 SW_DL_ERROR!!! could not find node"));
 }
 
-TEST_F(ValidateTest, PayloadThatIsDamaged)
+TEST_F(ValidateTest, PayloadThatIsDamagedIsAFailure)
 {
     std::string image = goodImage();
     image[500] = static_cast<char>(image[500] ^ 1);
@@ -148,7 +148,7 @@ TEST_F(ValidateTest, PayloadThatIsDamaged)
     EXPECT_EQ(m_log.texts().size(), 8U);
 }
 
-TEST_F(ValidateTest, CrcThatCannotBeComputed)
+TEST_F(ValidateTest, CrcThatCannotBeComputedIsAFailure)
 {
     const FailNth<AaFileOpen> failure(2);
 
@@ -165,14 +165,14 @@ TEST_F(ValidateTest, CrcThatCannotBeComputedIsNoCrcOfZero)
     EXPECT_EQ(validateContent(listElement), 70413);
 }
 
-TEST_F(ValidateTest, ImageForAnotherBoard)
+TEST_F(ValidateTest, ImageForAnotherBoardIsRefused)
 {
     EXPECT_EQ(validate(goodImage(), 0x3B01), 70411);
     EXPECT_EQ(m_log.texts().back(),
               "Error 0x20003 Own HwSwId not found from trailer, binary is not compatible with this board!");
 }
 
-TEST_F(ValidateTest, ImageWithoutList)
+TEST_F(ValidateTest, ImageWithoutListIsRefused)
 {
     EXPECT_EQ(validateContent(crcElement), 70411);
 }

@@ -94,7 +94,7 @@ TEST_F(VersionTest, PayloadIsNotLookedAt)
     EXPECT_EQ(read(), (Answer{0, 7}));
 }
 
-TEST_F(VersionTest, TrailerThatCannotBeRead)
+TEST_F(VersionTest, TrailerThatCannotBeReadIsAFailure)
 {
     EXPECT_EQ(read(), (Answer{-1, 0}));
     EXPECT_THAT(m_syslog.texts(),
@@ -102,7 +102,7 @@ TEST_F(VersionTest, TrailerThatCannotBeRead)
                             "info binary_version(): Trailer read failed 70406 (0x11306)"));
 }
 
-TEST_F(VersionTest, TrailerOffsetThatIsInvalid)
+TEST_F(VersionTest, TrailerOffsetThatIsInvalidIsAFailure)
 {
     write("payload" + wordOf(11));
 
@@ -110,7 +110,7 @@ TEST_F(VersionTest, TrailerOffsetThatIsInvalid)
     EXPECT_EQ(m_syslog.texts().back(), "info binary_version(): Trailer read failed 70407 (0x11307)");
 }
 
-TEST_F(VersionTest, TrailerThatIsNotXml)
+TEST_F(VersionTest, TrailerThatIsNotXmlIsAFailure)
 {
     write(imageOf("payload", "no XML"));
 

@@ -151,7 +151,7 @@ TEST_F(UbootDecisionTest, ElevenImagesAreTooMany)
     EXPECT_THAT(lines(), ElementsAre(asked, fromRam));
 }
 
-TEST_F(UbootDecisionTest, OwnHwSwIdThatCannotBeRead)
+TEST_F(UbootDecisionTest, OwnHwSwIdThatCannotBeReadIsAFailure)
 {
     startFrom(2);
     putImage("NAX-THISTLE.bin", 523);
@@ -161,7 +161,7 @@ TEST_F(UbootDecisionTest, OwnHwSwIdThatCannotBeRead)
     EXPECT_EQ(m_name.name(), "");
 }
 
-TEST_F(UbootDecisionTest, UnitIdThatCannotBeRead)
+TEST_F(UbootDecisionTest, UnitIdThatCannotBeReadIsAFailure)
 {
     startFrom(2);
     putImage("NAX-THISTLE.bin", 523);
@@ -215,7 +215,7 @@ TEST_F(UbootDecisionTest, VersionHasNoSign)
                           "0x80000000 (-2147483648)");
 }
 
-TEST_F(UbootDecisionTest, LocationThatCannotBeRead)
+TEST_F(UbootDecisionTest, LocationThatCannotBeReadIsAFailure)
 {
     startFrom(2);
     const FailNth<ddal_boot_get_uboot_id> failure(1);
@@ -225,7 +225,7 @@ TEST_F(UbootDecisionTest, LocationThatCannotBeRead)
     EXPECT_THAT(lines(), ElementsAre(asked, driverFailure("is_uboot_update_needed", "ddal_boot_get_uboot_id")));
 }
 
-TEST_F(UbootDecisionTest, NoImage)
+TEST_F(UbootDecisionTest, WithoutImageNothingIsToBeFlashed)
 {
     startFrom(2);
 
@@ -234,7 +234,7 @@ TEST_F(UbootDecisionTest, NoImage)
     EXPECT_THAT(lines(), ElementsAre(asked, fromRam, "info is_uboot_update_needed(): no uboot binary"));
 }
 
-TEST_F(UbootDecisionTest, SeveralImages)
+TEST_F(UbootDecisionTest, SeveralImagesAreAFailure)
 {
     startFrom(2);
     putImage("NAX-THISTLE-1.bin", 1);
@@ -254,7 +254,7 @@ TEST_F(UbootDecisionTest, FailureOfTheSearchIsPassedOn)
     EXPECT_EQ(m_name.name(), "");
 }
 
-TEST_F(UbootDecisionTest, ActiveVersionThatCannotBeRead)
+TEST_F(UbootDecisionTest, ActiveVersionThatCannotBeReadIsAFailure)
 {
     startFrom(2);
     putImage("NAX-THISTLE.bin", 523);
@@ -376,7 +376,7 @@ TEST_F(BmuDecisionTest, MinorDifferenceIsNotAllowed)
     EXPECT_THAT(linesOf("is_bmu_update_needed"), ElementsAre("debug is_bmu_update_needed(): no bmu binary"));
 }
 
-TEST_F(BmuDecisionTest, SeveralImages)
+TEST_F(BmuDecisionTest, SeveralImagesAreAFailure)
 {
     useUnit("KIVD");
     putImage("KIV-BMU-1.bin", 1);
@@ -386,7 +386,7 @@ TEST_F(BmuDecisionTest, SeveralImages)
     EXPECT_EQ(m_name.name(), "");
 }
 
-TEST_F(BmuDecisionTest, ActiveVersionThatCannotBeRead)
+TEST_F(BmuDecisionTest, ActiveVersionThatCannotBeReadIsAFailure)
 {
     useUnit("KIVD");
     putImage("KIV-BMU.bin", 0x108);
@@ -423,7 +423,7 @@ TEST_F(BmuDecisionTest, VersionHasNoSign)
     EXPECT_EQ(ask(), 0);
 }
 
-TEST_F(BmuDecisionTest, UnitIdThatCannotBeRead)
+TEST_F(BmuDecisionTest, UnitIdThatCannotBeReadIsAFailure)
 {
     useUnit("KIVD");
     putImage("KIV-BMU.bin", 0x108);
@@ -435,7 +435,7 @@ TEST_F(BmuDecisionTest, UnitIdThatCannotBeRead)
     EXPECT_THAT(linesOf("is_bmu_update_needed"), ::testing::IsEmpty());
 }
 
-TEST_F(BmuDecisionTest, DirectoryThatIsMissing)
+TEST_F(BmuDecisionTest, DirectoryThatIsMissingIsAFailure)
 {
     useUnit("KIVD");
     std::filesystem::remove(m_node.boardPath(directory));
@@ -515,7 +515,7 @@ TEST_F(BmuDecisionTest, WithoutMcuOlderAndEqualImagesAreNotTaken)
     EXPECT_EQ(askWithoutMcu(2), 1);
 }
 
-TEST_F(BmuDecisionTest, WithoutMcuSeveralImages)
+TEST_F(BmuDecisionTest, WithoutMcuSeveralImagesAreAFailure)
 {
     useUnit("NAXE");
     putImage("KIV-BMU-1.bin", 1, 0x3B01);
@@ -526,7 +526,7 @@ TEST_F(BmuDecisionTest, WithoutMcuSeveralImages)
     EXPECT_THAT(linesOf("is_bmu_update_needed_no_mcu"), ::testing::IsEmpty());
 }
 
-TEST_F(BmuDecisionTest, WithoutMcuActiveVersionThatCannotBeRead)
+TEST_F(BmuDecisionTest, WithoutMcuActiveVersionThatCannotBeReadIsAFailure)
 {
     useUnit("NAXE");
     putImage("KIV-BMU.bin", 3, 0x3B01);
@@ -631,7 +631,7 @@ TEST_F(FpgaDecisionTest, SameVersionIsNotTaken)
     EXPECT_EQ(linesOf("is_fpga_update_needed").back(), "info is_fpga_update_needed(): no");
 }
 
-TEST_F(FpgaDecisionTest, UnitWithoutFpga)
+TEST_F(FpgaDecisionTest, UnitWithoutFpgaIsNotSupported)
 {
     useUnit("KIVN");
 
@@ -641,7 +641,7 @@ TEST_F(FpgaDecisionTest, UnitWithoutFpga)
                 ElementsAre("debug is_fpga_update_needed(): no fpga specified for unit 'KIVN'"));
 }
 
-TEST_F(FpgaDecisionTest, NoImage)
+TEST_F(FpgaDecisionTest, WithoutImageNothingIsToBeFlashed)
 {
     useUnit("NAXE");
 
@@ -650,7 +650,7 @@ TEST_F(FpgaDecisionTest, NoImage)
     EXPECT_THAT(linesOf("is_fpga_update_needed"), ElementsAre("debug is_fpga_update_needed(): no brindle binary"));
 }
 
-TEST_F(FpgaDecisionTest, SeveralImages)
+TEST_F(FpgaDecisionTest, SeveralImagesAreAFailure)
 {
     useUnit("NAXE");
     putImage("NAX-BRINDLE-1.bin", 1);
@@ -660,7 +660,7 @@ TEST_F(FpgaDecisionTest, SeveralImages)
     EXPECT_EQ(m_name.name(), "");
 }
 
-TEST_F(FpgaDecisionTest, ActiveVersionThatCannotBeRead)
+TEST_F(FpgaDecisionTest, ActiveVersionThatCannotBeReadIsAFailure)
 {
     useUnit("NAXE");
     putImage("NAX-BRINDLE.bin", 1);
@@ -698,7 +698,7 @@ TEST_F(FpgaDecisionTest, FpgaIsThatOfTheUnitsRowAlsoWhereTheLocalOneIsAnother)
     EXPECT_EQ(linesOf("is_fpga_update_needed")[1], "info is_fpga_update_needed(): active marlow version 0x4D (77)");
 }
 
-TEST_F(FpgaDecisionTest, UnitIdThatCannotBeRead)
+TEST_F(FpgaDecisionTest, UnitIdThatCannotBeReadIsAFailure)
 {
     useUnit("NAXE");
     putImage("NAX-BRINDLE.bin", 1);
@@ -713,7 +713,7 @@ TEST_F(FpgaDecisionTest, UnitIdThatCannotBeRead)
     EXPECT_EQ(linesOf("is_fpga_update_needed").back(), "debug is_fpga_update_needed(): no fpga specified for unit ''");
 }
 
-TEST_F(FpgaDecisionTest, OwnHwSwIdThatCannotBeRead)
+TEST_F(FpgaDecisionTest, OwnHwSwIdThatCannotBeReadIsAFailure)
 {
     useUnit("NAXE");
     putImage("NAX-BRINDLE.bin", 1);

@@ -256,7 +256,7 @@ TEST_F(FindMultipleTest, UnitIdIsReadAnew)
     EXPECT_EQ(calls.count(), 1U);
 }
 
-TEST_F(FindMultipleTest, UnitIdThatCannotBeRead)
+TEST_F(FindMultipleTest, UnitIdThatCannotBeReadIsAFailure)
 {
     const FailNth<ddal_devicetree_get_unit_id> failure(1);
 
@@ -287,7 +287,7 @@ TEST_F(FindMultipleTest, WhatIsNoDirectoryCannotBeOpened)
     }
 }
 
-TEST_F(FindMultipleTest, DirectoryThatCannotBeOpened)
+TEST_F(FindMultipleTest, DirectoryThatCannotBeOpenedIsAFailure)
 {
     std::filesystem::remove(m_node.boardPath(directory));
 
@@ -297,7 +297,7 @@ TEST_F(FindMultipleTest, DirectoryThatCannotBeOpened)
                                      "debug find_binary_multiple(): opendir(/ffs/run/boot) failed"));
 }
 
-TEST_F(FindMultipleTest, DirectoryThatIsGoneForTheFallback)
+TEST_F(FindMultipleTest, DirectoryThatIsGoneForTheFallbackIsAFailure)
 {
     const FailNth<AaFileGetBoardPath> failure(2);
 
@@ -390,7 +390,7 @@ TEST_F(FindCompatibleTest, MinorDifferenceCountsWhenAllowed)
     EXPECT_EQ(m_version, 7U);
 }
 
-TEST_F(FindCompatibleTest, NoneThatFits)
+TEST_F(FindCompatibleTest, NoneThatFitsGivesNoName)
 {
     putImage("NAX-CHIP-1.bin", 7, 0x3B01);
     putImage("NAX-CHIP-2.bin", 7, 0x3C01);
@@ -402,7 +402,7 @@ TEST_F(FindCompatibleTest, NoneThatFits)
                             "compatible with this board"));
 }
 
-TEST_F(FindCompatibleTest, SeveralThatFit)
+TEST_F(FindCompatibleTest, SeveralThatFitGiveNoName)
 {
     putImage("NAX-CHIP-1.bin", 7);
     putImage("NAX-CHIP-2.bin", 8);
@@ -503,7 +503,7 @@ TEST_F(FindCompatibleTest, NameThatWasCutIsNoFile)
     expectNothing();
 }
 
-TEST_F(FindCompatibleTest, HwSwIdThatCannotBeRead)
+TEST_F(FindCompatibleTest, HwSwIdThatCannotBeReadIsAFailure)
 {
     putImage("NAX-CHIP.bin", 7);
     const FailNth<ddal_devicetree_get_hw_sw_id> failure(1);
@@ -543,7 +543,7 @@ TEST_F(FindersTest, FpgaImageIsFound)
                             "/ffs/run/boot/NAX-BRINDLE.bin"));
 }
 
-TEST_F(FindersTest, UnitWithoutFpga)
+TEST_F(FindersTest, UnitWithoutFpgaIsNotSupported)
 {
     useUnit("KIVN");
 

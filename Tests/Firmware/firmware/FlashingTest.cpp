@@ -95,7 +95,7 @@ TEST_F(FlashingTest, BootLoaderIsFlashed)
     EXPECT_THAT(temporaryFiles(), IsEmpty());
 }
 
-TEST_F(FlashingTest, BootLoaderThatCannotBeFlashed)
+TEST_F(FlashingTest, BootLoaderThatCannotBeFlashedIsAFailure)
 {
     useUnit("NAXE");
     putImage("image.bin", 523);
@@ -125,7 +125,7 @@ TEST_F(FlashingTest, DamagedImageIsNotFlashed)
     EXPECT_THAT(temporaryFiles(), IsEmpty());
 }
 
-TEST_F(FlashingTest, ImageThatIsMissing)
+TEST_F(FlashingTest, ImageThatIsMissingIsAFailure)
 {
     useUnit("NAXE");
 
@@ -134,7 +134,7 @@ TEST_F(FlashingTest, ImageThatIsMissing)
                                                      "info update_uboot(): binary_crc() failed 70406"));
 }
 
-TEST_F(FlashingTest, PayloadThatCannotBeCopied)
+TEST_F(FlashingTest, PayloadThatCannotBeCopiedIsAFailure)
 {
     useUnit("NAXE");
     putImage("image.bin", 523);
@@ -413,7 +413,7 @@ TEST_F(FlashingTest, BmuOfAUnitWithoutIdHasNumberOne)
     EXPECT_EQ(flashedVersion(1, 1), 0x108U);
 }
 
-TEST_F(FlashingTest, BmuThatCannotBeFlashed)
+TEST_F(FlashingTest, BmuThatCannotBeFlashedIsAFailure)
 {
     useUnit("KIVD");
     putImage("image.bin", 0x108);
@@ -505,7 +505,7 @@ TEST_F(FlashingTest, WorksInC)
     EXPECT_EQ(flashedVersion(0x10002, 2), 0x20011U);
 }
 
-TEST_F(FlashingTest, UnitWithoutFpga)
+TEST_F(FlashingTest, UnitWithoutFpgaIsNotSupported)
 {
     useUnit("KIVN");
     putImage("image.bin", 1);

@@ -231,7 +231,7 @@ TEST_F(BmuResetTest, UnitIsTheOneThatTheDriverNamesNow)
     unit_init(); // drivers open again what the end of a node closes
 }
 
-TEST_F(BmuResetTest, UnitIdThatCannotBeRead)
+TEST_F(BmuResetTest, UnitIdThatCannotBeReadIsAFailure)
 {
     useUnit("KIVN");
     const FailNth<ddal_devicetree_get_unit_id> failure(1);

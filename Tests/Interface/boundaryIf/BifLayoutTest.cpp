@@ -97,14 +97,14 @@ TEST_F(BifLayoutTest, WithoutAnotherWorkerTheOwnOneTakesTheEvents)
     EXPECT_EQ(stored, &(own.*exposed(InternalWorkerTag{})));
 }
 
-TEST_F(BifLayoutTest, VirtualFunctionsOfTheInterface)
+TEST_F(BifLayoutTest, VirtualFunctionsOfTheInterfaceKeepTheirOrder)
 {
     EXPECT_EQ(slotOf(&ReadingBif::removeAllCallbacks), 2); // behind the destructor's two
     EXPECT_EQ(slotOf(exposed(AddCallbackTag{})), 3);
     EXPECT_EQ(slotOf(exposed(CallCallbackTag{})), 4);
 }
 
-TEST_F(BifLayoutTest, VirtualFunctionsOfTheAsynchronousHalf)
+TEST_F(BifLayoutTest, VirtualFunctionsOfTheAsynchronousHalfKeepTheirOrder)
 {
     EXPECT_EQ(slotOf(&AsynchronousBif::suspend), 0);
     EXPECT_EQ(slotOf(&AsynchronousBif::resume), 1);
@@ -120,7 +120,7 @@ TEST_F(BifLayoutTest, OtherFunctionsAreNotVirtual)
     EXPECT_EQ(slotOf(&Gauge::callEventAsynchronously), -1);
 }
 
-TEST_F(BifLayoutTest, VirtualFunctionsOfEvent)
+TEST_F(BifLayoutTest, VirtualFunctionsOfEventKeepTheirOrder)
 {
     using Event = AsynchronousBif::Event;
     static_assert(std::is_base_of_v<AbstractWorker::Task, Event>);
@@ -140,7 +140,7 @@ TEST_F(BifLayoutTest, CallbackEventOverridesAndAddsNothing)
     EXPECT_EQ(sizeof(CallbackEvent), sizeof(AsynchronousBif::Event));
 }
 
-TEST_F(BifLayoutTest, MembersOfEvent)
+TEST_F(BifLayoutTest, MembersOfEventKeepTheirPlaces)
 {
     Reading reading;
     OnReading callback([](Reading&) {});

@@ -94,17 +94,17 @@ protected:
     }
 };
 
-TEST_F(EuCancelTest, ReceiveWithoutLimit)
+TEST_F(EuCancelTest, ReceiveWithoutLimitUnwinds)
 {
     expectUnwinding([] { AaSysComMsgReceive(AA_WAIT_FOREVER); });
 }
 
-TEST_F(EuCancelTest, ReceiveWithTimeOut)
+TEST_F(EuCancelTest, ReceiveWithTimeOutUnwinds)
 {
     expectUnwinding([] { AaSysComMsgReceive(60'000'000); });
 }
 
-TEST_F(EuCancelTest, SelectiveReceive)
+TEST_F(EuCancelTest, SelectiveReceiveUnwinds)
 {
     expectUnwinding([] {
         const std::uint16_t filter[] = {1, 1};
@@ -112,7 +112,7 @@ TEST_F(EuCancelTest, SelectiveReceive)
     });
 }
 
-TEST_F(EuCancelTest, SelectiveReceiveBehindAFullQueue)
+TEST_F(EuCancelTest, SelectiveReceiveBehindAFullQueueUnwinds)
 {
     expectUnwinding([] {
         for (int count = 0; count < MessageQueue::capacity; ++count) {
@@ -123,21 +123,21 @@ TEST_F(EuCancelTest, SelectiveReceiveBehindAFullQueue)
     });
 }
 
-TEST_F(EuCancelTest, SemaphoreWithoutLimit)
+TEST_F(EuCancelTest, SemaphoreWithoutLimitUnwinds)
 {
     AaSem* sem = AaSemCreateC(0);
     expectUnwinding([sem] { AaSemTake(sem, AA_WAIT_FOREVER); });
     AaSemDestroy(&sem);
 }
 
-TEST_F(EuCancelTest, SemaphoreWithTimeOut)
+TEST_F(EuCancelTest, SemaphoreWithTimeOutUnwinds)
 {
     AaSem* sem = AaSemCreateC(0);
     expectUnwinding([sem] { AaSemTake(sem, 60'000'000); });
     AaSemDestroy(&sem);
 }
 
-TEST_F(EuCancelTest, SendToAFullReceiver)
+TEST_F(EuCancelTest, SendToAFullReceiverUnwinds)
 {
     AaSem* end = AaSemCreateC(0);
     {
@@ -153,7 +153,7 @@ TEST_F(EuCancelTest, SendToAFullReceiver)
     AaSemDestroy(&end);
 }
 
-TEST_F(EuCancelTest, CreationThatWaitsForTheEnd)
+TEST_F(EuCancelTest, CreationThatWaitsForTheEndUnwinds)
 {
     if (dorn::test::hasThreadSanitizer) {
         GTEST_SKIP() << "ThreadSanitizer does not know a join that is cancelled";
@@ -230,12 +230,12 @@ protected:
     }
 };
 
-TEST_F(PendingCancellationTest, EndOfTheEu)
+TEST_F(PendingCancellationTest, EndOfTheEuIsClean)
 {
     expectUnwindingAfter([] {});
 }
 
-TEST_F(PendingCancellationTest, Receive)
+TEST_F(PendingCancellationTest, ReceiveUnwinds)
 {
     expectUnwindingAfter([] {
         AaSysComMsgReceive(AA_WAIT_FOREVER);
@@ -243,7 +243,7 @@ TEST_F(PendingCancellationTest, Receive)
     });
 }
 
-TEST_F(PendingCancellationTest, SendWithinTheProcessToASleepingReceiver)
+TEST_F(PendingCancellationTest, SendToASleepingReceiverIsFinishedFirst)
 {
     std::atomic<int> kernelId{0};
     TestEu receiver([&] {
@@ -257,7 +257,7 @@ TEST_F(PendingCancellationTest, SendWithinTheProcessToASleepingReceiver)
     expectUnwindingAfter([] { EXPECT_EQ(sendEmpty(0x0301), EAaSysComStatus_Ok); });
 }
 
-TEST_F(PendingCancellationTest, WakeUp)
+TEST_F(PendingCancellationTest, WakeUpIsFinishedFirst)
 {
     TestEu receiver([] { AaSysComMsgReceive(AA_WAIT_FOREVER); });
     expectUnwindingAfter([&] {
@@ -266,7 +266,7 @@ TEST_F(PendingCancellationTest, WakeUp)
     });
 }
 
-TEST_F(PendingCancellationTest, RegistrationAndDeregistration)
+TEST_F(PendingCancellationTest, RegistrationAndDeregistrationAreFinishedFirst)
 {
     expectUnwindingAfter([] {
         AaSysComUserRegister(0x0301, AaProEuCurrent());
@@ -276,7 +276,7 @@ TEST_F(PendingCancellationTest, RegistrationAndDeregistration)
     AaSysComUserDeregister(0x0301);
 }
 
-TEST_F(PendingCancellationTest, ForeignThreadsEnd)
+TEST_F(PendingCancellationTest, EndOfAForeignThreadIsClean)
 {
     std::thread thread([] {
         EXPECT_EQ(AaSysComUserRegister(cpid, AaProEuCurrent()), cpid);
@@ -288,7 +288,7 @@ TEST_F(PendingCancellationTest, ForeignThreadsEnd)
     AaSysComUserDeregister(cpid);
 }
 
-TEST_F(PendingCancellationTest, ReceiveInADestructorWhileTheEuUnwinds)
+TEST_F(PendingCancellationTest, DestructorsReceiveWhileTheEuUnwinds)
 {
     struct Farewell {
         ~Farewell()

@@ -58,7 +58,7 @@ protected:
     std::unique_ptr<AaFile, Closer> m_file;
 };
 
-TEST_F(AaFileGetSizeTest, PositionThatIsNotKnown)
+TEST_F(AaFileGetSizeTest, PositionThatIsNotKnownIsAFailure)
 {
     EXPECT_EQ(sizeWhenFailing(1), -1);
     EXPECT_EQ(errno, EIO);
@@ -70,7 +70,7 @@ TEST_F(AaFileGetSizeTest, EndThatIsNotReached)
     EXPECT_EQ(errno, EIO);
 }
 
-TEST_F(AaFileGetSizeTest, PositionThatIsNotReachedAgain)
+TEST_F(AaFileGetSizeTest, PositionThatIsNotReachedAgainIsAFailure)
 {
     EXPECT_EQ(sizeWhenFailing(3), -1);
     EXPECT_EQ(errno, EIO);

@@ -91,7 +91,7 @@ TEST_F(LogSettingsTest, WrongLevelIsReportedAndPassedOver)
                                           "or 1 to 6); warning is used"});
 }
 
-TEST_F(LogSettingsTest, OtherWrongLevels)
+TEST_F(LogSettingsTest, OtherWrongLevelsAreReportedAsWell)
 {
     for (const char* const level : {"0", "7", "11", "-1", "Debug", "notvalid", " 1"}) {
         m_complaints.clear();
