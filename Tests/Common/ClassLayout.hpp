@@ -3,11 +3,27 @@
 /// What other binaries rely on in a class: the order of its virtual functions and of its members.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <vector>
 
 namespace dorn::test {
+
+/// Sizes that most classes are made of.
+namespace layout {
+
+constexpr std::size_t word = sizeof(void*);
+constexpr std::size_t text = sizeof(std::string);
+
+/// @p offset rounded up to where a pointer may lie.
+constexpr std::size_t aligned(std::size_t offset)
+{
+    return (offset + word - 1) / word * word;
+}
+
+} // namespace layout
 
 /// Place of a virtual function in its class's table, counted from 0; -1 for a function that is not virtual.
 /// A destructor has two places. Reads the pointer as the Itanium C++ ABI writes it, with the ARM variant.

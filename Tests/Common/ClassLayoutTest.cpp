@@ -52,16 +52,8 @@ DORN_EXPOSE(TerminateTag, Service, unsigned int, m_terminate)
 namespace {
 
 using namespace dorn::test;
+using namespace dorn::test::layout;
 using testing::ElementsAre;
-
-constexpr std::size_t word = sizeof(void*);
-constexpr std::size_t text = sizeof(std::string);
-
-/// @p offset rounded up to where a pointer may lie.
-constexpr std::size_t aligned(std::size_t offset)
-{
-    return (offset + word - 1) / word * word;
-}
 
 class Delegate : public MsgDelegateBase {
 public:

@@ -449,28 +449,28 @@ TEST_F(EventDispatcherHostTest, UnregisteredHandlerMayBeDestroyedAfterTheSafeSem
     m_dispatcher.Stop();
 }
 
-/// Four threads register, raise, unregister and close, handlers throw and change registrations themselves, another
-/// thread holds handlers up, and one restarts the dispatcher.
-TEST_F(EventDispatcherHostTest, NothingGoesWrongWhenEverythingHappensAtOnce)
-{
-    setup();
-    std::atomic<bool> isOver{false};
-    std::atomic<int> running{0};
-    std::atomic<bool> hasOverlapped{false};
-    Pipe steadyPipe;
-    Handler steady([&](int) {
-        hasOverlapped = hasOverlapped || running.fetch_add(1) != 0;
-        steadyPipe.read();
-        running.fetch_sub(1);
-    });
-    m_dispatcher.RegisterEventHandler(steadyPipe.reader(), steady, POLLIN);
-    const auto churn = [&](unsigned seed) {
+/// What threads do to one dispatcher whose handlers must run one at a time.
+class Turmoil {
+public:
+    explicit Turmoil(EventDispatcher& dispatcher) : m_dispatcher(dispatcher) {}
+
+    /// Is called by every handler.
+    void passThrough(const std::function<void()>& work = [] {})
+    {
+        m_hasOverlapped = m_hasOverlapped || m_running.fetch_add(1) != 0;
+        work();
+        m_running.fetch_sub(1);
+    }
+    bool hasOverlapped() const { return m_hasOverlapped; }
+
+    /// Registers, raises, unregisters and closes. Some handlers throw, some change registrations themselves.
+    void churn(unsigned seed)
+    {
         std::minstd_rand random(seed);
         for (int round = 0; round < 50; ++round) {
             Pipe pipe;
-            Handler handler([&, choice = random() % 3](int fd) {
-                hasOverlapped = hasOverlapped || running.fetch_add(1) != 0;
-                running.fetch_sub(1);
+            Handler handler([this, choice = random() % 3](int fd) {
+                passThrough();
                 if (choice == 0) {
                     m_dispatcher.UnregisterEventHandler(fd);
                 } else if (choice == 1) {
@@ -486,23 +486,45 @@ TEST_F(EventDispatcherHostTest, NothingGoesWrongWhenEverythingHappensAtOnce)
             m_dispatcher.WaitSafeSem();
             m_dispatcher.PostSafeSem();
         }
-    };
-    std::vector<std::thread> threads;
-    for (unsigned seed = 1; seed <= 4; ++seed) {
-        threads.emplace_back(churn, seed);
     }
-    std::thread holder([&] {
+
+    void holdHandlersUp(const std::atomic<bool>& isOver)
+    {
         while (!isOver) {
             m_dispatcher.WaitSafeSem();
             m_dispatcher.PostSafeSem();
             std::this_thread::yield();
         }
-    });
-    std::thread restarter([&] {
+    }
+
+    void restart()
+    {
         for (int round = 0; round < 3; ++round) {
             m_dispatcher.Setup(radId, "Again", 5, 4096);
         }
-    });
+    }
+
+private:
+    EventDispatcher& m_dispatcher;
+    std::atomic<int> m_running{0};
+    std::atomic<bool> m_hasOverlapped{false};
+};
+
+TEST_F(EventDispatcherHostTest, NothingGoesWrongWhenEverythingHappensAtOnce)
+{
+    setup();
+    Turmoil turmoil(m_dispatcher);
+    Pipe steadyPipe;
+    Handler steady([&](int) { turmoil.passThrough([&] { steadyPipe.read(); }); });
+    m_dispatcher.RegisterEventHandler(steadyPipe.reader(), steady, POLLIN);
+    std::atomic<bool> isOver{false};
+    std::vector<std::thread> threads;
+    for (unsigned seed = 1; seed <= 4; ++seed) {
+        threads.emplace_back([&turmoil, seed] { turmoil.churn(seed); });
+    }
+    threads.emplace_back([&] { turmoil.restart(); });
+    std::thread holder([&] { turmoil.holdHandlersUp(isOver); });
+
     constexpr int events = 100;
     for (int count = 1; count <= events; ++count) {
         steadyPipe.write();
@@ -511,13 +533,12 @@ TEST_F(EventDispatcherHostTest, NothingGoesWrongWhenEverythingHappensAtOnce)
     for (std::thread& thread : threads) {
         thread.join();
     }
-    restarter.join();
     isOver = true;
     holder.join();
     m_dispatcher.Stop();
 
     EXPECT_EQ(steady.count(), events);
-    EXPECT_FALSE(hasOverlapped);
+    EXPECT_FALSE(turmoil.hasOverlapped());
 }
 
 } // namespace

@@ -97,6 +97,15 @@ std::vector<std::string> RecordingPlatform::calls(std::string_view beginning) co
     return found;
 }
 
+std::vector<std::string> RecordingPlatform::callsWithoutParameters() const
+{
+    std::vector<std::string> some = calls();
+    std::erase_if(some, [](const std::string& call) {
+        return call.starts_with("AaConfigRadSetDefault(") || call.starts_with("AaConfigRadSetMaxTagCount(");
+    });
+    return some;
+}
+
 void RecordingPlatform::clearCalls()
 {
     const std::lock_guard lock(m_mutex);

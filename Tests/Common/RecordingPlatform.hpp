@@ -38,6 +38,8 @@ public:
     std::vector<std::string> calls() const;
     /// Those of calls() that begin with @p beginning.
     std::vector<std::string> calls(std::string_view beginning) const;
+    /// Those of calls() that do not declare a single R&D parameter: the domains have many.
+    std::vector<std::string> callsWithoutParameters() const;
     void clearCalls();
 
     /// Has a function return another status than 0 from now on.

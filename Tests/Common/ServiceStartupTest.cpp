@@ -44,17 +44,7 @@ protected:
         return result;
     }
 
-    /// The calls but those that declare single parameters.
-    std::vector<std::string> calls() const
-    {
-        std::vector<std::string> some;
-        for (const std::string& call : m_platform.calls()) {
-            if (!call.starts_with("AaConfigRadSetDefault(") && !call.starts_with("AaConfigRadSetMaxTagCount(")) {
-                some.push_back(call);
-            }
-        }
-        return some;
-    }
+    std::vector<std::string> calls() const { return m_platform.callsWithoutParameters(); }
 
     std::vector<std::string> publishedStates() const { return m_platform.calls("AaConfigRadSetValue(0x22000B,"); }
 

@@ -57,15 +57,8 @@ DORN_EXPOSE(DispatcherStackSizeTag, EventDispatcher, std::uint32_t, m_stackSize)
 namespace {
 
 using namespace dorn::test;
+using namespace dorn::test::layout;
 using testing::ElementsAre;
-
-constexpr std::size_t word = sizeof(void*);
-constexpr std::size_t text = sizeof(std::string);
-
-constexpr std::size_t aligned(std::size_t offset)
-{
-    return (offset + word - 1) / word * word;
-}
 
 class ThreadLayoutTest : public testing::Test {
 protected:

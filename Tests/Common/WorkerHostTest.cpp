@@ -362,71 +362,99 @@ TEST_F(WorkerHostTest, WorkerWhoseEuCouldNotBeCreatedIsSetUpAgain)
     late.ResumeWorking();
 }
 
-/// Four threads assign tasks of every kind, some of which throw, assign more or suspend the worker, while two others
-/// suspend and resume it.
-TEST_F(WorkerHostTest, NothingIsLostWhenEverythingHappensAtOnce)
-{
-    constexpr int each = 1000;
-    constexpr int assigners = 4;
+/// Tasks of every kind for one worker: some stay the assigner's, some throw, some assign more.
+class Turmoil {
+public:
+    static constexpr int assigners = 4;
+    static constexpr int tasksOfEach = 1000;
+
+    explicit Turmoil(Worker& worker) : m_worker(worker)
+    {
+        for (int number = 0; number < assigners * rounds; ++number) {
+            m_kept.emplace_back([this] { runs.fetch_add(1); });
+            m_throwing.push_back(std::make_unique<Job>([this] {
+                runs.fetch_add(1);
+                throw 5;
+            }));
+        }
+    }
+
+    /// Has several threads assign everything while another suspends the worker and one looks at it.
+    void run()
+    {
+        std::vector<std::thread> threads;
+        for (int assigner = 0; assigner < assigners; ++assigner) {
+            threads.emplace_back([this, assigner] { assignShareOf(assigner); });
+        }
+        std::thread suspender([this] { suspendAgainAndAgain(); });
+        std::thread observer([this] { lookAgainAndAgain(); });
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        m_isOver = true;
+        suspender.join();
+        observer.join();
+    }
+
     std::atomic<int> runs{0};
     std::atomic<int> deleted{0};
-    std::atomic<bool> isOver{false};
-    std::deque<Job> kept;
-    for (int number = 0; number < assigners * each / 4; ++number) {
-        kept.emplace_back([&] { runs.fetch_add(1); });
+
+private:
+    static constexpr int rounds = tasksOfEach / 4; ///< each has four tasks
+
+    void assignShareOf(int assigner)
+    {
+        for (int round = 0; round < rounds; ++round) {
+            const auto place = static_cast<std::size_t>(assigner * rounds + round);
+            m_worker.AssignTaskAndKeepOwnership(&m_kept[place]);
+            m_worker.AssignTaskAndGiveOwnership(m_throwing[place].get());
+            m_worker.AssignTaskAndGiveOwnership(new Job(
+                [this] {
+                    runs.fetch_add(1);
+                    m_worker.AssignTaskAndGiveOwnership(new Job([this] { runs.fetch_add(1); }, &deleted));
+                },
+                &deleted));
+        }
     }
-    std::vector<std::unique_ptr<Job>> throwing;
-    for (int number = 0; number < assigners * each / 4; ++number) {
-        throwing.push_back(std::make_unique<Job>([&] {
-            runs.fetch_add(1);
-            throw 5;
-        }));
-    }
-    std::vector<std::thread> threads;
-    for (int assigner = 0; assigner < assigners; ++assigner) {
-        threads.emplace_back([&, assigner] {
-            for (int number = 0; number < each / 4; ++number) {
-                const auto place = static_cast<std::size_t>(assigner * each / 4 + number);
-                m_worker.AssignTaskAndKeepOwnership(&kept[place]);
-                m_worker.AssignTaskAndGiveOwnership(throwing[place].get());
-                m_worker.AssignTaskAndGiveOwnership(new Job(
-                    [&] {
-                        runs.fetch_add(1);
-                        m_worker.AssignTaskAndGiveOwnership(new Job([&] { runs.fetch_add(1); }, &deleted));
-                    },
-                    &deleted));
-            }
-        });
-    }
-    std::thread suspender([&] {
-        while (!isOver) {
+
+    void suspendAgainAndAgain()
+    {
+        while (!m_isOver) {
             m_worker.SuspendAndWaitWorkToComplete();
             const int before = runs.load();
             std::this_thread::yield();
             EXPECT_EQ(runs.load(), before); // nothing runs while suspended
             m_worker.ResumeWorking();
         }
-    });
-    std::thread observer([&] {
-        while (!isOver) {
+    }
+
+    void lookAgainAndAgain()
+    {
+        while (!m_isOver) {
             m_worker.IsWorkingSuspended();
-            kept.front().getExecutingWorker();
+            m_kept.front().getExecutingWorker();
             std::this_thread::yield();
         }
-    });
-    for (std::thread& thread : threads) {
-        thread.join();
     }
-    isOver = true;
-    suspender.join();
-    observer.join();
 
+    Worker& m_worker;
+    std::deque<Job> m_kept;
+    std::vector<std::unique_ptr<Job>> m_throwing; ///< the worker deletes none that has thrown
+    std::atomic<bool> m_isOver{false};
+};
+
+TEST_F(WorkerHostTest, NothingIsLostWhenEverythingHappensAtOnce)
+{
+    constexpr int tasks = Turmoil::assigners * Turmoil::tasksOfEach;
+    Turmoil turmoil(m_worker);
+
+    turmoil.run();
     finish();
     finish(); // what tasks have assigned stands behind the first one's last task
 
-    EXPECT_EQ(runs.load(), assigners * each);
-    EXPECT_EQ(deleted.load(), assigners * each / 2);
-    EXPECT_EQ(m_log.count("Error 0x20000 Task - undefined exception"), std::size_t{assigners * each / 4});
+    EXPECT_EQ(turmoil.runs.load(), tasks);
+    EXPECT_EQ(turmoil.deleted.load(), tasks / 2);
+    EXPECT_EQ(m_log.count("Error 0x20000 Task - undefined exception"), std::size_t{tasks / 4});
 }
 
 } // namespace

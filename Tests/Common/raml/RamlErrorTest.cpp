@@ -8,7 +8,6 @@
 #include "raml/RamlParser.hpp"
 
 #include <gmock/gmock.h>
-#include <memory>
 #include <utility>
 
 namespace RAML {
@@ -27,17 +26,8 @@ class RamlErrorTest : public dorn::test::RamlTest {
 protected:
     RAML_Type::pointer parse(const std::string& text) { return m_parser.parseRaml(text, m_result, false); }
 
-    /// The document element of a text.
-    AaGpuXmlNode* nodeOf(const std::string& text)
-    {
-        AaGpuXmlParser parser(0);
-        m_tree.reset(parser.AaGpuXmlParse(text, ""));
-        return *m_tree->AaGpuXmlGetFirstChildren();
-    }
-
     RamlParser m_parser;
     RAML_ParsingResult m_result = RAML_OK;
-    std::unique_ptr<AaGpuXmlNode> m_tree;
 };
 
 TEST_F(RamlErrorTest, DocumentIsNotReadBehindAnError)

@@ -20,19 +20,13 @@ DORN_EXPOSE(DefaultConfigTag, RAML::RamlParser, bool, mDefaultConfigRequired)
 namespace RAML {
 namespace {
 
+using namespace dorn::test::layout;
 using dorn::test::offsetsIn;
 using dorn::test::slotOf;
 using testing::Each;
 using testing::ElementsAre;
 
-constexpr std::size_t word = sizeof(void*);
-constexpr std::size_t text = sizeof(std::string);
 constexpr std::size_t vector = sizeof(std::vector<int>);
-
-constexpr std::size_t aligned(std::size_t offset)
-{
-    return (offset + word - 1) / word * word;
-}
 
 // --------------------------------------------------------------------------------------------------- virtual functions
 

@@ -39,17 +39,8 @@ protected:
     const AaGpuXmlNode* tree() const { return (m_parser.*exposed(dorn::test::ParserTreeTag{})).get(); }
     bool hasTree() const { return tree() != nullptr; }
 
-    /// The document element of a text.
-    AaGpuXmlNode* nodeOf(const std::string& text)
-    {
-        AaGpuXmlParser parser(0);
-        m_tree.reset(parser.AaGpuXmlParse(text, ""));
-        return *m_tree->AaGpuXmlGetFirstChildren();
-    }
-
     RamlParser m_parser;
     RAML_ParsingResult m_result = RAML_RESOURCE_LIMITATION;
-    ParserTree m_tree;
 };
 
 // -------------------------------------------------------------------------------------------------------------- parser

@@ -23,10 +23,9 @@ DORN_EXPOSE(HandlerPrintIdTag, ReqHandler, ERadHwapi, m_printId)
 namespace {
 
 using namespace dorn::test;
+using namespace dorn::test::layout;
 using namespace vel::hwapi::common;
 using testing::ElementsAre;
-
-constexpr std::size_t word = sizeof(void*);
 
 class NoReqs : public ReqHandler {
 public:

@@ -39,9 +39,8 @@ DORN_EXPOSE(QueueEventTag, AsynchronousBif, QueueEvent, queueEvent)
 namespace {
 
 using namespace dorn::test;
+using namespace dorn::test::layout;
 using testing::ElementsAre;
-
-constexpr std::size_t word = sizeof(void*);
 
 std::ptrdiff_t distance(const void* begin, const void* place)
 {

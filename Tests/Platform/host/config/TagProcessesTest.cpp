@@ -66,6 +66,17 @@ void awaitSleepOf(const std::atomic<pid_t>& thread)
 class TagProcessesTest : public testkit::NodeTest {
 protected:
     static TagStore& store() { return PerNode<TagStore>::get(); }
+
+    /// A process that tells when it observes "sys.x", and does so until it is killed.
+    static ChildProcess observingProcess()
+    {
+        return ChildProcess([](ChildProcess::Parent& parent) {
+            TagRecorder recorder;
+            const TagWatch watch(store(), "sys.x", recordingIn(recorder));
+            parent.tell();
+            parent.await();
+        });
+    }
 };
 
 TEST_F(TagProcessesTest, TagSetInOneProcessIsReadInAnother)
@@ -150,12 +161,7 @@ TEST_F(TagProcessesTest, SetThatFollowsARegistrationInAnotherProcessIsSeenByIt)
 
 TEST_F(TagProcessesTest, KilledObserverBlocksNobodyAndIsForgotten)
 {
-    ChildProcess dead([](ChildProcess::Parent& parent) {
-        TagRecorder recorder;
-        const TagWatch watch(store(), "sys.x", recordingIn(recorder));
-        parent.tell();
-        parent.await();
-    });
+    ChildProcess dead = observingProcess();
     ASSERT_TRUE(dead.await());
     set("sys.x", "it lives");
     dead.kill();
@@ -168,12 +174,7 @@ TEST_F(TagProcessesTest, KilledObserverBlocksNobodyAndIsForgotten)
 
 TEST_F(TagProcessesTest, KilledObserverIsForgottenWhenAProcessStarts)
 {
-    ChildProcess dead([](ChildProcess::Parent& parent) {
-        TagRecorder recorder;
-        const TagWatch watch(store(), "sys.x", recordingIn(recorder));
-        parent.tell();
-        parent.await();
-    });
+    ChildProcess dead = observingProcess();
     ASSERT_TRUE(dead.await());
     dead.kill();
     set("sys.x", "nobody listens");
@@ -183,12 +184,7 @@ TEST_F(TagProcessesTest, KilledObserverIsForgottenWhenAProcessStarts)
 
 TEST_F(TagProcessesTest, LivingObserverIsServedBesideAKilledOne)
 {
-    ChildProcess dead([](ChildProcess::Parent& parent) {
-        TagRecorder recorder;
-        const TagWatch watch(store(), "sys.x", recordingIn(recorder));
-        parent.tell();
-        parent.await();
-    });
+    ChildProcess dead = observingProcess();
     ASSERT_TRUE(dead.await());
     TagRecorder recorder;
     const TagWatch watch(store(), "sys.x", recordingIn(recorder));
