@@ -2,7 +2,7 @@
 #include "ClockS.hpp"
 
 #include "AaConfigTag.h"
-#include "AaSysLog.h"
+#include "Answer.hpp"
 #include "ClimateMessages.hpp"
 #include "OwnUnit.hpp"
 
@@ -173,44 +173,31 @@ void ClockS::calibrate(double seconds)
 
 void ClockS::HandleShow(ClockShowReqMsg request)
 {
-    ClockShowRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    const ClockClient::State known = m_client.state();
-    SClkOcxoStatuses sensors{};
-    m_ocxo.getSensorsStatus(ESensorType_all, &sensors);
-    answer->transactionId = request->transactionId;
-    answer->pllState = known.pll;
-    answer->timerState = known.timer;
-    answer->phaseLockStatus = known.phaseLock;
-    answer->calibrationStatus = known.calibration;
-    answer->dacStatus = known.dac;
-    answer->controlValue = m_clock.ocxo().controlValue();
-    answer->areSensorsOk = known.areSensorsOk ? 1 : 0;
-    answer->ovenCurrent = sensors.curr_ocxo.curr_val;
-    answer->ocxoTemperature = sensors.temp_ocxo.millicelsius;
-    answer->outerTemperature = sensors.temp_ooven.millicelsius;
-    answer->hasReference = m_clock.hasReference() ? 1 : 0;
-    answer->phaseError = known.phaseError;
-    answer->timeError = m_clock.timeError();
-    answer->frequencyError = m_clock.ocxo().frequencyError();
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<ClockShowRespMsg>(request, *this, [&](ClockShowRespMsg answer) {
+        const ClockClient::State known = m_client.state();
+        SClkOcxoStatuses sensors{};
+        m_ocxo.getSensorsStatus(ESensorType_all, &sensors);
+        answer->pllState = known.pll;
+        answer->timerState = known.timer;
+        answer->phaseLockStatus = known.phaseLock;
+        answer->calibrationStatus = known.calibration;
+        answer->dacStatus = known.dac;
+        answer->controlValue = m_clock.ocxo().controlValue();
+        answer->areSensorsOk = known.areSensorsOk ? 1 : 0;
+        answer->ovenCurrent = sensors.curr_ocxo.curr_val;
+        answer->ocxoTemperature = sensors.temp_ocxo.millicelsius;
+        answer->outerTemperature = sensors.temp_ooven.millicelsius;
+        answer->hasReference = m_clock.hasReference() ? 1 : 0;
+        answer->phaseError = known.phaseError;
+        answer->timeError = m_clock.timeError();
+        answer->frequencyError = m_clock.ocxo().frequencyError();
+    });
 }
 
 void ClockS::HandleAct(ClockActReqMsg request)
 {
-    ClockActRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    answer->transactionId = request->transactionId;
-    answer->status = act(request->action, request->amount);
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<ClockActRespMsg>(request, *this,
+                              [&](ClockActRespMsg answer) { answer->status = act(request->action, request->amount); });
 }
 
 EClockActStatus ClockS::act(std::uint32_t action, double amount)

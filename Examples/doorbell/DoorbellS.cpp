@@ -3,7 +3,7 @@
 
 #include "AaFile.h"
 #include "AaSem.h"
-#include "AaSysLog.h"
+#include "Answer.hpp"
 #include "OwnUnit.hpp"
 
 #include <memory>
@@ -87,15 +87,7 @@ void DoorbellS::HandleEvent(int fd)
 
 void DoorbellS::HandleVisits(VisitsReqMsg request)
 {
-    VisitsRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    answer->transactionId = request->transactionId;
-    answer->visits = m_visits.load();
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<VisitsRespMsg>(request, *this, [&](VisitsRespMsg answer) { answer->visits = m_visits.load(); });
 }
 
 DoorbellS::~DoorbellS()

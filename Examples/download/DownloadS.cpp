@@ -2,6 +2,7 @@
 #include "DownloadS.hpp"
 
 #include "AaSysLog.h"
+#include "Answer.hpp"
 #include "OwnUnit.hpp"
 #include "mount.h"
 #include "rioDio.h"
@@ -75,17 +76,11 @@ void DownloadS::HandleDownload(DownloadReqMsg request)
     const Transfer result = transfer(*request.GetPayload());
     AaSysLogPrintE(EAaSysLogSeverityLevel_Info, GetRadId(), "Download to device 0x%X: %s", request->device,
                    result.validationResult == 0 ? "verified" : "failed");
-    DownloadRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    answer->transactionId = request->transactionId;
-    answer->writeResult = result.writeResult;
-    answer->validationResult = result.validationResult;
-    answer->isWritable = isWritable ? 1 : 0;
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<DownloadRespMsg>(request, *this, [&](DownloadRespMsg answer) {
+        answer->writeResult = result.writeResult;
+        answer->validationResult = result.validationResult;
+        answer->isWritable = isWritable ? 1 : 0;
+    });
 }
 
 } // namespace dorn::examples

@@ -2,6 +2,7 @@
 #include "FaultManagerS.hpp"
 
 #include "AaSysLog.h"
+#include "Answer.hpp"
 #include "FaultNames.hpp"
 #include "OwnUnit.hpp"
 
@@ -65,54 +66,36 @@ void FaultManagerS::onChange(EAlarmEvent event, const SAlarm& alarm)
 
 void FaultManagerS::HandleList(AlarmListReqMsg request)
 {
-    const std::size_t size = sizeof(SAlarmListResp) + bytesOf(m_alarms.active()) + bytesOf(m_alarms.past());
-    AlarmListRespMsg answer(request.GetSender(), static_cast<int>(size));
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    answer->transactionId = request->transactionId;
-    answer->activeCount = static_cast<std::uint32_t>(m_alarms.active().size());
-    answer->pastCount = static_cast<std::uint32_t>(m_alarms.past().size());
-    auto* const alarms = reinterpret_cast<std::byte*>(answer.GetPayload() + 1);
-    if (!m_alarms.active().empty()) {
-        std::memcpy(alarms, m_alarms.active().data(), bytesOf(m_alarms.active()));
-    }
-    if (!m_alarms.past().empty()) {
-        std::memcpy(alarms + bytesOf(m_alarms.active()), m_alarms.past().data(), bytesOf(m_alarms.past()));
-    }
-    answer.SetSender(GetSicad());
-    answer.Send();
+    const std::size_t size = bytesOf(m_alarms.active()) + bytesOf(m_alarms.past());
+    answerTo<AlarmListRespMsg>(request, *this, size, [&](AlarmListRespMsg answer) {
+        answer->activeCount = static_cast<std::uint32_t>(m_alarms.active().size());
+        answer->pastCount = static_cast<std::uint32_t>(m_alarms.past().size());
+        auto* const alarms = reinterpret_cast<std::byte*>(answer.GetPayload() + 1);
+        if (!m_alarms.active().empty()) {
+            std::memcpy(alarms, m_alarms.active().data(), bytesOf(m_alarms.active()));
+        }
+        if (!m_alarms.past().empty()) {
+            std::memcpy(alarms + bytesOf(m_alarms.active()), m_alarms.past().data(), bytesOf(m_alarms.past()));
+        }
+    });
 }
 
 void FaultManagerS::HandleClear(AlarmClearReqMsg request)
 {
-    AlarmClearRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    answer->transactionId = request->transactionId;
-    answer->clearedCount = m_alarms.clear(request->number, now());
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<AlarmClearRespMsg>(request, *this, [&](AlarmClearRespMsg answer) {
+        answer->clearedCount = m_alarms.clear(request->number, now());
+    });
 }
 
 void FaultManagerS::HandleSubscribe(AlarmSubscribeReqMsg request)
 {
-    AlarmSubscribeRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    answer->transactionId = request->transactionId;
-    if (request->isWanted == 0) {
-        std::erase(m_subscribers, request.GetSender());
-    } else {
-        answer->status = addSubscriber(request.GetSender()) ? 0 : 1;
-    }
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<AlarmSubscribeRespMsg>(request, *this, [&](AlarmSubscribeRespMsg answer) {
+        if (request->isWanted == 0) {
+            std::erase(m_subscribers, request.GetSender());
+        } else {
+            answer->status = addSubscriber(request.GetSender()) ? 0 : 1;
+        }
+    });
 }
 
 bool FaultManagerS::addSubscriber(TAaSysComSicad subscriber)

@@ -2,6 +2,7 @@
 #include "FirmwareS.hpp"
 
 #include "AaSysLog.h"
+#include "Answer.hpp"
 #include "FpgaUpdate.hpp"
 #include "OwnUnit.hpp"
 #include "ddal_watchdog.h"
@@ -36,20 +37,14 @@ void FirmwareS::Init()
 
 void FirmwareS::HandleUpdate(FirmwareUpdateReqMsg request)
 {
-    FirmwareUpdateRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    const SFirmwareUpdateResp report = updateFpga();
-    const bool isBad = report.outcome >= EFirmwareOutcome_Refused;
-    AaSysLogPrintE(isBad ? EAaSysLogSeverityLevel_Error : EAaSysLogSeverityLevel_Info, GetRadId(),
-                   "FPGA version 0x%X, image '%s': %s (%d)", report.activeVersion, report.file.data(),
-                   outcomeTexts.at(report.outcome), report.result);
-    *answer.GetPayload() = report;
-    answer->transactionId = request->transactionId;
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<FirmwareUpdateRespMsg>(request, *this, [&](FirmwareUpdateRespMsg answer) {
+        const SFirmwareUpdateResp report = updateFpga();
+        const bool isBad = report.outcome >= EFirmwareOutcome_Refused;
+        AaSysLogPrintE(isBad ? EAaSysLogSeverityLevel_Error : EAaSysLogSeverityLevel_Info, GetRadId(),
+                       "FPGA version 0x%X, image '%s': %s (%d)", report.activeVersion, report.file.data(),
+                       outcomeTexts.at(report.outcome), report.result);
+        *answer.GetPayload() = report;
+    });
 }
 
 void FirmwareS::HandleReset(BoardResetReqMsg request)

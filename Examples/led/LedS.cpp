@@ -2,6 +2,7 @@
 #include "LedS.hpp"
 
 #include "AaSysLog.h"
+#include "Answer.hpp"
 #include "OwnUnit.hpp"
 
 namespace dorn::examples {
@@ -23,21 +24,16 @@ void LedS::Init()
 
 void LedS::HandleSet(LedSetReqMsg request)
 {
-    LedSetRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    const bool isKnown = request->led < EFrontLed_Count && request->colour < ELedColour_Count;
-    answer->led = request->led;
-    answer->status = isKnown ? 0 : 1;
-    if (isKnown) {
-        answer->previousColour = m_colours[request->led];
-        show(request->led, request->colour);
-        answer->colour = m_colours[request->led];
-    }
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<LedSetRespMsg>(request, *this, [&](LedSetRespMsg answer) {
+        const bool isKnown = request->led < EFrontLed_Count && request->colour < ELedColour_Count;
+        answer->led = request->led;
+        answer->status = isKnown ? 0 : 1;
+        if (isKnown) {
+            answer->previousColour = m_colours[request->led];
+            show(request->led, request->colour);
+            answer->colour = m_colours[request->led];
+        }
+    });
 }
 
 void LedS::show(std::uint32_t led, std::uint32_t colour)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "LinkS.hpp"
 
-#include "AaSysLog.h"
+#include "Answer.hpp"
 #include "OwnUnit.hpp"
 
 #include <algorithm>
@@ -163,29 +163,17 @@ void LinkS::HandleShow(LinkShowReqMsg request)
 {
     const std::vector<SLink> records = links();
     const std::size_t size = records.size() * sizeof(SLink);
-    LinkShowRespMsg answer(request.GetSender(), static_cast<int>(sizeof(SLinkShowResp) + size));
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    answer->transactionId = request->transactionId;
-    answer->linkCount = static_cast<std::uint32_t>(records.size());
-    std::memcpy(answer.GetPayload() + 1, records.data(), size);
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<LinkShowRespMsg>(request, *this, size, [&](LinkShowRespMsg answer) {
+        answer->linkCount = static_cast<std::uint32_t>(records.size());
+        std::memcpy(answer.GetPayload() + 1, records.data(), size);
+    });
 }
 
 void LinkS::HandleBreak(LinkBreakReqMsg request)
 {
-    LinkBreakRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    answer->transactionId = request->transactionId;
-    answer->status = setBroken(request->name, request->brokenParts);
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<LinkBreakRespMsg>(request, *this, [&](LinkBreakRespMsg answer) {
+        answer->status = setBroken(request->name, request->brokenParts);
+    });
 }
 
 ELinkBreakStatus LinkS::setBroken(const LinkName& name, std::uint32_t parts)

@@ -2,6 +2,7 @@
 #include "MountS.hpp"
 
 #include "AaSysLog.h"
+#include "Answer.hpp"
 #include "OwnUnit.hpp"
 #include "description/BoardFailure.hpp"
 #include "description/DescribedBoard.hpp"
@@ -53,14 +54,7 @@ void MountS::HandleMount(ApiMountReqMsg request)
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "File system %u not mounted: %s",
                        response.filesystem_id, failure.what());
     }
-    ApiMountRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    *answer.GetPayload() = response;
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<ApiMountRespMsg>(request, *this, [&](ApiMountRespMsg answer) { *answer.GetPayload() = response; });
 }
 
 } // namespace dorn::examples

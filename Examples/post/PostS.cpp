@@ -4,6 +4,7 @@
 #include "AaFile.h"
 #include "AaMem.h"
 #include "AaSysLog.h"
+#include "Answer.hpp"
 #include "ApiRegSysLogRingBuf.h"
 #include "OwnUnit.hpp"
 #include "PostFile.h"
@@ -103,20 +104,16 @@ void PostS::tellSupervisor(const std::string& text)
 
 void PostS::HandleRun(PostRunReqMsg request)
 {
-    PostRunRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    *answer.GetPayload() = {request->transactionId, 1, 0, 0xFFFFFFFF};
-    if (record(request->failing) && readResults(*answer.GetPayload())) {
-        answer->status = 0;
-        const std::string text = "POST: " + std::to_string(answer->failedLatest) + " of 14 tests failed";
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Info, GetRadId(), "%s", text.c_str());
-        tellSupervisor(text);
-    }
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<PostRunRespMsg>(request, *this, [&](PostRunRespMsg answer) {
+        *answer.GetPayload() = {request->transactionId, 1, 0, 0xFFFFFFFF};
+        if (record(request->failing) && readResults(*answer.GetPayload())) {
+            answer->status = 0;
+            const std::string text = "POST: " + std::to_string(answer->failedLatest) + " of " +
+                                     std::to_string(mcuTestCount) + " tests failed";
+            AaSysLogPrintE(EAaSysLogSeverityLevel_Info, GetRadId(), "%s", text.c_str());
+            tellSupervisor(text);
+        }
+    });
 }
 
 } // namespace dorn::examples

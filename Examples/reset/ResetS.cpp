@@ -2,6 +2,7 @@
 #include "ResetS.hpp"
 
 #include "AaSysLog.h"
+#include "Answer.hpp"
 #include "OwnUnit.hpp"
 #include "ResetShared.h"
 
@@ -58,28 +59,12 @@ void ResetS::HandleReset(ResetReqMsg request)
 
 void ResetS::HandleShow(ResetShowReqMsg request)
 {
-    ResetShowRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    *answer.GetPayload() = m_lastReset;
-    answer->transactionId = request->transactionId;
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<ResetShowRespMsg>(request, *this, [&](ResetShowRespMsg answer) { *answer.GetPayload() = m_lastReset; });
 }
 
 void ResetS::answerReset(ResetReqMsg request, EResetStatus status)
 {
-    ResetRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    answer->transactionId = request->transactionId;
-    answer->status = status;
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<ResetRespMsg>(request, *this, [&](ResetRespMsg answer) { answer->status = status; });
 }
 
 } // namespace dorn::examples

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "SfpS.hpp"
 
-#include "AaSysLog.h"
+#include "Answer.hpp"
 #include "OwnUnit.hpp"
 
 #include <cstring>
@@ -57,29 +57,17 @@ void SfpS::HandleShow(SfpShowReqMsg request)
         cages.push_back({id, link, m_sfp.cages().at(id).module, known.isDetected ? 1U : 0U, known.eventCount});
     }
     const std::size_t size = cages.size() * sizeof(SSfpCage);
-    SfpShowRespMsg answer(request.GetSender(), static_cast<int>(sizeof(SSfpShowResp) + size));
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    answer->transactionId = request->transactionId;
-    answer->cageCount = static_cast<std::uint32_t>(cages.size());
-    std::memcpy(answer.GetPayload() + 1, cages.data(), size);
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<SfpShowRespMsg>(request, *this, size, [&](SfpShowRespMsg answer) {
+        answer->cageCount = static_cast<std::uint32_t>(cages.size());
+        std::memcpy(answer.GetPayload() + 1, cages.data(), size);
+    });
 }
 
 void SfpS::HandlePlug(SfpPlugReqMsg request)
 {
-    SfpPlugRespMsg answer(request.GetSender(), 0);
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", request.GetSender());
-        return;
-    }
-    answer->transactionId = request->transactionId;
-    answer->status = setPlugged(request->cage, request->isPlugged != 0);
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<SfpPlugRespMsg>(request, *this, [&](SfpPlugRespMsg answer) {
+        answer->status = setPlugged(request->cage, request->isPlugged != 0);
+    });
 }
 
 ESfpPlugStatus SfpS::setPlugged(std::uint32_t cage, bool isPlugged)
