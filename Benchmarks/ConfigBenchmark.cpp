@@ -4,7 +4,7 @@
 #include "AaConfigRad.h"
 #include "AaConfigTag.h"
 #include "AaMem.h"
-#include "TestNode.hpp"
+#include "RunOnNode.hpp"
 
 #include <array>
 #include <atomic>
@@ -231,13 +231,5 @@ BENCHMARK(getFromBareDatabase)->Name("tag/get/lmdb");
 
 int main(int argc, char** argv)
 {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 2;
-    }
-    const dorn::testkit::TestNode node;
-    AaConfigEarlyStartup();
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return dorn::benchmarks::runOnNode(argc, argv, {}, [](const auto&) { AaConfigEarlyStartup(); });
 }

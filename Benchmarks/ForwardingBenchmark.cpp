@@ -4,7 +4,8 @@
 #include "AaConfigRad.h"
 #include "AaSysCom.h"
 #include "AaTimer.h"
-#include "TestNode.hpp"
+#include "RandomNumbers.hpp"
+#include "RunOnNode.hpp"
 #include "init/ApiStartup.h"
 #include "reqforwarding/Req.hpp"
 #include "reqforwarding/ReqHandler.hpp"
@@ -30,14 +31,10 @@ constexpr std::int64_t batch = 1'000;
 /// Delays in no order, so that a new time-out falls among those that are armed.
 class Delays {
 public:
-    std::int64_t next()
-    {
-        m_state = m_state * 1'664'525U + 1'013'904'223U;
-        return hour + static_cast<std::int64_t>(m_state);
-    }
+    std::int64_t next() { return hour + std::int64_t{m_numbers.next()}; }
 
 private:
-    std::uint32_t m_state = 1;
+    dorn::benchmarks::RandomNumbers m_numbers;
 };
 
 const void* identityOf(std::int64_t number)
@@ -324,13 +321,8 @@ BENCHMARK(replyToNobodyInABareList)->Name("request/replyNobody/bareList");
 
 int main(int argc, char** argv)
 {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 2;
-    }
-    const dorn::testkit::TestNode node({.log = ""}); // lines go where a service's usually do
-    AaConfigRadRegisterDomain(RAD_HWAPI_DOMAIN, "HWA", ApiStartupInitializeRadParameters);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    // Lines go where a service's usually do.
+    return dorn::benchmarks::runOnNode(argc, argv, {.log = ""}, [](const auto&) {
+        AaConfigRadRegisterDomain(RAD_HWAPI_DOMAIN, "HWA", ApiStartupInitializeRadParameters);
+    });
 }

@@ -1,18 +1,9 @@
 // SPDX-License-Identifier: MIT
 /// @file ServiceBenchmark.cpp
 /// A whole service: handling messages, starting, and at rest.
-#include "TestNode.hpp"
-
-#include <benchmark/benchmark.h>
+#include "RunOnNode.hpp"
 
 int main(int argc, char** argv)
 {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 2;
-    }
-    const dorn::testkit::TestNode node({.log = ""}); // lines go where a service's usually do
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return dorn::benchmarks::runOnNode(argc, argv, {.log = ""}); // lines go where a service's usually do
 }

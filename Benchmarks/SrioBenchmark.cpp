@@ -2,6 +2,8 @@
 /// @file SrioBenchmark.cpp
 /// Loading a file into a RapidIO device's memory and verifying it, next to `cp` and `cmp` of the same file. The
 /// device's memory is a file of the simulated board, in the same file system.
+#include "RandomNumbers.hpp"
+#include "RunOnNode.hpp"
 #include "TestNode.hpp"
 #include "rioDio.h"
 
@@ -33,17 +35,6 @@ std::string source()
 std::string copyOfSource()
 {
     return node->boardPath("/ram/copy");
-}
-
-std::string contentOfFile()
-{
-    std::string content(fileSize, '\0');
-    std::uint32_t number = 1;
-    for (char& byte : content) {
-        number = number * 1664525 + 1013904223;
-        byte = static_cast<char>(number >> 24);
-    }
-    return content;
 }
 
 /// @return whether the program ended with status 0.
@@ -111,15 +102,9 @@ BENCHMARK(compareWithCmp)->Name("srio/verify/cmp")->UseManualTime()->Unit(benchm
 
 int main(int argc, char** argv)
 {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 2;
-    }
-    const dorn::testkit::TestNode ownNode;
-    setenv("DORN_BOARD", DORN_TARN_SINGLE, 1);
-    ownNode.writeBoardFile(targetFile, contentOfFile());
-    node = &ownNode;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return dorn::benchmarks::runOnNode(argc, argv, {}, [](const dorn::testkit::TestNode& ownNode) {
+        setenv("DORN_BOARD", DORN_TARN_SINGLE, 1);
+        ownNode.writeBoardFile(targetFile, dorn::benchmarks::randomBytes(fileSize));
+        node = &ownNode;
+    });
 }

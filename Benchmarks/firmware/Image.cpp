@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "firmware/Image.hpp"
 
+#include "RandomNumbers.hpp"
 #include "TestNode.hpp"
 
 #include <zlib.h>
@@ -21,17 +22,6 @@ Image& image()
     return only;
 }
 
-std::string payloadBytes()
-{
-    std::string bytes(payloadLength, '\0');
-    std::uint32_t state = 1;
-    for (char& byte : bytes) {
-        state = state * 1'664'525U + 1'013'904'223U;
-        byte = static_cast<char>(state >> 24);
-    }
-    return bytes;
-}
-
 std::string wordOf(std::uint32_t value)
 {
     std::string bytes;
@@ -46,7 +36,7 @@ std::string wordOf(std::uint32_t value)
 void writeImage(const testkit::TestNode& node)
 {
     Image& only = image();
-    only.payload = payloadBytes();
+    only.payload = randomBytes(payloadLength);
     only.crc = static_cast<std::uint32_t>(crc32(0, reinterpret_cast<const Bytef*>(only.payload.data()), payloadLength));
     only.imagePlace = node.boardPath(imagePath);
     only.copyPlace = node.boardPath(copyPath);
