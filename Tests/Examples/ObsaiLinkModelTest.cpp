@@ -167,9 +167,11 @@ TEST_F(ObsaiLinkModelTest, NoFaultLeavesTheEndsStuck)
             m_link.setBrokenParts(random() % 3 == 0 ? random() % (allLinkParts + 1) : 0);
             m_link.step();
         }
+
         m_link.setBrokenParts(0);
         m_steps = 0;
         settle();
+
         ASSERT_EQ(m_link.near().rxState(), ERxLinkState_Frame) << run;
         ASSERT_EQ(m_link.near().txState(), ETxLinkState_Frame) << run;
         m_link.near().setEnabled(run % 2 == 0);

@@ -184,6 +184,7 @@ TEST_F(SimulatedCpriTest, SignalsAreSentOneByOne)
         {&Driver::enableRaiSending, &Driver::disableRaiSending, &Driver::isRaiSendingEnabled, ECpriSignal_Rai},
         {&Driver::enableSdiSending, &Driver::disableSdiSending, &Driver::isSdiSendingEnabled, ECpriSignal_Sdi},
     };
+
     for (const Operations& one : all) {
         (m_maintenance.*one.enable)(cpri0);
         for (const Operations& other : all) {

@@ -127,6 +127,7 @@ TEST_F(SimulatedOcxoTest, DacTellsWhenItIsNearTheLimitOfItsAdjustment)
         std::uint8_t status;
     };
     constexpr Row rows[] = {{6553, 1}, {6552, 2}, {0, 2}, {58982, 1}, {58983, 2}, {65535, 2}};
+
     m_ocxo.setOcxoControlValue(OcxoModel::middleControlValue);
     std::uint8_t status = 1;
     for (const Row& row : rows) {
@@ -215,15 +216,19 @@ TEST_F(SimulatedOcxoTest, WhatOthersFindIsTold)
     EXPECT_TRUE(m_events.back().isCalibrationDataStatusModified());
     EXPECT_TRUE(m_events.back().isCalibrationDataStatusOk());
     EXPECT_FALSE(m_events.back().isSensorsStatusModified());
+
     m_ocxo.calibrationDataStatusFailed();
     EXPECT_FALSE(m_events.back().isCalibrationDataStatusOk());
     EXPECT_TRUE(m_events.back().isSensorsStatusModified());
+
     m_ocxo.setOcxoControlValueToMo(4711);
     EXPECT_TRUE(m_events.back().isOcxoControlValueModified());
     EXPECT_EQ(m_events.back().getOcxoControlValue(), 4711);
+
     m_ocxo.sensorsNotAvailable();
     EXPECT_TRUE(m_events.back().isSensorsStatusModified());
     EXPECT_FALSE(m_events.back().isSensorsStatusOk());
+
     EXPECT_THAT(m_events, SizeIs(4));
 }
 

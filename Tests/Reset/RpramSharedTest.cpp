@@ -177,6 +177,7 @@ TEST_F(RpramTest, EveryFieldIsWrittenAndReadOnItsOwn)
         }
         ++value;
     }
+
     value = 1000;
     for (const Row& row : rows()) {
         if (row.file) {
@@ -184,6 +185,7 @@ TEST_F(RpramTest, EveryFieldIsWrittenAndReadOnItsOwn)
         }
         ++value;
     }
+
     const std::filesystem::directory_iterator files(m_node.boardPath("/var/tmp/hwapi"));
     EXPECT_EQ(std::distance(begin(files), end(files)), 75);
 }

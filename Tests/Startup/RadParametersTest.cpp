@@ -95,6 +95,7 @@ TEST(RadParametersTest, FifteenHwaParametersHaveADefault)
             defaults[parameter.name] = parameter.defaultValue;
         }
     }
+
     const std::map<std::string, std::uint32_t> expected = {
         {"CTC_ADDR", (192U << 24) | (168U << 16) | (255U << 8) | 126U},
         {"ANNOUNCEMSG", 1},
@@ -111,6 +112,7 @@ TEST(RadParametersTest, FifteenHwaParametersHaveADefault)
         {"UPlaneResetTimeoutInSecs", 90},
         {"UPlaneResetDspResetType", 4},
         {"SelfDiagnosticModeDisableRP441", 1}};
+
     EXPECT_EQ(defaults, expected);
 }
 

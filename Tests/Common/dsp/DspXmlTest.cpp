@@ -190,6 +190,7 @@ TEST_F(DspXmlTest, NumbersAreThoseOfALongOf32Bits)
         {"0B101", 0, 0},
         {"-0b1", 0, 0},
     };
+
     for (const Row& row : rows) {
         EXPECT_EQ(signed32Of(row.text, 0), row.byPrefix) << row.text;
         EXPECT_EQ(signed32Of(row.text, 10), row.decimal) << row.text;
@@ -258,6 +259,7 @@ TEST_F(DspXmlTest, FileThatCannotBeReadIsAFailure)
         EXPECT_THAT(m_log.texts(), ElementsAre(opened, "Warning 0x20046 File '/ffs/run/dsp.xml' read failed"));
         EXPECT_TRUE(isUntouched());
     };
+
     {
         const FailNth<AaFileRead> read(1);
         expectReadFailed();
@@ -373,6 +375,7 @@ TEST_F(DspXmlTest, FirstMissingEntryOfBootInfoStopsTheReading)
         {"resetType", "Error 0x20046 Failed to read last reset type from dsp.xml, tag missing!", 0, 0},
         {"postFlag", "Error 0x20046 Failed to read postFlags from dsp.xml, tag missing!", 2, 0},
         {"ExtractorSw", "Error 0x20046 Failed to read ExtractorSw value from dsp.xml, tag missing!", 2, 0x3F}};
+
     for (const Row& row : rows) {
         EXPECT_EQ(read(document(without(bootInfo, row.missing) + memAddress)), 0U);
         EXPECT_THAT(m_log.texts(), ElementsAre(opened, versionUsed, row.line,
@@ -407,6 +410,7 @@ TEST_F(DspXmlTest, FirstMissingEntryOfMemAddressStopsTheReading)
         {"CfgParamsAddr", "Error 0x20046 Failed to read CfgParamsAddr from dsp.xml, tag missing!", 0x0C000000, 0},
         {"DoorbellAddr", "Error 0x20046 Failed to read doorbellAddr from dsp.xml, tag missing!", 0x0C000000,
          0x0C0F0000}};
+
     for (const Row& row : rows) {
         EXPECT_EQ(read(document(bootInfo + without(memAddress, row.missing))), 0U);
         EXPECT_THAT(m_log.texts(), ElementsAre(opened, versionUsed, row.line,

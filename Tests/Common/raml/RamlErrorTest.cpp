@@ -67,10 +67,12 @@ TEST_F(RamlErrorTest, ObjectOfAWrongOperationHasItsAttributes)
 {
     const RAML_ManagedObjectType::pointer mo = RAML_ManagedObjectType::create();
     m_result = RAML_OK;
+
     m_parser.in_mo(nodeOf("<managedObject class='A' distName='A-1' operation='modify' version='v' id='i' vendor='e' "
                           "timeStamp='t' name='n' actionName='o' levelScope='wholeSubtree' funcScope='QOS' filter='CM' "
                           "sequenceNo='007'><p name='x'>1</p></managedObject>"),
                    mo, m_result);
+
     EXPECT_EQ(m_result, RAML_SYNTAX_ERROR);
     EXPECT_THAT((std::vector{mo->mClassname, mo->mDistName, mo->mVersion, mo->mId, mo->mVendor, mo->mTimeStamp,
                              mo->mName, mo->mOperationName, mo->mSequenceNumber}),
@@ -107,11 +109,13 @@ TEST_F(RamlErrorTest, ObjectHasWhatWasReadUntilItEnds)
         {"<p name='a'/><list name='l'><q/></list><p name='b'/>", {"a"}},
         {"<q/><p name='a'/><list name='l'/><p name='b'/>", {"a"}},
     };
+
     for (const auto& [content, names] : contents) {
         const RAML_ManagedObjectType::pointer mo = RAML_ManagedObjectType::create();
         m_result = RAML_OK;
         m_parser.in_mo(nodeOf(object("A-1", content)), mo, m_result);
         EXPECT_EQ(m_result, RAML_SYNTAX_ERROR) << content;
+
         std::vector<std::string> kept;
         for (const RAML_MOParameterType::pointer& parameter : mo->mParameters) {
             kept.push_back(parameter->name);

@@ -177,18 +177,22 @@ TEST_F(RamlForeignXmlTest, AttributesMayStandBehindOtherChildren)
     ForeignNode& cmData = raml.add(AA_GPU_XML_ELEMENT_NODE, "cmData");
     addText(raml);
     with(raml, {{"xmlns", "ns"}, {"version", "2.1E"}});
+
     ForeignNode& mo = cmData.add(AA_GPU_XML_ELEMENT_NODE, "managedObject");
     addText(cmData);
     with(cmData, {{"id", "i"}, {"type", "plan"}});
+
     with(mo.add(AA_GPU_XML_ELEMENT_NODE, "p", "1"), {{"name", "x"}});
     with(mo, {{"distName", "A-1"}});
     addText(mo);
     with(mo, {{"operation", "create"}});
+
     ForeignNode& list = mo.add(AA_GPU_XML_ELEMENT_NODE, "list");
     list.add(AA_GPU_XML_ELEMENT_NODE, "p", "2");
     with(list, {{"name", "l"}});
     with(mo, {{"class", "A"}, {"sequenceNo", "7"}}); // the last one that is looked for, after some that are not there
     addText(mo);
+
     EXPECT_EQ(textOf(parse()), "raml(2.1E,ns) cmData(plan,changes)<,i,,> A:A-1<1,,,,,,,0,0,0,7>(x=1 l[2])");
     EXPECT_EQ(m_result, RAML_OK);
     EXPECT_THAT(errors(), IsEmpty());

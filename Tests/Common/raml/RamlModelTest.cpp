@@ -168,6 +168,7 @@ TEST_F(RamlModelTest, SettersStoreTexts)
     mo->setVendor("vendor");
     mo->setTimeStamp("time stamp");
     mo->setSequenceNo("0x07");
+
     EXPECT_THAT(
         (std::vector{mo->getClassName(), mo->getVersion(), mo->getOperationName(), mo->getDistName(), mo->getId(),
                      mo->getName(), mo->getVendor(), mo->getTimeStamp(), mo->getSequenceNo()}),
@@ -181,18 +182,22 @@ TEST_F(RamlModelTest, SettersStoreTexts)
 TEST_F(RamlModelTest, SettersConvertTexts)
 {
     const RAML_ManagedObjectType::pointer mo = RAML_ManagedObjectType::create();
+
     mo->setOperation("update");
     mo->setLevelScope("wholeSubtree");
     mo->setFuncScope("QOS");
     mo->setFilter("PM");
+
     EXPECT_EQ(mo->getOperation(), RAML_OP_UPDATE);
     EXPECT_EQ(mo->getLevelScope(), RAML_LSCOPE_WHOLE_SUBTREE);
     EXPECT_EQ(mo->getFuncScope(), RAML_FSCOPE_QOS);
     EXPECT_EQ(mo->getFilter(), RAML_FILTER_PM);
+
     mo->setOperation("Update");
     mo->setLevelScope("x");
     mo->setFuncScope("x");
     mo->setFilter("x");
+
     EXPECT_EQ(mo->getOperation(), RAML_OP_INVALID);
     EXPECT_EQ(mo->getLevelScope(), RAML_LSCOPE_INVALID);
     EXPECT_EQ(mo->getFuncScope(), RAML_FSCOPE_INVALID);

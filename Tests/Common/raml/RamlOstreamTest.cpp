@@ -84,6 +84,7 @@ TEST_F(RamlOstreamTest, DocumentIsWrittenLineByLine)
     cmData.adaptationVersionMajor = "m";
     cmData.managedObjects.push_back(object());
     cmData.managedObjects[0]->addMOparams(RAML_ParameterType::create("x", "v"));
+
     EXPECT_EQ(written(*made),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
               "<raml version=\"2.1E\" xmlns=\"ns\">\n"
@@ -167,6 +168,7 @@ TEST_F(RamlOstreamTest, HeaderHasItsLogsOnLinesOfTheirOwn)
 {
     RAML_HeaderType header;
     EXPECT_EQ(written(header), "    <header>\n    </header>\n");
+
     RAML_LogType log;
     log.dateTime = "t";
     log.action = "a";
@@ -174,6 +176,7 @@ TEST_F(RamlOstreamTest, HeaderHasItsLogsOnLinesOfTheirOwn)
     log.text = "x<y";
     log.appInfo = log.appVersion = log.adaptationVersionMinor = "is not written";
     header.logs = {log, RAML_LogType()};
+
     EXPECT_EQ(written(log), "      <log dateTime=\"t\" action=\"a\" user=\"u\" >x<y</log>");
     EXPECT_EQ(written(header), "    <header>\n"
                                "      <log dateTime=\"t\" action=\"a\" user=\"u\" >x<y</log>\n"
@@ -350,6 +353,7 @@ TEST_F(RamlOstreamTest, OneCharacterAtMostIsEscaped)
         {"&amp;", "&amp;amp;"},
         {"\xC3\xA4&", "\xC3\xA4&amp;"},
     };
+
     for (const auto& [text, escaped] : texts) {
         EXPECT_EQ(handleXmlCharacters(text), escaped);
     }
@@ -389,7 +393,9 @@ TEST_F(RamlOstreamTest, EveryLineEndFlushes)
     made->cmDataList[0]->header.logs.emplace_back();
     FlushRecorder recorder;
     std::ostream stream(&recorder);
+
     stream << *made;
+
     const std::string all = written(*made);
     EXPECT_EQ(recorder.linesAtFlush.size(), static_cast<std::size_t>(std::count(all.begin(), all.end(), '\n')));
     EXPECT_THAT(recorder.linesAtFlush, testing::Each(testing::MatchesRegex("[^\n]*\n")));

@@ -132,9 +132,11 @@ TEST_F(RamlParserTest, EveryAttributeOfABlockIsStored)
         parse("<raml version='2.1E' xmlns='x &amp; y'><cmData type='plan' scope='selection' domain=' d ' "
               "adaptationVersionMajor='LN7' name='the block' id='4711' other='no'>" +
               object("A-1") + "</cmData></raml>");
+
     ASSERT_EQ(m_result, RAML_OK);
     EXPECT_EQ(document->version, "2.1E");
     EXPECT_EQ(document->xmlns, "x & y");
+
     const RAML_CMDataType& cmData = *document->cmDataList.at(0);
     EXPECT_EQ(cmData.type, RAML_PLAN_CANDIDATE);
     EXPECT_EQ(cmData.scope, RAML_SCOPE_SELECTION);
@@ -162,6 +164,7 @@ TEST_F(RamlParserTest, EveryAttributeOfAManagedObjectIsStored)
         parse(inBlock("<managedObject class='A' distName='A-1' operation='subscribe' version='v' id='i' vendor='e' "
                       "timeStamp='t' name='n' actionName='o' levelScope='wholeSubtree' funcScope='QOS' filter='CM' "
                       "sequenceNo='007'/>"));
+
     ASSERT_EQ(m_result, RAML_OK);
     const RAML_ManagedObjectType& mo = *document->cmDataList.at(0)->managedObjects.at(0);
     EXPECT_THAT((std::vector{mo.mClassname, mo.mDistName, mo.mVersion, mo.mId, mo.mVendor, mo.mTimeStamp, mo.mName,
@@ -269,6 +272,7 @@ TEST_F(RamlParserTest, EveryStepIsLogged)
               "<p name='x'>1</p>"
               "<list name='l'><p>2</p><item operation='create'><p name='y'>3</p><p/></item></list>"
               "<defaults/></managedObject></cmData></raml>");
+
     const RAML_ManagedObjectType& mo = *document->cmDataList.at(0)->managedObjects.at(0);
     Trace trace;
     trace << "RamlParser::parseRaml"
@@ -315,6 +319,7 @@ TEST_F(RamlParserTest, EveryStepIsLogged)
     trace << sibling << "Optional tag 'defaults' ignored!" << sibling;
     trace << sibling << "Created 1 RamlMo instances" << sibling;
     trace << "RamlParser::parseRaml: End Parsing Raml document";
+
     EXPECT_EQ(m_log.texts(), trace.lines());
 }
 
@@ -483,8 +488,10 @@ TEST_F(RamlParserTest, SiblingsAreSearchedFromTheFirstOneOn)
     const auto find = [&](AaGpuXmlNode* from, EAaGpuXmlNodeType type, const char* name) {
         return m_parser.getNextSiblingNode(from, type, name);
     };
+
     AaGpuXmlNode* const firstElement = find(first, AA_GPU_XML_ELEMENT_NODE, nullptr);
     AaGpuXmlNode* const elementC = find(first, AA_GPU_XML_ELEMENT_NODE, "c");
+
     ASSERT_TRUE(firstElement && elementC);
     EXPECT_STREQ(firstElement->AaGpuXmlGetName(), "b");
     EXPECT_EQ(firstElement->AaGpuXmlGetNext(), elementC);
@@ -525,11 +532,13 @@ TEST_F(RamlParserTest, PartsOfADocumentMayBeReadAlone)
     m_parser.in_mo(nodeOf(object("A-1", "<p name='x'>1</p>")), mo, m_result);
     EXPECT_EQ(m_result, RAML_OK);
     EXPECT_EQ(mo->mParameters.size(), 1U);
+
     m_parser.in_list(nodeOf("<list name='l'><p>1</p></list>"), mo, m_result);
     EXPECT_EQ(mo->mParameters.size(), 2U);
     m_result = RAML_SYNTAX_ERROR;
     m_parser.in_list(nodeOf("<list name='m'><p>1</p></list>"), mo, m_result);
     EXPECT_EQ(mo->mParameters.size(), 2U);
+
     const RAML_ListType::pointer list = RAML_ListType::create();
     m_parser.in_item(nodeOf("<item><p name='y'>2</p></item>"), list, m_result);
     EXPECT_EQ(list->listElements.size(), 1U);
@@ -567,6 +576,7 @@ TEST_F(RamlParserTest, NamesOfElementsStandInTheMessages)
     const RAML_CMDataType::pointer cmData = RAML_CMDataType::create();
     RAML_HeaderType header;
     RAML_Type document;
+
     m_parser.in_raml(nodeOf("<other/>"), document, m_result);
     m_result = RAML_OK;
     m_parser.in_cmData(nodeOf("<block type='plan'><x/></block>"), cmData, m_result);
@@ -576,6 +586,7 @@ TEST_F(RamlParserTest, NamesOfElementsStandInTheMessages)
     m_parser.in_mo(nodeOf("<mo/>"), RAML_ManagedObjectType::create(), m_result);
     m_parser.in_mo(nodeOf("<mo class=''/>"), RAML_ManagedObjectType::create(), m_result);
     m_parser.in_list(nodeOf("<row/>"), RAML_ManagedObjectType::create(), m_result);
+
     const std::string violation = "Validation constraint violation: ";
     EXPECT_THAT(errorsOf(m_log),
                 ElementsAre(errorLine(violation + "missing required attribute 'version' in element [ other ]."),

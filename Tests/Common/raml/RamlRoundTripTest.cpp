@@ -181,6 +181,7 @@ TEST_F(RamlRoundTripTest, SpecialCharactersElsewhereBreakTheDocument)
         &boost::dynamic_pointer_cast<RAML_ItemType>(list->listElements.at(1))->params.at(0).name,
         &boost::dynamic_pointer_cast<RAML_ItemType>(list->listElements.at(1))->params.at(0).value,
     };
+
     for (std::string* const text : texts) {
         for (const char* const special : {"&", "<"}) {
             const std::string before = std::exchange(*text, special);
@@ -189,6 +190,7 @@ TEST_F(RamlRoundTripTest, SpecialCharactersElsewhereBreakTheDocument)
             *text = before;
         }
     }
+
     EXPECT_NE(readBack(), nullptr);
     EXPECT_EQ(m_result, RAML_OK);
 }

@@ -199,6 +199,7 @@ TEST_F(RamlSortTest, EmptyPointersAmongObjectsWithoutRankComeLast)
 TEST_F(RamlSortTest, EachComparisonThatMeetsAnEmptyPointerIsLoggedOnce)
 {
     fill({"C", "", "B", "", "A", "", "A"});
+
     // The valid objects in front, what they leave and the empty pointers behind them: sorted here with the same
     // function, so that the comparisons are the same.
     std::vector<RAML_ManagedObjectType::pointer> objects = m_cmData->managedObjects;
@@ -211,8 +212,10 @@ TEST_F(RamlSortTest, EachComparisonThatMeetsAnEmptyPointerIsLoggedOnce)
         return RamlMoPtr_less(m_ranks)(mo1, mo2);
     });
     ASSERT_THAT(expected, SizeIs(testing::Gt(6U)));
+
     m_log.clear();
     sort();
+
     EXPECT_EQ(errorsOf(m_log), expected);
 }
 
@@ -234,6 +237,7 @@ TEST_F(RamlSortTest, NoValidObjectIsLostOrThereTwice)
 {
     const std::vector<std::string> classes{"A", "B", "C", "C2", "x", "y", ""};
     std::mt19937 random(7);
+
     for (int round = 0; round < 300; ++round) {
         std::vector<std::string> names(random() % 40);
         std::generate(names.begin(), names.end(), [&] { return classes[random() % classes.size()]; });
@@ -247,7 +251,9 @@ TEST_F(RamlSortTest, NoValidObjectIsLostOrThereTwice)
                 before.insert(mo.get());
             }
         }
+
         sort();
+
         const auto& sorted = m_cmData->managedObjects;
         ASSERT_EQ(sorted.size(), names.size());
         const auto endOfValid = sorted.begin() + static_cast<std::ptrdiff_t>(before.size());

@@ -284,6 +284,7 @@ TEST_F(DriverFirmwareTest, FailureAtAnyStepLeavesOldOrNew)
     using testkit::FileOperation;
     flashFpga(1);
     countReset();
+
     unsigned failures = 0;
     for (const FileOperation operation :
          {FileOperation::Open, FileOperation::Write, FileOperation::Sync, FileOperation::Rename}) {
@@ -291,7 +292,9 @@ TEST_F(DriverFirmwareTest, FailureAtAnyStepLeavesOldOrNew)
             writeImage(m_node, image, 100 + nth);
             const testkit::FailingFilePort files(operation, nth, EIO);
             const std::uint32_t before = fpgaVersion();
+
             const std::int32_t result = ddal_fpga_update_mod(fpga, DDAL_FPGA_SLOT_PRIMARY, image);
+
             EXPECT_EQ(fpgaVersion(), before);
             if (!files.hasFailed()) {
                 EXPECT_EQ(result, DDAL_OK);
@@ -301,6 +304,7 @@ TEST_F(DriverFirmwareTest, FailureAtAnyStepLeavesOldOrNew)
             ++failures;
         }
     }
+
     EXPECT_GE(failures, 7U);
 }
 

@@ -258,11 +258,13 @@ TEST_F(DriverRioTest, DiskErrorsAreTheDevices)
         const testkit::FullDisk disk(0);
         EXPECT_EQ(handle.write(memoryBegin, "x"), DDAL_ERROR_NO_RESOURCE);
     }
+
     std::filesystem::remove(m_node.boardPath(memoryFile));
     {
         const testkit::FailingFilePort files(FileOperation::Truncate, 1, EFBIG);
         EXPECT_EQ(handle.write(memoryBegin, "x"), DDAL_ERROR_IO);
     }
+
     EXPECT_EQ(handle.write(memoryBegin, "x"), DDAL_OK);
 }
 

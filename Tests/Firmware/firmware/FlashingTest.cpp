@@ -276,6 +276,7 @@ TEST_P(AnyUpdateTest, FailureOfAnyReadOrWriteLeavesNothingBehind)
         EXPECT_TRUE(result == 0 || result == -1 || result == -2) << result << " at call " << nth;
         EXPECT_THAT(temporaryFiles(), IsEmpty()) << "at call " << nth;
     };
+
     for (unsigned nth = 1; nth <= 12; ++nth) {
         {
             const FailNth<AaFileOpen> failure(nth);

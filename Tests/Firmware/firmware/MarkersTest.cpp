@@ -196,16 +196,19 @@ TEST_F(MarkersTest, CountThatCannotBeReducedDoesNotForce)
         EXPECT_EQ(is_firmware_update_forced("fpga"), 0);
     }
     EXPECT_EQ(m_node.readBoardFile(force), "3") << "what was not opened is as it was";
+
     {
         const FailNth<AaFileWrite> failure(1);
         EXPECT_EQ(is_firmware_update_forced("fpga"), 0);
     }
     EXPECT_EQ(m_node.readBoardFile(force), "") << "what was opened is empty";
+
     m_node.writeBoardFile(force, "3");
     {
         const FailNth<AaFileWrite> failure(1, 0);
         EXPECT_EQ(is_firmware_update_forced("fpga"), 0);
     }
+
     EXPECT_THAT(m_syslog.texts(), ElementsAre("info is_firmware_update_forced(): fopen() failed 5",
                                               "info is_firmware_update_forced(): fprintf() failed -1",
                                               "info is_firmware_update_forced(): fprintf() failed 0"));

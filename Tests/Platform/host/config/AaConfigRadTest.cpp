@@ -193,6 +193,7 @@ TEST_F(AaConfigRadTest, DeclarationsThatDoNotFitAreRefused)
                    AaConfigRadSetDefault(0x30000, tooLong.c_str(), 0),
                    AaConfigRadSetDefault(0x30000, longest.c_str(), 0)};
     };
+
     EXPECT_EQ(AaConfigRadRegisterDomain(lamps, "Lamps", declare), 0);
     EXPECT_THAT(results, ElementsAre(1, 1, 1, 1, 0, 1, 1, 1, 1, 1, 0));
     EXPECT_EQ(std::string(63, 'n'), radParameterName(0x30000));
@@ -385,6 +386,7 @@ TEST_F(AaConfigRadTest, ThreadsMayRegisterTheSameDomainAtOnce)
         AaConfigRadSetMaxTagCount(lamps, lampsLast);
         AaConfigRadSetDefault(0x30000, "RED", 7);
     };
+
     std::vector<std::thread> threads;
     for (int count = 0; count < 4; ++count) {
         threads.emplace_back([declare] {

@@ -95,6 +95,7 @@ TEST_F(AaConfigTagTest, EarlyStartupKeepsTheStoresFromTheNumbersOfClosedStandard
         isRight = isRight && write(STDERR_FILENO, "x", 1) == -1 && errno == EBADF;
         _exit(isRight ? 0 : 1);
     }
+
     int status = -1;
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
@@ -196,8 +197,10 @@ TEST_F(AaConfigTagTest, NamesHaveOneTo255Characters)
 {
     const std::string longest(255, 'n');
     const std::string tooLong(256, 'n');
+
     EXPECT_EQ(AaConfigTagSetU32(longest.c_str(), 1), 0);
     EXPECT_EQ(valueOf(longest.c_str()).size(), 4U);
+
     for (const char* const name : {tooLong.c_str(), "", static_cast<const char*>(nullptr)}) {
         uint32_t number = 0;
         EXPECT_EQ(AaConfigTagSetU32(name, 1), EAaConfigTagStatus_BadArgument);
@@ -334,11 +337,13 @@ TEST_F(AaConfigTagTest, ObserversValueIsAlignedForAnyTypeAndNeverNull)
                                       recorder.add(name, value, length);
                                   }),
               0);
+
     AaConfigTagSetString("sys.x", "");
     AaConfigTagSetString("sys.x", "1");
     AaConfigTagSetU32("sys.x", 1);
     ASSERT_EQ(recorder.waitFor(3).size(), 3U);
     closeNode();
+
     EXPECT_EQ(isGood, true);
 }
 
@@ -378,10 +383,12 @@ TEST_F(AaConfigTagTest, StoreThatCannotBeOpenedFailsEveryFunctionWithALogLine)
     const std::string path = m_node.nodeDirectory();
     dorn::testkit::FullDisk disk;
     uint32_t number = 0;
+
     EXPECT_EQ(AaConfigTagSetU32("sys.x", 1), EAaConfigTagStatus_StoreFailed);
     EXPECT_EQ(AaConfigTagGetU32("sys.x", &number), EAaConfigTagStatus_StoreFailed);
     EXPECT_EQ(AaConfigTagRegister("sys.x", record), EAaConfigTagStatus_StoreFailed);
     EXPECT_EQ(AaConfigTagUnregister("sys.x", record), EAaConfigTagStatus_StoreFailed);
+
     const std::string reason = ": store '" + path + "/tags.control' cannot be created: No space left on device";
     EXPECT_THAT(m_log.texts(), ElementsAre("Error 0x0 configuration tag 'sys.x' cannot be set" + reason,
                                            "Error 0x0 configuration tag 'sys.x' cannot be read" + reason,

@@ -58,9 +58,11 @@ TEST_F(RadProcessesTest, ValueSetInOneProcessIsReadInAnother)
         AaConfigRadSetValue(0x30006, 78);
     });
     ASSERT_TRUE(other.await());
+
     ASSERT_EQ(registerMany(), 0);
     AaConfigRadSetValue(0x30005, 77);
     other.tell();
+
     ASSERT_TRUE(other.hasSucceeded());
     EXPECT_EQ(AaConfigRadGetValue(0x30006), 78U);
 }
@@ -88,15 +90,18 @@ TEST_F(RadProcessesTest, ProcessesThatRegisterAtOnceAllSucceed)
             expectDefaults();
         }));
     }
+
     for (const auto& service : services) {
         ASSERT_TRUE(service->await());
     }
     for (const auto& service : services) {
         service->tell();
     }
+
     for (const auto& service : services) {
         EXPECT_TRUE(service->hasSucceeded());
     }
+
     ASSERT_EQ(registerMany(), 0);
     expectDefaults();
     EXPECT_THAT(m_log.texts(), IsEmpty());
@@ -141,6 +146,7 @@ TEST_F(RadProcessesTest, DomainOfAnotherVersionThatNobodyUsesIsMadeAnew)
         AaConfigRadSetValue(0x30000, 77);
     });
     ASSERT_TRUE(first.hasSucceeded());
+
     EXPECT_EQ(registerFew(), 0);
     EXPECT_THAT(
         m_log.texts(),
@@ -171,12 +177,15 @@ TEST_F(RadProcessesTest, ProcessThatOnlyLooksFindsTheDomainThatWasMadeAnew)
         parent.tell();
         parent.await();
     });
+
     ASSERT_TRUE(first.hasSucceeded());
     RadStore& store = PerNode<RadStore>::get();
     const RadDomain* const old = store.domain(3);
     ASSERT_EQ(old->name(), "Many");
+
     next.tell();
     ASSERT_TRUE(next.await());
+
     ASSERT_EQ(store.domains().size(), 1U);
     EXPECT_EQ(store.domains()[0]->name(), "Few");
     EXPECT_EQ(old->name(), "Many"); // who still has it may still look
@@ -191,12 +200,14 @@ TEST_F(RadProcessesTest, StoreOfAnotherVersionIsNotTakenFromItsUser)
         file.seekp(offsetof(SharedStoreHeader, version));
         file.put(99);
     }
+
     EXPECT_EQ(registerMany(), 3);
     EXPECT_THAT(m_log.texts(),
                 ElementsAre("Warning 0x0 R&D domain 3 \"Many\" is not registered: its store is damaged or of another "
                             "version; process " +
                             std::to_string(first.pid()) +
                             " uses the node's: end the services of the other version, then start this"));
+
     first.kill();
     EXPECT_EQ(registerMany(), 0);
     EXPECT_TRUE(std::filesystem::exists(m_node.nodeDirectory() + "/rad/3.broken"));
@@ -255,6 +266,7 @@ TEST_F(RadProcessesTest, ProcessKilledAtAnyStepOfARegistrationLeavesAUsableStore
                                          {Open, 3},
                                          {Write, 1},
                                          {Rename, 1}}};
+
     std::vector<std::unique_ptr<ChildProcess>> services;
     for (const Step& step : steps) {
         services.push_back(std::make_unique<ChildProcess>([step](ChildProcess::Parent& parent) {
@@ -263,10 +275,12 @@ TEST_F(RadProcessesTest, ProcessKilledAtAnyStepOfARegistrationLeavesAUsableStore
             registerMany();
         }));
     }
+
     for (const auto& service : services) {
         service->tell();
         EXPECT_FALSE(service->hasSucceeded());
     }
+
     ASSERT_EQ(registerMany(), 0);
     expectDefaults();
 }

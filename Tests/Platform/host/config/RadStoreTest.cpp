@@ -74,7 +74,9 @@ TEST_F(RadStoreTest, ToolSeesParametersWithNameDefaultAndValue)
 {
     registerElsewhere(lamps());
     ASSERT_TRUE(store().set(0x30003, 99));
+
     const std::vector<RadParameter> parameters = RadStore::parametersOf(*store().domain(3));
+
     ASSERT_EQ(parameters.size(), 3U);
     EXPECT_EQ(parameters[0].id, 0x30000U);
     EXPECT_EQ(parameters[0].name, "RED");

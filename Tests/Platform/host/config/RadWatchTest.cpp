@@ -30,10 +30,12 @@ TEST_F(RadWatchTest, EveryChangedParameterIsToldOnce)
 {
     registerLamps();
     RadWatch watch(store());
+
     AaConfigRadSetValue(0x30001, 1);
     AaConfigRadSetValue(0x30000, 2);
     AaConfigRadSetValue(0x30001, 3);
     const std::vector<RadParameter> changes = watch.waitForChanges(soon());
+
     ASSERT_EQ(changes.size(), 2U);
     EXPECT_EQ(changes[0].id, 0x30000U);
     EXPECT_EQ(changes[0].value, 2U);
@@ -70,8 +72,10 @@ TEST_F(RadWatchTest, SleepingWatchIsWokenByAnotherProcess)
     });
     ASSERT_TRUE(service.await());
     RadWatch watch(store());
+
     service.tell();
     const std::vector<RadParameter> changes = watch.waitForChanges(soon());
+
     ASSERT_EQ(changes.size(), 1U);
     EXPECT_EQ(changes[0].id, 0x30001U);
     EXPECT_EQ(changes[0].value, 5U);

@@ -165,9 +165,11 @@ TEST_F(SharedSignalTest, WhoIsKilledAtTheWakeLeavesItToTheNextNotification)
     });
     ASSERT_TRUE(waiter.await());
     ASSERT_TRUE(isAsleep(waiter.pid()));
+
     killed.tell();
     EXPECT_FALSE(killed.hasSucceeded());
     EXPECT_EQ(m_signal.count(), seen + 1);
+
     m_signal.notify();
     EXPECT_TRUE(waiter.await());
 }
@@ -194,6 +196,7 @@ TEST_F(SharedSignalTest, KilledWaiterLeavesNothingThatMatters)
         });
         ASSERT_TRUE(child.await());
     }
+
     m_signal.notify();
     EXPECT_EQ(m_signal.count(), seen + 1);
     EXPECT_TRUE(m_signal.waitBeyond(seen, noDeadline));

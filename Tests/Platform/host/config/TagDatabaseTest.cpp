@@ -137,12 +137,14 @@ TEST_F(TagDatabaseTest, JournalOfLargeValuesIsBoundByItsBytes)
     // Entries of 64 KiB that nobody ever needs less: far more of them than the bound lets stay.
     const std::string value(65535, 'v');
     constexpr std::size_t bound = (sizeof(void*) >= 8 ? std::size_t{1} << 28 : std::size_t{1} << 24);
+
     for (std::size_t written = 0; written < bound + bound / 8; written += value.size()) {
         TagWrite write(m_database);
         write.appendToJournal("sys.x", bytes(value));
         write.trimJournal(0);
         write.commit();
     }
+
     (void)journal(0);
     EXPECT_GT(m_part.lost, 0U);
     EXPECT_GT(journal(0).size(), 10U);

@@ -153,9 +153,11 @@ TEST_F(TagObserversTest, ObserverMayEndItself)
     TagRecorder all;
     const TagWatch watch(store(), "",
                          [&all](const std::string& name, TagView value) { all.add(name, value.data(), value.size()); });
+
     set("sys.x", "1");
     set("sys.x", "2");
     all.waitFor(2);
+
     EXPECT_THAT(m_recorder.calls(), ElementsAre("sys.x=1"));
 }
 
@@ -169,9 +171,11 @@ TEST_F(TagObserversTest, ObserverMayEndAnotherThatWaitsForTheSameSet)
     TagRecorder never;
     second = observers().add(
         "sys.x", [&never](const std::string& name, TagView value) { never.add(name, value.data(), value.size()); });
+
     set("sys.x", "1");
     set("sys.x", "2");
     m_recorder.waitFor(2);
+
     EXPECT_THAT(never.calls(), IsEmpty());
 }
 
@@ -185,9 +189,11 @@ TEST_F(TagObserversTest, EndingARunningObserverWaitsForIt)
         EXPECT_TRUE(leave.pass());
         hasLeft = true;
     });
+
     set("sys.x", "1");
     ASSERT_TRUE(entered.pass());
     std::thread other([&] { leave.open(); });
+
     EXPECT_TRUE(observers().remove(id));
     EXPECT_TRUE(hasLeft);
     other.join();
@@ -202,9 +208,11 @@ TEST_F(TagObserversTest, EndingAnObserverDoesNotWaitForAnother)
         EXPECT_TRUE(leave.pass());
     });
     const TagObservers::Id other = observers().add("sys.y", recording());
+
     set("sys.x", "1");
     ASSERT_TRUE(entered.pass());
     EXPECT_TRUE(observers().remove(other));
+
     leave.open();
     closeNode();
 }
@@ -217,16 +225,19 @@ TEST_F(TagObserversTest, SetsBeforeALaterRegistrationAreNotForIt)
         entered.open();
         EXPECT_TRUE(leave.pass());
     });
+
     set("sys.slow", "");
     ASSERT_TRUE(entered.pass());
     set("sys.x", "before");
     set("tessel.service.x", "before");
     const TagWatch own(store(), "tessel.service.x", recording());
     const TagWatch watch(store(), "sys.x", recording());
+
     set("tessel.service.x", "after");
     set("sys.x", "after");
     leave.open();
     m_recorder.waitFor(2);
+
     EXPECT_THAT(m_recorder.calls(), ::testing::UnorderedElementsAre("tessel.service.x=after", "sys.x=after"));
 }
 
@@ -249,6 +260,7 @@ TEST_F(TagObserversTest, ManySetsFromManyThreadsAreAllDeliveredInTheirOrder)
     constexpr int threads = 4;
     constexpr int sets = 300;
     const TagWatch watch(store(), "sys.x", recording());
+
     std::vector<std::thread> setters;
     for (int thread = 0; thread < threads; ++thread) {
         setters.emplace_back([thread] {
@@ -260,6 +272,7 @@ TEST_F(TagObserversTest, ManySetsFromManyThreadsAreAllDeliveredInTheirOrder)
     for (std::thread& setter : setters) {
         setter.join();
     }
+
     std::vector<int> next(threads, 0);
     const std::vector<std::string> calls = m_recorder.waitFor(threads * sets);
     ASSERT_EQ(calls.size(), static_cast<std::size_t>(threads * sets));
@@ -307,13 +320,16 @@ TEST_F(TagLaggardTest, LaggardWithinTheBoundLosesNothing)
 TEST_F(TagLaggardTest, LaggardBeyondTheBoundLosesTheOldestWithALine)
 {
     fallBehind("sys.x");
+
     // Set 0 has been read; of the following the last 65,536 are kept.
     const auto last = static_cast<int>(tagJournalCapacity) + 7;
     for (int count = 1; count <= last; ++count) {
         set("sys.x", std::to_string(count));
     }
+
     m_leave.open();
     const std::vector<std::string> calls = m_recorder.waitFor(1 + tagJournalCapacity);
+
     ASSERT_EQ(calls.size(), 1 + tagJournalCapacity);
     EXPECT_EQ(calls[0], "sys.x=0");
     EXPECT_EQ(calls[1], "sys.x=8");
@@ -352,9 +368,11 @@ TEST_F(TagLaggardTest, ObserverThatUsesTheTagsWhileTheNodeIsClosedFailsCleanly)
             reason = error.what();
         }
     });
+
     set("sys.y", "1");
     ASSERT_TRUE(entered.pass());
     closeNode();
+
     EXPECT_EQ(reason, "the tag store of this process is just being closed");
 }
 

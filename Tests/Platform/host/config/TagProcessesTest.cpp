@@ -113,6 +113,7 @@ TEST_F(TagProcessesTest, ObserversInAllProcessesAreToldOfEverySetInTheSameOrder)
             }
         }));
     }
+
     const std::string path = m_node.boardPath("/calls");
     ChildProcess other([&path](ChildProcess::Parent& parent) {
         TagRecorder recorder;
@@ -124,15 +125,18 @@ TEST_F(TagProcessesTest, ObserversInAllProcessesAreToldOfEverySetInTheSameOrder)
         }
     });
     ASSERT_TRUE(other.await());
+
     TagRecorder recorder;
     const TagWatch watch(store(), "sys.x", recordingIn(recorder));
     for (const auto& child : children) {
         child->tell();
     }
+
     std::string calls;
     for (const std::string& call : recorder.waitFor(setters * sets)) {
         calls += call + "\n";
     }
+
     EXPECT_EQ(std::count(calls.begin(), calls.end(), '\n'), setters * sets);
     ASSERT_TRUE(other.hasSucceeded());
     EXPECT_EQ(m_node.readBoardFile("/calls"), calls);
@@ -150,12 +154,14 @@ TEST_F(TagProcessesTest, SetThatFollowsARegistrationInAnotherProcessIsSeenByIt)
             set("sys.x", std::to_string(round));
         }
     });
+
     for (int round = 0; round < rounds; ++round) {
         TagRecorder recorder;
         const TagWatch watch(store(), "sys.x", recordingIn(recorder));
         setter.tell();
         ASSERT_THAT(recorder.waitFor(1), ElementsAre("sys.x=" + std::to_string(round)));
     }
+
     EXPECT_TRUE(setter.hasSucceeded());
 }
 
@@ -188,11 +194,13 @@ TEST_F(TagProcessesTest, LivingObserverIsServedBesideAKilledOne)
     ASSERT_TRUE(dead.await());
     TagRecorder recorder;
     const TagWatch watch(store(), "sys.x", recordingIn(recorder));
+
     dead.kill();
     for (int count = 0; count < 300; ++count) {
         set("sys.x", std::to_string(count));
     }
     const std::vector<std::string> calls = recorder.waitFor(300);
+
     ASSERT_EQ(calls.size(), 300U);
     EXPECT_EQ(calls.back(), "sys.x=299");
     EXPECT_THAT(m_log.texts(), IsEmpty());
@@ -215,6 +223,7 @@ TEST_F(TagProcessesTest, ProcessThatIsStoppedInASetKeepsNobodyFromStartingAndRea
         EXPECT_EQ(store().list().size(), 1U);
         parent.tell();
     });
+
     ASSERT_TRUE(stopped.await());
     other.tell();
     EXPECT_TRUE(other.await());
@@ -245,11 +254,13 @@ TEST_F(TagProcessesTest, ThreadThatWaitsForAStoppedSetterKeepsNoOtherWaiting)
         parent.tell();
         registration.join();
     });
+
     ASSERT_TRUE(other.await());
     stopped.tell();
     ASSERT_TRUE(stopped.await());
     other.tell();
     EXPECT_TRUE(other.await());
+
     stopped.kill();
     EXPECT_TRUE(other.hasSucceeded());
 }
@@ -269,12 +280,15 @@ TEST_F(TagProcessesTest, WakeUpThatAKilledProcessOwesIsMadeUpForByTheNextStart)
         ASSERT_TRUE(parent.await());
         EXPECT_EQ(AaConfigEarlyStartup(), 0);
     });
+
     TagRecorder recorder;
     const TagWatch watch(store(), "sys.x", recordingIn(recorder));
+
     killed.tell();
     ASSERT_TRUE(killed.hasSucceeded());
     next.tell();
     ASSERT_TRUE(next.hasSucceeded());
+
     EXPECT_THAT(recorder.waitFor(1), ElementsAre("sys.x=1"));
 }
 
@@ -291,6 +305,7 @@ TEST_F(TagProcessesTest, ProcessKilledWhileSettingBlocksNobody)
         ASSERT_TRUE(setter.await());
         std::this_thread::yield();
         setter.kill();
+
         ChildProcess next([](ChildProcess::Parent&) {
             set("sys.y", "alive");
             EXPECT_TRUE(PerNode<TagStore>::get().get("sys.x"));
@@ -305,6 +320,7 @@ TEST_F(TagProcessesTest, SetThatHasReturnedOutlivesTheKilledSetter)
         mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(memory, MAP_FAILED);
     auto& returned = *new (memory) std::atomic<int>(0);
+
     for (int round = 0; round < 10; ++round) {
         returned.store(0);
         ChildProcess setter([&returned](ChildProcess::Parent& parent) {
@@ -320,6 +336,7 @@ TEST_F(TagProcessesTest, SetThatHasReturnedOutlivesTheKilledSetter)
             std::this_thread::yield();
         }
         setter.kill();
+
         ChildProcess next([&returned](ChildProcess::Parent&) {
             const std::optional<TagBytes> value = PerNode<TagStore>::get().get("sys.x");
             ASSERT_TRUE(value);
@@ -329,6 +346,7 @@ TEST_F(TagProcessesTest, SetThatHasReturnedOutlivesTheKilledSetter)
         });
         ASSERT_TRUE(next.hasSucceeded());
     }
+
     munmap(memory, sizeof(std::atomic<int>));
 }
 
@@ -348,6 +366,7 @@ TEST_F(TagProcessesTest, FullDiskFailsTheSetAndLeavesTheStoreUsable)
         EXPECT_TRUE(PerNode<TagStore>::get().get("sys.x"));
     });
     EXPECT_TRUE(full.hasSucceeded());
+
     set("sys.x", "after");
     EXPECT_EQ(store().get("sys.x")->size(), 5U);
 }
@@ -367,6 +386,7 @@ TEST_F(TagProcessesTest, IdleObserverSleepsWithoutLimitAndIsWokenByItsEventsOnly
         set("sys.x", "1");
     });
     ASSERT_TRUE(other.await());
+
     test::WaitingClock clock;
     TagRecorder recorder;
     {
@@ -379,6 +399,7 @@ TEST_F(TagProcessesTest, IdleObserverSleepsWithoutLimitAndIsWokenByItsEventsOnly
         EXPECT_THAT(recorder.waitFor(1), ElementsAre("sys.x=1"));
         ASSERT_TRUE(other.hasSucceeded());
     }
+
     closeNode();
     EXPECT_EQ(clock.timedSleeps(), 0);
 }

@@ -119,6 +119,7 @@ TEST_F(TagStoreTest, ManyThreadsReadAndSetAtOnce)
             }
         });
     }
+
     for (std::thread& thread : threads) {
         thread.join();
     }

@@ -146,6 +146,7 @@ TEST_F(EuCancelTest, SendToAFullReceiverUnwinds)
         for (int count = 0; count < MessageQueue::capacity; ++count) {
             ASSERT_EQ(sendEmpty(0x0301), EAaSysComStatus_Ok);
         }
+
         const testkit::ManualClock clock;
         expectUnwinding([] { sendEmpty(0x0301); });
         AaSemGive(end);
@@ -158,12 +159,14 @@ TEST_F(EuCancelTest, CreationThatWaitsForTheEndUnwinds)
     if (dorn::test::hasThreadSanitizer) {
         GTEST_SKIP() << "ThreadSanitizer does not know a join that is cancelled";
     }
+
     AaSem* end = AaSemCreateC(0);
     AaSem* ended = AaSemCreateC(0);
     struct Args {
         AaSem* end;
         AaSem* ended;
     } const args{end, ended};
+
     expectUnwinding([&] {
         AaSysComEuCreateAndStartWithPolicy(
             nullptr, "Other",
@@ -175,6 +178,7 @@ TEST_F(EuCancelTest, CreationThatWaitsForTheEndUnwinds)
             },
             4096, EAaProEuSchedulingPolicy_NotDefined, 0, &args, sizeof args, 1);
     });
+
     AaSemGive(end);
     AaSemTake(ended, AA_WAIT_FOREVER);
     AaSemDestroy(&end);
@@ -299,6 +303,7 @@ TEST_F(PendingCancellationTest, DestructorsReceiveWhileTheEuUnwinds)
             AaSysComMsgDestroy(&message);
         }
     };
+
     expectUnwindingAfter([] {
         const Farewell farewell;
         AaSysComMsgReceive(AA_WAIT_FOREVER);

@@ -165,6 +165,7 @@ TEST_F(EuTest, IdsOfLiveEusDiffer)
             AaSemGive(end);
         }
     }
+
     EXPECT_EQ(ids.size(), 50U);
     EXPECT_EQ(ids.count(0), 0U);
     AaSemDestroy(&end);

@@ -107,14 +107,17 @@ TEST_F(AaFileTest, AbsoluteLinkIsFollowedBelowTheBoardRoot)
     std::ofstream(outside) << "untouched";
     std::filesystem::create_symlink(outside, host.boardRoot() + "/link");
     std::filesystem::create_directories(host.boardPath(m_node.boardRoot()));
+
     EXPECT_EQ(AaFileOpen("/link", "r"), nullptr);
     ASSERT_EQ(write(open("/link", "w"), "text"), 4);
     EXPECT_EQ(host.readBoardFile(outside), "text");
+
     std::filesystem::create_symlink(m_node.boardRoot(), host.boardRoot() + "/directory");
     EXPECT_EQ(AaFileCreateDir("/directory/new"), 0);
     EXPECT_TRUE(AaFileDirExists("/directory/new"));
     EXPECT_FALSE(std::filesystem::exists(m_node.boardRoot() + "/new"));
     EXPECT_EQ(AaFileRemove("/directory/outside"), 0);
+
     std::string left;
     std::ifstream(outside) >> left;
     EXPECT_EQ(left, "untouched");
@@ -556,12 +559,14 @@ TEST_F(AaFileTest, ThreadsShareAFile)
         writeLines("from this thread\n");
         other.join();
     }
+
     const OwnedFile file = open("/a", "r");
     int lines = 0;
     for (std::string line = readLine(file, 100); !line.empty(); line = readLine(file, 100)) {
         EXPECT_TRUE(line == "from this thread\n" || line == "from the other thread\n") << line;
         ++lines;
     }
+
     EXPECT_EQ(lines, 2 * linesOfEach);
 }
 

@@ -303,6 +303,7 @@ TEST_F(PrintingThreadsTest, ForkWhileOthersPrintLeavesAUsableLog)
             }
         });
     }
+
     for (int round = 0; round < 50; ++round) {
         const pid_t child = fork();
         if (child == 0) {
@@ -313,6 +314,7 @@ TEST_F(PrintingThreadsTest, ForkWhileOthersPrintLeavesAUsableLog)
         waitpid(child, &status, 0);
         ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 42);
     }
+
     stop = true;
     for (std::thread& printer : printers) {
         printer.join();
@@ -330,12 +332,15 @@ TEST_F(PrintingThreadsTest, ThreadThatIsCancelledLeavesAUsableLog)
             pthread_testcancel();
         }
     });
+
     while (!isPrinting) {
         std::this_thread::yield();
     }
     pthread_cancel(printer.native_handle());
     printer.join();
+
     AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "after");
+
     const std::string lines = m_node.readBoardFile("/a.log");
     EXPECT_TRUE(lines.ends_with(" warning " + process() + " - - after\n")) << lines;
 }

@@ -102,6 +102,7 @@ TEST_F(LogObserverTest, NoCallIsUnderWayOnceRemoved)
             AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "text");
         }
     });
+
     for (int round = 0; round < 200; ++round) {
         std::atomic<bool> isAlive{true};
         std::atomic<int> wrong{0};
@@ -110,6 +111,7 @@ TEST_F(LogObserverTest, NoCallIsUnderWayOnceRemoved)
         isAlive = false;
         EXPECT_EQ(wrong, 0);
     }
+
     stop = true;
     printer.join();
 }

@@ -284,7 +284,9 @@ TEST_F(LogReaderTest, ListTellsOfEveryProcess)
     clock.turn();
     clock.printRaw("0123\n");
     clock.segments().noteDropped(7);
+
     const std::vector<ProcessLogInfo> infos = LogReader(m_run).list();
+
     ASSERT_EQ(infos.size(), 2U);
     EXPECT_EQ(infos[0].eeName, "Clock");
     EXPECT_EQ(infos[0].pid, 1);
@@ -308,9 +310,11 @@ TEST_F(LogReaderTest, GarbageInTheDirectoryIsPassedOver)
     std::filesystem::create_directory(directory() + "Directory.8.8.0.log");
     std::filesystem::create_symlink("/etc/passwd", directory() + "Link.9.9.0.log");
     ASSERT_EQ(mkfifo((directory() + "Pipe.10.a.0.log").c_str(), 0600), 0);
+
     LogReader reader(m_run);
     EXPECT_EQ(textsOf(reader.last(10)), Texts{"line"});
     EXPECT_EQ(reader.list().size(), 1U);
+
     clock.print(2, "next");
     EXPECT_EQ(textsOf(reader.next(atOnce)), Texts{"next"});
 }
@@ -378,10 +382,12 @@ TEST_F(LogReaderTest, AllReadersAreWoken)
         });
     }
     EXPECT_TRUE(time.waitForSleepers(3));
+
     clock.print(1, "wake up");
     for (std::thread& reader : readers) {
         reader.join();
     }
+
     EXPECT_EQ(read, 3);
 }
 
@@ -446,12 +452,14 @@ TEST_F(LogReaderTest, ReaderKeepsUpWithAWriterThatTurns)
             printed = number + 1;
         }
     });
+
     while (read < lines) {
         for (const LogLine& line : reader.next(noDeadline)) {
             ASSERT_EQ(line.text, "number " + std::to_string(read));
             ++read;
         }
     }
+
     printer.join();
     EXPECT_EQ(reader.gaps(), 0U);
 }
@@ -466,6 +474,7 @@ TEST_F(LogReaderTest, ReaderThatIsTooSlowSeesWholeLinesInOrder)
             clock.print(number, std::to_string(number) + " " + std::to_string(number));
         }
     });
+
     std::int64_t latest = 0;
     std::size_t read = 0;
     while (read < 50'000) {
@@ -478,6 +487,7 @@ TEST_F(LogReaderTest, ReaderThatIsTooSlowSeesWholeLinesInOrder)
             latest = number;
         }
     }
+
     stop = true;
     printer.join();
 }
@@ -486,6 +496,7 @@ TEST_F(LogReaderTest, LinesOfOtherProcessesAreReadWhileTheyRun)
 {
     useLog("file");
     LogReader reader(m_run);
+
     const pid_t child = fork();
     if (child == 0) {
         for (int number = 0; number < 3'000; ++number) {
@@ -493,6 +504,7 @@ TEST_F(LogReaderTest, LinesOfOtherProcessesAreReadWhileTheyRun)
         }
         _exit(0);
     }
+
     int expected = 0;
     while (expected < 3'000) {
         for (const LogLine& line : reader.next(noDeadline)) {
@@ -501,6 +513,7 @@ TEST_F(LogReaderTest, LinesOfOtherProcessesAreReadWhileTheyRun)
             ++expected;
         }
     }
+
     waitpid(child, nullptr, 0);
 }
 

@@ -117,11 +117,13 @@ TEST_F(ProcessLogTest, IdOfAFeatureReadsBackUnlessItsNameIsAnothersToo)
     for (const std::uint32_t feature : {clocks, nameless, twin}) {
         AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, feature, "text");
     }
+
     std::vector<LogLine> lines = allLines();
     ASSERT_EQ(lines.size(), 3U);
     EXPECT_EQ(lines[0].featureId, clocks);
     EXPECT_EQ(lines[1].featureId, nameless);
     EXPECT_EQ(lines[2].featureId, twin);
+
     AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, otherTwin, "text");
     lines = allLines();
     ASSERT_EQ(lines.size(), 4U);
@@ -150,9 +152,11 @@ TEST_F(ProcessLogTest, LinesOfAKilledProcessAreThere)
         }
         raise(SIGKILL);
     }
+
     int status = 0;
     waitpid(child, &status, 0);
     ASSERT_TRUE(WIFSIGNALED(status));
+
     const Texts texts = allTexts();
     ASSERT_EQ(texts.size(), 5'000U);
     EXPECT_EQ(texts.front(), "number 0");
@@ -169,14 +173,17 @@ TEST_F(ProcessLogTest, ProcessKilledAnywhereLeavesWholeLines)
             }
         }
         LogReader reader;
+
         std::vector<LogLine> lines;
         while (lines.size() < 100) {
             for (LogLine& line : reader.next(noDeadline)) {
                 lines.push_back(std::move(line));
             }
         }
+
         kill(child, SIGKILL);
         waitpid(child, nullptr, 0);
+
         const std::vector<LogLine> latest = reader.last(100);
         ASSERT_EQ(latest.size(), 100U);
         for (const LogLine& line : latest) {
@@ -192,12 +199,14 @@ TEST_F(ProcessLogTest, OnlyTheLatestLinesAreKept)
     for (int number = 0; number < count; ++number) {
         AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "%s %d", filling.c_str(), number);
     }
+
     EXPECT_EQ(files().size(), segmentsPerProcess);
     std::uintmax_t bytes = 0;
     for (const std::string& name : files()) {
         bytes += std::filesystem::file_size(directory() + "/" + name);
     }
     EXPECT_EQ(bytes, segmentsPerProcess * ProcessLog::defaultSegmentSize);
+
     const Texts texts = allTexts();
     ASSERT_GE(texts.size() * 250, ProcessLog::defaultSegmentSize);
     for (std::size_t place = 0; place < texts.size(); ++place) {
@@ -226,9 +235,11 @@ TEST_F(ProcessLogTest, MoreFeaturesThanTheHeaderHoldsAreNamedAllTheSame)
             AaConfigRadSetDefault(0x30000 + index, ("F" + std::to_string(index)).c_str(), 0);
         }
     });
+
     for (std::uint32_t index = 0; index < features; ++index) {
         AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, 0x30000 + index, "text");
     }
+
     const std::vector<LogLine> lines = allLines();
     ASSERT_EQ(lines.size(), features);
     for (std::uint32_t index = 0; index < features; ++index) {
@@ -249,9 +260,11 @@ TEST_F(ProcessLogTest, ThreadsLoseNoLine)
             }
         });
     }
+
     for (std::thread& printer : printers) {
         printer.join();
     }
+
     const Texts texts = allTexts();
     EXPECT_EQ(texts.size(), static_cast<std::size_t>(threads) * linesOfEach);
     EXPECT_EQ(std::set<std::string>(texts.begin(), texts.end()).size(), texts.size());
@@ -304,9 +317,11 @@ TEST_F(ProcessLogTest, ChildOfAForkHasALogOfItsOwn)
         }
         _exit(0);
     }
+
     waitpid(child, nullptr, 0);
     print("parent after");
     EXPECT_EQ(filesOf("Clock." + std::to_string(child)), 2);
+
     Texts ofParent;
     for (const LogLine& line : allLines()) {
         if (line.pid == getpid()) {
@@ -325,6 +340,7 @@ TEST_F(ProcessLogTest, ChildThatPrintsNothingDoesNotKeepItsDeadParentAlive)
     int toTest[2];
     ASSERT_EQ(pipe(toChild), 0);
     ASSERT_EQ(pipe(toTest), 0);
+
     const pid_t parent = fork();
     if (parent == 0) {
         print("parent");
@@ -337,13 +353,16 @@ TEST_F(ProcessLogTest, ChildThatPrintsNothingDoesNotKeepItsDeadParentAlive)
         }
         _exit(0);
     }
+
     waitpid(parent, nullptr, 0);
     char byte = 0;
     ASSERT_EQ(::read(toTest[0], &byte, 1), 1);
+
     const std::vector<ProcessLogInfo> logs = LogReader().list();
     ASSERT_EQ(logs.size(), 1U);
     EXPECT_EQ(logs[0].pid, parent);
     EXPECT_FALSE(logs[0].alive);
+
     for (const int end : {toChild[0], toChild[1], toTest[0], toTest[1]}) {
         ::close(end);
     }
@@ -404,6 +423,7 @@ TEST_F(FullDiskLogTest, LinesAreDroppedAndCountedUntilThereIsRoom)
     letRetryPeriodPass();
     print("kept 1");
     print("kept 2");
+
     EXPECT_EQ(m_output.take(), complaint() + relief(3));
     EXPECT_EQ(allTexts(), (Texts{"Lines that could not be written: 3 (No space left on device)", "kept 1", "kept 2"}));
     EXPECT_EQ(LogReader().list().at(0).dropped, 3U);
@@ -434,6 +454,7 @@ TEST_F(FullDiskLogTest, DirectoryThatCannotBeMadeForAWhileIsTriedAgain)
     letRetryPeriodPass();
     print("kept 1");
     print("kept 2");
+
     const std::string reason = "run directory '" + directory() +
                                "': cannot be made: Too many open files; set DORN_RUN_DIR to a directory of your own";
     EXPECT_EQ(m_output.take(), "dorn: " + reason + "; the log is not kept there\n" + relief(2));
@@ -453,6 +474,7 @@ TEST_F(FullDiskLogTest, DirectoryThatCannotBeMadeIsReportedOnce)
         print("lost 2");
         EXPECT_TRUE(second.hasFailed());
     }
+
     EXPECT_EQ(m_output.take(), "dorn: run directory '" + directory() +
                                    "': cannot be made: Too many open files; set DORN_RUN_DIR to a directory of your "
                                    "own; the log is not kept there\n");
@@ -472,6 +494,7 @@ TEST_F(FullDiskLogTest, ReportThatNobodyReadsDoesNotEndTheProcess)
         print("lost");
         _exit(0);
     }
+
     int status = -1;
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
@@ -483,8 +506,10 @@ TEST_F(FullDiskLogTest, LineAboutTheGapIsAWarningOfTheProcess)
         const testkit::FullDisk disk;
         print("lost");
     }
+
     letRetryPeriodPass();
     print("kept");
+
     const LogLine expected{m_clock.wall(),
                            EAaSysLogSeverityLevel_Warning,
                            "Clock",
@@ -519,8 +544,10 @@ TEST_F(FullDiskLogTest, FullDiskInTheMiddleOfASegmentLosesNothingThatIsThere)
             print(filling.c_str());
         }
     }
+
     letRetryPeriodPass();
     print("last");
+
     const Texts texts = allTexts();
     EXPECT_EQ(texts.front(), "first");
     EXPECT_EQ(texts.back(), "last");
@@ -556,6 +583,7 @@ TEST_F(FullDiskLogTest, FullDiskAtTheSecondSegmentKeepsTheFirst)
         }
         EXPECT_EQ(files().size(), 1U);
     }
+
     letRetryPeriodPass();
     print("last");
     EXPECT_EQ(allTexts().back(), "last");

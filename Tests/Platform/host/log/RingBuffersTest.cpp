@@ -253,10 +253,12 @@ TEST_F(RingBufferTest, DumpDoesNotFollowALinkOutOfTheBoardRoot)
     const std::string outside = m_node.runDirectory() + "/outside";
     std::ofstream(outside) << "untouched";
     std::filesystem::create_symlink(outside, m_node.boardRoot() + "/ring.txt");
+
     EXPECT_EQ(AaSysLogDumpRingBufferToFile(clocks, "/ring.txt"), 2);
     std::string left;
     std::ifstream(outside) >> left;
     EXPECT_EQ(left, "untouched");
+
     std::filesystem::remove(m_node.boardRoot() + "/ring.txt");
     std::filesystem::create_symlink("/other.txt", m_node.boardRoot() + "/ring.txt");
     EXPECT_EQ(AaSysLogDumpRingBufferToFile(clocks, "/ring.txt"), 0);
@@ -287,9 +289,11 @@ TEST_F(RingBufferTest, ThreadsShareARingBuffer)
             AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, clocks, "number %d", number);
         }
     };
+
     std::thread other(print);
     print();
     other.join();
+
     std::istringstream lines(dump());
     int count = 0;
     for (std::string text; std::getline(lines, text); ++count) {

@@ -106,9 +106,11 @@ TEST_F(RotatingFileTest, LinesOfSeveralWritersStayWhole)
             file.write(line);
         }
     };
+
     std::thread other(write, std::string(200, 'b') + "\n");
     write(std::string(300, 'a') + "\n");
     other.join();
+
     std::istringstream lines(content() + (exists(".1") ? content(".1") : ""));
     int count = 0;
     for (std::string line; std::getline(lines, line); ++count) {
@@ -137,10 +139,13 @@ TEST_F(RotatingFileTest, FullDiskIsReportedOnceAndItsEndToo)
         file.write("lost 1\n");
         file.write("lost 2\n");
     }
+
     const std::string complaint =
         "dorn: log '" + path() + "' cannot be written: No space left on device; its lines are dropped until it can\n";
+
     file.write("kept\n");
     file.write("kept\n");
+
     EXPECT_EQ(output.take(), complaint + "dorn: log '" + path() + "' is written again; lines dropped: 2\n");
     EXPECT_EQ(content(), "kept\nkept\n");
 }

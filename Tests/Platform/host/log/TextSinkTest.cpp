@@ -261,6 +261,7 @@ TEST(StderrSinkTest, TerminalWithoutColoursGetsNone)
 TEST(StderrSinkTest, ReaderThatHasGoneDoesNotEndTheProcess)
 {
     const auto before = std::signal(SIGPIPE, SIG_DFL);
+
     for (const bool isSocket : {false, true}) {
         Reader reader(isSocket);
         reader.die();
@@ -268,6 +269,7 @@ TEST(StderrSinkTest, ReaderThatHasGoneDoesNotEndTheProcess)
         sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
         sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
     }
+
     sigset_t pending{};
     sigpending(&pending);
     EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
@@ -281,6 +283,7 @@ TEST(StderrSinkTest, SignalThatTheProgramHasBlockedStaysBlocked)
     sigset_t after{};
     sigemptyset(&pipeOnly);
     sigaddset(&pipeOnly, SIGPIPE);
+
     for (const int how : {SIG_BLOCK, SIG_UNBLOCK}) {
         pthread_sigmask(how, &pipeOnly, &before);
         {
@@ -333,11 +336,13 @@ TEST(StderrSinkTest, SlowReaderMissesNothing)
             sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
         }
     });
+
     const std::size_t whole = lines * std::string_view(plainLine).size();
     const Deadline until = Clock::get().after(20'000'000);
     while (text.size() < whole && Clock::get().monotonic() < until) {
         text += reader.read();
     }
+
     logging.join();
     EXPECT_EQ(text.size(), whole);
 }
@@ -349,9 +354,11 @@ TEST(StderrSinkTest, StoppedTerminalDoesNotHoldTheProcess)
     const Terminal terminal;
     const auto sink = openStderrSink();
     tcflow(STDERR_FILENO, TCOOFF);
+
     sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
     sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
     EXPECT_EQ(clock.waits.size(), 1U);
+
     tcflow(STDERR_FILENO, TCOON);
     sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
     EXPECT_EQ(terminal.readLine(), gapOf(2));
@@ -365,6 +372,7 @@ TEST(StderrSinkTest, PipeInPlaceOfAFileIsSeenAfterAWhile)
     const auto sink = openStderrSink();
     sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
     clock.advance(std::chrono::milliseconds(100));
+
     const auto before = std::signal(SIGPIPE, SIG_DFL);
     {
         Reader reader;
@@ -373,6 +381,7 @@ TEST(StderrSinkTest, PipeInPlaceOfAFileIsSeenAfterAWhile)
     }
     sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
     std::signal(SIGPIPE, before);
+
     EXPECT_EQ(output.standardError(), plainLine + gapOf(1) + plainLine);
 }
 
@@ -394,12 +403,15 @@ TEST(StderrSinkTest, WithoutDescriptorsLinesAreWrittenWhileThereIsRoom)
     rlimit none = before;
     none.rlim_cur = STDERR_FILENO + 1;
     setrlimit(RLIMIT_NOFILE, &none);
+
     const auto sink = openStderrSink();
     sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
     sink->write(EAaSysLogSeverityLevel_Warning, plainLine); // the look ahead knows no smaller room than a pipe's page
     setrlimit(RLIMIT_NOFILE, &before);
+
     EXPECT_EQ(clock.waits.size(), 1U);
     EXPECT_EQ(reader.read(), plainLine);
+
     sink->write(EAaSysLogSeverityLevel_Warning, plainLine);
     EXPECT_EQ(reader.read(), gapOf(1) + plainLine);
 }

@@ -76,6 +76,7 @@ TEST(AaMemTest, ReferencesOfSeveralThreadsAreCounted)
 {
     constexpr int rounds = 20'000;
     auto* const block = static_cast<char*>(AaMemMalloc(1));
+
     std::vector<std::thread> threads;
     for (int thread = 0; thread < 4; ++thread) {
         threads.emplace_back([block] {
@@ -87,6 +88,7 @@ TEST(AaMemTest, ReferencesOfSeveralThreadsAreCounted)
     for (std::thread& thread : threads) {
         thread.join();
     }
+
     *block = 'x';
     EXPECT_EQ(*block, 'x');
     AaMemUnRef(block);

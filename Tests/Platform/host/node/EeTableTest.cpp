@@ -104,8 +104,10 @@ TEST_F(EeTableTest, TellsALiveProcessFromADeadOne)
     const pid_t pid = fan.pid();
     ASSERT_EQ(table.list().size(), 1U);
     EXPECT_TRUE(table.list().front().alive);
+
     fan.end();
     const auto list = table.list();
+
     ASSERT_EQ(list.size(), 1U);
     EXPECT_FALSE(list.front().alive);
     EXPECT_EQ(list.front().name, "FanS");
@@ -144,12 +146,14 @@ TEST_F(EeTableTest, NotesWhatWasPublishedAndWhen)
 {
     ManualClock clock(std::chrono::seconds(1000));
     EeTable table(m_directory);
+
     table.notePublished(1, 1); // not entered: goes nowhere
     table.enter("FanS", 0x0301);
     table.notePublished(0x220001, 1);
     clock.advance(std::chrono::seconds(5));
     table.notePublished(0x220001, 2);
     table.notePublished(0x20054, 1);
+
     const EeInfo info = table.list().front();
     EXPECT_EQ(info.since, Nanoseconds(std::chrono::seconds(1000)).count());
     ASSERT_EQ(info.published.size(), 2U);
@@ -165,12 +169,15 @@ TEST_F(EeTableTest, KeepsTheLastOtherValueThatWasPublished)
     table.enter("FanS", 0x0301);
     table.notePublished(0x220001, 2);
     EXPECT_EQ(table.list().front().published.front().before, 0U);
+
     table.notePublished(0x220001, 5);
     EXPECT_EQ(table.list().front().published.front().before, 2U);
+
     table.notePublished(0x220001, 4);
     table.notePublished(0x220001, 4);
     EXPECT_EQ(table.list().front().published.front().value, 4U);
     EXPECT_EQ(table.list().front().published.front().before, 5U);
+
     table.enter("FanS", 0x0301);
     table.notePublished(0x220001, 1);
     EXPECT_EQ(table.list().front().published.front().before, 0U);
@@ -199,9 +206,11 @@ TEST_F(EeTableTest, PublishedParametersBeyondItsRoomAreLeftOutAndLoggedOnce)
         table.notePublished(id, id);
     }
     EXPECT_EQ(log.texts(), std::vector<std::string>{});
+
     table.notePublished(0x220011, 1);
     table.notePublished(0x220012, 1);
     table.notePublished(16, 99);
+
     const auto published = table.list().front().published;
     ASSERT_EQ(published.size(), 16U);
     EXPECT_EQ(published.back().value, 99U);
@@ -219,8 +228,10 @@ TEST_F(EeTableTest, CpidsBeyondItsRoomAreLeftOutAndLoggedOnce)
         table.noteCpid(cpid, "FanS");
     }
     EXPECT_EQ(log.texts(), std::vector<std::string>{});
+
     table.noteCpid(0x0321, "FanSMore");
     table.noteCpid(0x0322, "FanSMore");
+
     EXPECT_EQ(table.list().front().cpids.size(), 32U);
     EXPECT_TRUE(table.holderOf(0x0320));
     EXPECT_FALSE(table.holderOf(0x0321));
@@ -277,10 +288,12 @@ TEST_F(EeTableTest, ProcessForWhichThereIsNoPlaceIsLoggedAndNotListed)
     });
     const LogCapture log;
     EeTable table(m_directory);
+
     table.enter("FanS", 0x0301);
     table.notePublished(1, 1);
     table.noteCpid(0x0301, "FanSMain");
     table.forgetCpid(0x0301);
+
     EXPECT_EQ(table.list().size(), EeTable::capacity);
     EXPECT_EQ(table.list()[700].name, "Past");
     EXPECT_EQ(log.texts(), std::vector<std::string>{

@@ -71,11 +71,13 @@ TEST_F(PerNodeTest, ThreadsThatUseItFirstAtOnceShareOne)
             PerNode<Lower>::get();
         });
     }
+
     go.store(true);
     go.notify_all();
     for (std::thread& thread : threads) {
         thread.join();
     }
+
     EXPECT_EQ(made.load(), 1);
 }
 

@@ -146,6 +146,7 @@ TEST_F(SharedStoreTest, WithoutDescriptorsNothingIsMade)
     rlimit none = before;
     none.rlim_cur = 0;
     setrlimit(RLIMIT_NOFILE, &none);
+
     try {
         const SharedStore store(m_directory, "store", format);
         ADD_FAILURE();
@@ -190,6 +191,7 @@ TEST_F(SharedStoreTest, StoreOfAnotherVersionIsNotTakenFromWhoHoldsALock)
     });
     SharedStoreFormat newer = format;
     newer.version = 4;
+
     try {
         const SharedStore store(m_directory, "store", newer);
         ADD_FAILURE();
@@ -199,6 +201,7 @@ TEST_F(SharedStoreTest, StoreOfAnotherVersionIsNotTakenFromWhoHoldsALock)
                                     " uses it; end the services of this node and start them again");
     }
     EXPECT_EQ(filesInDirectory(), 1U);
+
     killChild(child);
     ::testing::internal::CaptureStderr();
     const SharedStore store(m_directory, "store", newer);
@@ -294,9 +297,11 @@ TEST_F(SharedStoreTest, ProcessesThatCreateItAtOnceShareOne)
         }
         children.push_back(child);
     }
+
     for (const pid_t child : children) {
         waitpid(child, nullptr, 0);
     }
+
     const SharedStore store(m_directory, "store", format);
     EXPECT_EQ(reinterpret_cast<std::atomic<int>*>(store.data() + 64)->load(), 4);
 }

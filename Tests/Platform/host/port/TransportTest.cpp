@@ -306,10 +306,12 @@ TEST_F(TransportTest, AnotherTransportIsUsedWithinItsScope)
     };
     Transport& usual = activeTransport();
     Nowhere nowhere;
+
     {
         const TransportScope scope(nowhere);
         EXPECT_EQ(send("x"), EAaSysComStatus_NoRoute);
     }
+
     EXPECT_EQ(&activeTransport(), &usual);
 }
 

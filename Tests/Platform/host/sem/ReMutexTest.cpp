@@ -55,6 +55,7 @@ TEST_F(ReMutexTest, OtherThreadGetsItAfterTheLastGive)
         EXPECT_EQ(value, 2);
         AaSemReMutexGive(m_mutex);
     });
+
     value = 1;
     AaSemReMutexGive(m_mutex);
     value = 2;

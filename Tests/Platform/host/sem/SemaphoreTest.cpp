@@ -120,6 +120,7 @@ TEST(SemaphoreTest, GiveWakesOneWaiter)
             taken.notify_all();
         });
     }
+
     for (int given = 1; given <= 3; ++given) {
         AaSemGive(sem.get());
         for (int seen = taken.load(); seen < given; seen = taken.load()) {
@@ -127,6 +128,7 @@ TEST(SemaphoreTest, GiveWakesOneWaiter)
         }
         EXPECT_EQ(taken.load(), given);
     }
+
     for (std::thread& taker : takers) {
         taker.join();
     }
@@ -266,6 +268,7 @@ TEST(SemaphoreTest, ThreadsThatTakeTurnsNeverStop)
             AaSemGive(pong.get());
         }
     });
+
     for (int round = 0; round < rounds; ++round) {
         AaSemGive(ping.get());
         ASSERT_EQ(AaSemTake(pong.get(), AA_WAIT_FOREVER), 0);
@@ -287,6 +290,7 @@ TEST(SemaphoreTest, TakerMayDestroyTheSemaphoreAtOnce)
             AaSemGive(sem);
         }
     });
+
     for (int round = 0; round < rounds; ++round) {
         AaSem* sem = AaSemCreateC(0);
         shared.store(sem);

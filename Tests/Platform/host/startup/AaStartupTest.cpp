@@ -58,6 +58,7 @@ TEST_F(AaStartupTest, FullDiskIsToldWithTheStoreThatCannotBeMade)
     AaConfigTagSetString("tessel.service.aapro.eename", "FanS");
     const std::string store = "dorn: store '" + m_node.nodeDirectory() + "/";
     const std::string reason = "' cannot be created: No space left on device\n";
+
     unsigned failures = 0;
     for (std::uint64_t room = 1; room < 100'000'000; room *= 2) { // until all stores fit
         ::testing::internal::CaptureStderr();
@@ -75,6 +76,7 @@ TEST_F(AaStartupTest, FullDiskIsToldWithTheStoreThatCannotBeMade)
         ASSERT_TRUE(text.starts_with(store)) << text;
         ASSERT_TRUE(text.ends_with(reason)) << text;
     }
+
     EXPECT_GT(failures, 0U);
     EXPECT_EQ(dorn::host::PerNode<dorn::host::EeTable>::get().list().size(), 1U);
 }

@@ -421,6 +421,7 @@ TEST_F(TimerTest, ArmingAndCancellingByManyEusDoesNoHarm)
             --due;
         }
     };
+
     TestEu first(body);
     TestEu second(body);
     TestEu third(body);

@@ -347,13 +347,16 @@ TEST_F(AaGpuXmlTest, DeepDocumentTakesNoStack)
     for (std::size_t level = 0; level < depth; ++level) {
         text += "</a>";
     }
+
     m_tree = parse(text);
     ASSERT_NE(m_tree, nullptr);
+
     std::size_t found = 0;
     for (const AaGpuXmlNode* node = m_tree.get(); node->AaGpuXmlHasChildren();
          node = *node->AaGpuXmlGetFirstChildren()) {
         ++found;
     }
+
     EXPECT_EQ(found, depth);
     m_tree.reset();
 }
