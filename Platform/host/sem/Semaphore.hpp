@@ -3,8 +3,8 @@
 /// A counting semaphore: a word that is decremented, and a futex only for those who find it 0.
 ///
 /// A count that is taken or given while nobody sleeps is one atomic operation. A waiter who has been called and has not
-/// come yet is not called again, so counts that follow each other closely are that too. Who finds no count keeps away for
-/// a moment before he joins those who sleep.
+/// come yet is not called again, so counts that follow each other closely are that too. Who finds no count keeps away
+/// for a moment before he joins those who sleep.
 #pragma once
 
 #include "port/Clock.hpp"
