@@ -2,7 +2,7 @@
 function(dorn_library name)
     add_library(dorn_${name} STATIC ${ARGN})
     add_library(dorn::${name} ALIAS dorn_${name})
-    target_include_directories(dorn_${name} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")
+    target_include_directories(dorn_${name} PUBLIC "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}>")
     target_link_libraries(dorn_${name} PUBLIC Threads::Threads)
 endfunction()
 
@@ -10,7 +10,6 @@ endfunction()
 # the host platform. The libraries stand in front of the platform's provider, whose functions they use.
 function(dorn_service name)
     cmake_parse_arguments(SERVICE "" "" "SOURCES;LIBRARIES" ${ARGN})
-    add_executable(Dorn${name}Exe ${SERVICE_SOURCES})
-    target_link_libraries(Dorn${name}Exe PRIVATE ${SERVICE_LIBRARIES} dorn::service)
+    dorn_add_service(${name} SOURCES ${SERVICE_SOURCES} LIBRARIES ${SERVICE_LIBRARIES})
     set_target_properties(Dorn${name}Exe PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 endfunction()
