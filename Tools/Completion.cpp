@@ -141,4 +141,11 @@ std::string zshCompletion(const Program& program)
            bashCompletion(program);
 }
 
+std::string zshCompletionFunction(const Program& program)
+{
+    // Loaded for the first completion, which it then is to do itself.
+    return "#compdef dorn\nautoload -U +X bashcompinit && bashcompinit\n" + bashCompletion(program) +
+           "_bash_complete -F _dorn\n";
+}
+
 } // namespace dorn::tool

@@ -16,4 +16,7 @@ std::string bashCompletion(const Program& program);
 /// A script that `zsh` sources: the same for its own completion of bash's kind.
 std::string zshCompletion(const Program& program);
 
+/// The file `_dorn` in a folder of `fpath`, which `zsh` loads by itself: the same again.
+std::string zshCompletionFunction(const Program& program);
+
 } // namespace dorn::tool

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+// Writes what is installed beside the command: its manual and its completion. Run by the build.
+// Usage: dorn-manual DIRECTORY
+#include "Completion.hpp"
+#include "NewFile.hpp"
+#include "Nouns.hpp"
+#include "Program.hpp"
+#include "manual/ManualPage.hpp"
+
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <span>
+#include <string>
+
+namespace {
+
+using namespace dorn::tool;
+
+void write(const std::filesystem::path& path, const std::string& text)
+{
+    std::filesystem::create_directories(path.parent_path());
+    NewFile file(path.string());
+    file.write(std::as_bytes(std::span(text)));
+    file.keep();
+}
+
+void writeAll(const std::filesystem::path& directory)
+{
+    Program program;
+    addNouns(program);
+    for (const ManualPage& page : manualPages(program)) {
+        write(directory / "man1" / (page.name + ".1"), page.text);
+    }
+    write(directory / "bash" / "dorn", bashCompletion(program));
+    write(directory / "zsh" / "_dorn", zshCompletionFunction(program));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 2) {
+        std::cerr << "Usage: dorn-manual DIRECTORY\n";
+        return 2;
+    }
+    try {
+        writeAll(argv[1]);
+    } catch (const std::exception& error) {
+        std::cerr << "dorn-manual: " << error.what() << "\n";
+        return 1;
+    }
+    return 0;
+}
