@@ -22,6 +22,7 @@ void addRpramNoun(Program& program);
 void addSrioNoun(Program& program);
 void addPostNoun(Program& program);
 void addSnapshotNoun(Program& program);
+void addNewNoun(Program& program);
 void addCompletionNoun(Program& program);
 
 /// Adds them all, in the order of the help.
@@ -41,6 +42,7 @@ inline void addNouns(Program& program)
     addSrioNoun(program);
     addPostNoun(program);
     addSnapshotNoun(program);
+    addNewNoun(program);
     addCompletionNoun(program);
 }
 

@@ -52,7 +52,7 @@ protected:
 TEST_F(CompletionTest, NounsAreProposed)
 {
     EXPECT_EQ(proposals({""}), "service\nrad\ntag\nmsg\nlog\nalarm\nredundancy\nboard\nraml\nimage\nrpram\nsrio\npost\n"
-                               "snapshot\ncompletion\n--help\n-h\n--version\n");
+                               "snapshot\nnew\ncompletion\n--help\n-h\n--version\n");
     EXPECT_EQ(proposals({"r"}), "rad\nredundancy\nraml\nrpram\n");
 }
 

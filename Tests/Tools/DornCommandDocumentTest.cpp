@@ -2,6 +2,7 @@
 // The pages about the command are held against the command.
 #include "DornCommand.hpp"
 
+#include "InFolder.hpp"
 #include "Nouns.hpp"
 #include "Program.hpp"
 #include "ShownCommands.hpp"
@@ -101,6 +102,7 @@ TEST_F(DornCommandDocumentTest, EveryCommandLineIsUnderstood)
     for (const ShownCommand& command : m_commands) {
         ASSERT_NE(command.typed, "");
         const testkit::TestNode empty;
+        const InFolder inside(empty.boardRoot()); // where what a command makes goes with the node
 
         const CommandResult result = dorn(argumentsOf(command.typed));
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Program.hpp"
 
+#include "InFolder.hpp"
 #include "Nouns.hpp"
 #include "TestConsole.hpp"
 #include "TestNode.hpp"
@@ -70,6 +71,7 @@ TEST_F(ProgramTest, HelpNamesEveryNoun)
               "  srio                    The memory of the devices behind RapidIO\n"
               "  post                    The results of power-on self-tests\n"
               "  snapshot                Gathers all that is known of the node in one archive\n"
+              "  new                     Begins something of your own\n"
               "  completion              Completion of this command in a shell\n"
               "\n"
               "Exit status: 0 fine, 1 the answer is no, 2 wrong use.\n"
@@ -234,7 +236,8 @@ TEST_F(ProgramTest, EveryVerbHasAnExampleThatIsUnderstood)
         const std::string example = footer.substr(footer.find("  ") + 2);
         EXPECT_THAT(example, HasSubstr(line));
         if (example.starts_with("dorn ")) {
-            const testkit::TestNode empty;                                      // where a watch ends at once
+            const testkit::TestNode empty; // where a watch ends at once
+            const InFolder inside(empty.boardRoot());
             const std::string command = example.substr(0, example.find(" > ")); // the rest is the shell's business
             EXPECT_NE(run(command), Outcome::WrongUse) << example << "\n" << m_console.remarks();
         }

@@ -1,0 +1,21 @@
+# Writes the template of a service, and the names that a service cannot have, into a source file: SERVICE_TEMPLATE_SOURCE.
+set(templates "${CMAKE_CURRENT_SOURCE_DIR}/templates/service")
+file(GLOB names CONFIGURE_DEPENDS RELATIVE "${templates}" "${templates}/*.in")
+set(files)
+foreach(name IN LISTS names)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${templates}/${name}")
+    file(READ "${templates}/${name}" text)
+    string(APPEND files "        {\"${name}\", R\"template(${text})template\"},\n")
+endforeach()
+
+set(headers)
+foreach(folder Common/src TestKit Platform/include)
+    file(GLOB found CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/${folder}/*.hpp")
+    foreach(header IN LISTS found)
+        cmake_path(GET header STEM name)
+        string(APPEND headers "        \"${name}\",\n")
+    endforeach()
+endforeach()
+
+set(SERVICE_TEMPLATE_SOURCE "${CMAKE_CURRENT_BINARY_DIR}/ServiceTemplate.cpp")
+configure_file("${CMAKE_CURRENT_SOURCE_DIR}/new/ServiceTemplate.cpp.in" "${SERVICE_TEMPLATE_SOURCE}" @ONLY)
