@@ -173,7 +173,7 @@ const HostileCase hostileCases[] = {
     {"Utf16LittleEndian", [] { return std::string("\xFF\xFE<\0r\0a\0m\0l\0/\0>\0", 16); }, RAML_MALFORMED_XML},
     {"Utf16BigEndian", [] { return std::string("\xFE\xFF\0<\0r\0a\0m\0l\0/\0>", 16); }, RAML_MALFORMED_XML},
     {"Utf16WithoutMark", [] { return std::string("<\0r\0a\0m\0l\0/\0>\0", 14); }, RAML_MALFORMED_XML},
-    {"Utf32", [] { return std::string("\xFF\xFE\0\0<\0\0\0/\0\0\0", 16); }, RAML_MALFORMED_XML},
+    {"Utf32", [] { return std::string("\xFF\xFE\0\0<\0\0\0/\0\0\0", 12); }, RAML_MALFORMED_XML},
     {"LongNames", [] { return ramlAround("<" + std::string(10 * million, 'a') + "/>"); }, RAML_SYNTAX_ERROR},
     {"LongValueThatIsCut", [] { return "<raml><p>" + std::string(64 * million, 'a'); }, RAML_MALFORMED_XML},
     {"LongCommentThatIsCut", [] { return "<raml/><!--" + std::string(16 * million, '-'); }, RAML_MALFORMED_XML},
