@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+/// @file Gateway.hpp
+/// The node gateway: carries messages between this node and the others of a table.
+///
+///     service ──▶ node/<id> ─┐                                     ┌─▶ cpid/<cpid> ──▶ service
+///                            gateway ══ TCP, ZeroMQ, CURVE ══ gateway
+///     service ◀── cpid/<cpid> ◀┘                                     └─ node/<id> ◀── service
+///
+/// 1. It takes the record lock of the node's gateway, listens on one socket `node/<id>` of the run directory for every
+///    other node of the table, and on its own row's port for the other gateways. A process of the node that sends to
+///    another node connects to that node's socket; where there is none the send fails at once.
+/// 2. What arrives there is checked as between processes of the node (message, length, sender, credentials), and put
+///    into the link's queue. The gateway reads at all times, so that a sender never waits for another node. The queue
+///    is bounded by count and by bytes; what is too much is dropped, the oldest first that has not been sent, counted,
+///    and logged once until the queue has been empty again.
+/// 3. Each link has a connection per direction, on which one node sends. It is tried until it holds, with back-off.
+///    Both ends prove who they are by the keys of the table: a peer is the node that its key belongs to, whatever it
+///    says.
+/// 4. What is sent stays in the queue until the other gateway has confirmed it. After a cut both go on where they
+///    were: nothing is lost and nothing delivered twice while both gateways live, see Frames.hpp. A gateway has an
+///    epoch, a random number of its own for each life. A message is delivered to the life that was known when it was
+///    accepted (any, when none had been met), from the life that accepted it, or it is dropped and counted.
+/// 5. What arrives from another node goes to the receiver's socket with id, sender, receiver and payload untouched. A
+///    receiver that does not read has its own bounded share of memory, dropped oldest first, and holds up nobody.
+///
+/// Order is kept for each pair of sender and receiver. Every message that was accepted is in the end confirmed or
+/// counted under the reason for which it was dropped, see Status.hpp. Confirmed means: the other gateway has it.
+///
+/// One thread does everything in run(), besides ZeroMQ's own for the connections, and one at a time for each host name
+/// that is being looked up. All times are of the clock that never steps.
+#pragma once
+
+#include "gateway/Keys.hpp"
+#include "gateway/Status.hpp"
+#include "gateway/Table.hpp"
+#include "node/RunDirectory.hpp"
+#include "port/Clock.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace dorn::gateway {
+
+/// Bounds and times; the defaults are for a board.
+struct GatewayOptions {
+    /// Messages that may wait for a node, in flight or not.
+    std::size_t queueMessages = 65536;
+    /// Their bytes, each message with 16 bytes besides its payload.
+    std::size_t queueBytes = std::size_t{16} << 20;
+    /// Messages that may be kept for one receiver that does not read.
+    std::size_t receiverMessages = 16384;
+    /// Their bytes.
+    std::size_t receiverBytes = std::size_t{4} << 20;
+    /// Bytes that may be kept for all receivers of this node together.
+    std::size_t allReceiversBytes = std::size_t{64} << 20;
+
+    Nanoseconds heartbeat = std::chrono::milliseconds(500);      ///< between two heartbeats
+    Nanoseconds silence = std::chrono::seconds(2);               ///< a link of which nothing is heard for so long is cut
+    Nanoseconds attempt = std::chrono::seconds(3);               ///< a connection that is not up by then is given up
+    Nanoseconds firstBackOff = std::chrono::milliseconds(100);   ///< before a link is tried again; doubled each time
+    Nanoseconds greatestBackOff = std::chrono::milliseconds(5000); ///< the most it is doubled to
+
+    /// Address on which to listen; empty: all of this machine's. The port is that of the own row.
+    std::string listenAddress;
+};
+
+class Gateway {
+public:
+    /// Makes everything that run() needs. From here on other gateways find this one.
+    /// @param directory of the node; stays with the caller
+    /// @param table the nodes, this one among them
+    /// @throws host::EnvironmentError when the table does not have this node, its row has another key than @p keys,
+    /// another gateway of this node lives, or the port or a socket cannot be had; the text is for who set it up.
+    Gateway(const host::RunDirectory& directory, const Table& table, const KeyPair& keys,
+            const GatewayOptions& options = {});
+    /// Closes all. Other nodes see the connections end; senders of this node find no way any more.
+    ~Gateway();
+    Gateway(const Gateway&) = delete;
+    Gateway& operator=(const Gateway&) = delete;
+
+    /// Carries messages until stop().
+    void run();
+    /// Makes run() return soon, whether it has begun or not. Any thread; safe in a signal handler.
+    void stop() noexcept;
+
+private:
+    class Loop;
+    std::unique_ptr<Loop> m_loop;
+};
+
+} // namespace dorn::gateway
