@@ -51,6 +51,10 @@ public:
     /// Threads may send at once; frames of one thread to one receiver keep their order.
     virtual EAaSysComStatus send(TAaSysComCpid receiver, std::span<const std::byte> frame, Nanoseconds patience) = 0;
 
+    /// Sends a frame to the gateway of this node that brings messages to @p node, another node, waiting for room for
+    /// @p patience at most. Threads and order as for send(). A transport without gateways knows no way.
+    virtual EAaSysComStatus sendToNode(TAaSysComNid node, std::span<const std::byte> frame, Nanoseconds patience);
+
     /// Makes @p cpid, which this process holds alone, reachable.
     /// @return null with `errno` set when that is not possible.
     virtual std::unique_ptr<Endpoint> open(TAaSysComCpid cpid, WaitSet& waitSet, FrameSink& sink) = 0;

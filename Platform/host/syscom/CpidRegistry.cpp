@@ -17,8 +17,6 @@
 namespace dorn::host {
 namespace {
 
-constexpr SharedStoreFormat format{0x64697063, 1, 64};
-
 /// Indexed by cpid. Lies in zeroed memory of which only touched pages exist.
 std::array<std::atomic<TAaProEuId>, 0x10000> holders;
 
@@ -29,18 +27,13 @@ TAaProEuId localHolder(TAaSysComCpid cpid)
     return holders[cpid].load(std::memory_order_acquire);
 }
 
-CpidRegistry::CpidRegistry() : m_process(getpid()), m_locks(PerNode<RunDirectory>::get(), "cpids", format) {}
+CpidRegistry::CpidRegistry() : m_process(getpid()), m_locks(PerNode<RunDirectory>::get()) {}
 
 CpidRegistry::~CpidRegistry()
 {
     while (!m_holdings.empty()) {
         releaseLocked(m_holdings.begin()->first);
     }
-}
-
-std::atomic<std::uint32_t>& CpidRegistry::generationWord() const
-{
-    return *reinterpret_cast<std::atomic<std::uint32_t>*>(m_locks.data() + sizeof(SharedStoreHeader));
 }
 
 TAaSysComCpid CpidRegistry::acquire(TAaSysComCpid cpid, TAaProEuId id)
@@ -58,7 +51,7 @@ TAaSysComCpid CpidRegistry::acquireAny(Eu& eu, TAaProEuId id)
 {
     // Not the one that has just become free: what is still on its way to its last holder is nobody else's.
     constexpr unsigned count = lastDynamic - firstDynamic + 1U;
-    const unsigned start = generationWord().load(std::memory_order_relaxed);
+    const unsigned start = m_locks.generation();
     for (unsigned step = 0; step < count; ++step) {
         const auto candidate = static_cast<TAaSysComCpid>(firstDynamic + (start + step) % count);
         if (localHolder(candidate) == 0 && m_locks.tryLock(candidate)) {
@@ -84,7 +77,7 @@ TAaSysComCpid CpidRegistry::acquireExactly(TAaSysComCpid cpid, Eu& eu, TAaProEuI
     }
     if (!m_locks.tryLock(cpid)) {
         AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "cpid 0x%04X is not granted: process %d holds it", cpid,
-                      m_locks.lockHolder(cpid));
+                      m_locks.foreignHolder(cpid));
         return 0;
     }
     return hold(cpid, eu, id);
@@ -93,7 +86,6 @@ TAaSysComCpid CpidRegistry::acquireExactly(TAaSysComCpid cpid, Eu& eu, TAaProEuI
 /// Makes a cpid, whose lock the process has got, an EU's.
 TAaSysComCpid CpidRegistry::hold(TAaSysComCpid cpid, Eu& eu, TAaProEuId id)
 {
-    generationWord().fetch_add(1);
     if (MessageTap* const tap = PerNode<MessageTap>::ifOpen()) {
         tap->removeWatcher(cpid); // a holder that was killed may have watched
     }
@@ -157,11 +149,6 @@ void CpidRegistry::releaseLocked(TAaSysComCpid cpid)
     }
     m_holdings.erase(holding); // takes in what other processes had handed over; still locked, so nobody else is found
     m_locks.unlock(cpid);
-}
-
-pid_t CpidRegistry::foreignHolder(TAaSysComCpid cpid) const
-{
-    return m_locks.lockHolder(cpid);
 }
 
 } // namespace dorn::host

@@ -4,11 +4,10 @@
 #pragma once
 
 #include "node/PerNode.hpp"
-#include "node/SharedStore.hpp"
 #include "port/Transport.hpp"
+#include "syscom/CpidStore.hpp"
 #include "syscom/FrameInlet.hpp"
 
-#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -19,8 +18,8 @@ namespace dorn::host {
 /// The EU of this process that holds @p cpid; 0 when none does. Takes no lock.
 TAaProEuId localHolder(TAaSysComCpid cpid);
 
-/// A cpid belongs to the process that holds the record lock on its byte of the store `cpids`, and so is free again as
-/// soon as that process is gone, however it ended.
+/// A cpid belongs to the process that holds its record lock, and so is free again as soon as that process is gone,
+/// however it ended.
 class CpidRegistry {
 public:
     /// First of the cpids that are given to those who do not ask for a certain one.
@@ -37,9 +36,9 @@ public:
     bool release(TAaSysComCpid cpid);
     void releaseAll(TAaProEuId eu);
     /// The other process that holds @p cpid; 0 when nobody does, or this process itself.
-    pid_t foreignHolder(TAaSysComCpid cpid) const;
-    /// Changes whenever a process of the node begins to hold a cpid. One load.
-    std::uint32_t generation() const { return generationWord().load(std::memory_order_acquire); }
+    pid_t foreignHolder(TAaSysComCpid cpid) const { return m_locks.foreignHolder(cpid); }
+    /// The locks of the node.
+    const CpidStore& store() const { return m_locks; }
 
 private:
     struct Holding {
@@ -52,10 +51,9 @@ private:
     TAaSysComCpid acquireAny(Eu& eu, TAaProEuId id);
     TAaSysComCpid hold(TAaSysComCpid cpid, Eu& eu, TAaProEuId id);
     void releaseLocked(TAaSysComCpid cpid);
-    std::atomic<std::uint32_t>& generationWord() const;
 
     const pid_t m_process;
-    SharedStore m_locks;
+    CpidStore m_locks;
     mutable std::mutex m_mutex;
     std::map<TAaSysComCpid, Holding> m_holdings;
 };

@@ -7,7 +7,6 @@
 
 #include <bit>
 #include <cstring>
-#include <unistd.h>
 
 namespace dorn::host {
 
@@ -43,6 +42,20 @@ bool FrameInlet::hand(Message* message)
 
 const char* FrameInlet::whyBad(std::span<const std::byte> frame, bool isCut, const Peer& peer, FrameHeader& header)
 {
+    if (const char* const reason = whyNoMessage(frame, isCut, header)) {
+        return reason;
+    }
+    if (!isOwnNode(header.receiver >> 16) || (header.receiver & 0xFFFFU) != m_cpid) {
+        return "it is for another receiver";
+    }
+    if (!isCredible(header.sender, peer)) {
+        return "its sender is forged";
+    }
+    return nullptr;
+}
+
+const char* whyNoMessage(std::span<const std::byte> frame, bool isCut, FrameHeader& header)
+{
     if (isCut) {
         return "it is too long";
     }
@@ -56,44 +69,17 @@ const char* FrameInlet::whyBad(std::span<const std::byte> frame, bool isCut, con
     if (header.version != FrameHeader::currentVersion) {
         return "it has another version";
     }
-    if (frame.size() != sizeof header + header.payloadSize) {
-        return "its length is wrong";
-    }
-    if (!isOwnNode(header.receiver >> 16) || (header.receiver & 0xFFFFU) != m_cpid) {
-        return "it is for another receiver";
-    }
-    if (!isCredible(header.sender, peer)) {
-        return "its sender is forged";
-    }
-    return nullptr;
+    return frame.size() == sizeof header + header.payloadSize ? nullptr : "its length is wrong";
 }
 
-/// A sender is credible when nobody else can be it: cpid 0, a cpid of the peer, a free one, or one that another process
-/// took over after the peer had gone.
 bool FrameInlet::isCredible(TAaSysComSicad sender, const Peer& peer)
 {
     const CpidRegistry* const registry = PerNode<CpidRegistry>::ifOpen(); // null only while it is being closed
-    const std::uint32_t generation = registry ? registry->generation() : 0;
-    if (sender == m_lastCredible && peer.pid() == m_lastCredibleProcess && generation == m_lastGeneration) {
-        return true;
+    const CpidStore* const store = registry ? &registry->store() : nullptr;
+    if (sender == 0 || isOwnNode(sender >> 16)) {
+        return m_senders.isCredible(static_cast<TAaSysComCpid>(sender & 0xFFFFU), peer, store);
     }
-    const auto cpid = static_cast<TAaSysComCpid>(sender & 0xFFFFU);
-    if (sender != 0 && !isOwnNode(sender >> 16)) {
-        return false;
-    }
-    const pid_t foreign = registry ? registry->foreignHolder(cpid) : 0;
-    const pid_t holder = localHolder(cpid) != 0 ? getpid() : foreign;
-    const bool isPeers = cpid == 0 || holder == 0 || holder == peer.pid();
-    if (!isPeers && !peer.isGone()) {
-        return false;
-    }
-    if (!isPeers) {
-        return true; // what the dead had sent; of no other process it is to be believed
-    }
-    m_lastCredible = sender;
-    m_lastCredibleProcess = peer.pid();
-    m_lastGeneration = generation;
-    return true;
+    return m_senders.isGateway(peer, store);
 }
 
 /// Logs the first bad frame and then ever more rarely, so that a faulty process cannot flood the log.

@@ -5,13 +5,19 @@
 
 #include "eu/Eu.hpp"
 #include "port/Transport.hpp"
+#include "syscom/SenderCheck.hpp"
 
 #include <cstdint>
 
 namespace dorn::host {
 
+/// Looks at a packet by itself. @return why it is no message of this version; null when it is one.
+/// @param header receives the packet's header as far as it has one
+const char* whyNoMessage(std::span<const std::byte> frame, bool isCut, FrameHeader& header);
+
 /// Turns the frames that arrive for one cpid into messages of its EU's queue. A frame that is no message of this
-/// version, that is addressed to somebody else or whose sender is not credible is counted, logged and dropped.
+/// version, that is addressed to somebody else or whose sender is not credible is counted, logged and dropped. A sender
+/// of another node is credible when the node's gateway has brought the frame.
 class FrameInlet final : public FrameSink {
 public:
     FrameInlet(TAaSysComCpid cpid, Eu& eu) : m_cpid(cpid), m_eu(eu), m_euId(eu.id.load()) {}
@@ -29,10 +35,7 @@ private:
     Eu& m_eu;
     TAaProEuId m_euId;
     std::uint32_t m_bad = 0;
-    // The sender that was believed last is not looked up again as long as nobody has registered a cpid since.
-    TAaSysComSicad m_lastCredible = 0;
-    pid_t m_lastCredibleProcess = 0;
-    std::uint32_t m_lastGeneration = 0;
+    SenderCheck m_senders;
 };
 
 } // namespace dorn::host

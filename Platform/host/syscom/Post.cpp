@@ -31,18 +31,29 @@ EAaSysComStatus postToEu(std::unique_ptr<Message, MessageDeleter>& message, TAaP
     return EAaSysComStatus_NoReceiver;
 }
 
+namespace {
+
+/// Brings a message to whoever outside this process it is for.
+EAaSysComStatus sendOut(const Message& message, Nanoseconds patience)
+{
+    const TAaSysComSicad receiver = message.header.receiver;
+    if (isOwnNode(receiver >> 16)) {
+        return activeTransport().send(static_cast<TAaSysComCpid>(receiver & 0xFFFFU), message.frame(), patience);
+    }
+    return activeTransport().sendToNode(receiver >> 16, message.frame(), patience);
+}
+
+} // namespace
+
 EAaSysComStatus post(std::unique_ptr<Message, MessageDeleter>& message, Nanoseconds patience)
 {
     const TAaSysComSicad receiver = message->header.receiver;
-    if (!isOwnNode(receiver >> 16)) {
-        return EAaSysComStatus_NoRoute;
-    }
     const auto cpid = static_cast<TAaSysComCpid>(receiver & 0xFFFFU);
-    if (const TAaProEuId eu = localHolder(cpid)) {
+    if (const TAaProEuId eu = localHolder(cpid); eu != 0 && isOwnNode(receiver >> 16)) {
         return postToEu(message, eu, patience);
     }
     try {
-        const EAaSysComStatus status = activeTransport().send(cpid, message->frame(), patience);
+        const EAaSysComStatus status = sendOut(*message, patience);
         if (status == EAaSysComStatus_Ok) {
             message.reset();
         }

@@ -153,32 +153,37 @@ private:
     pid_t m_pid;
 };
 
-std::unique_ptr<UnixEndpoint> UnixEndpoint::open(const RunDirectory& directory, TAaSysComCpid cpid, WaitSet& waitSet,
-                                                 FrameSink& sink)
+std::unique_ptr<UnixEndpoint> UnixEndpoint::open(const RunDirectory& directory, const std::string& name,
+                                                 const std::string& label, WaitSet& waitSet, FrameSink& sink)
 {
-    // The caller holds the cpid alone, so a socket of that name is a dead process's.
-    FilePort::get().remove(directory.descriptor(), socketName(cpid).c_str());
+    FilePort::get().remove(directory.descriptor(), name.c_str());
     UnixSocket listener = UnixSocket::make();
-    const sockaddr_un address = socketAddress(directory, cpid);
+    const sockaddr_un address = socketAddress(directory, name);
     if (!listener || bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
         listen(listener.get(), SOMAXCONN) != 0) {
         return nullptr;
     }
     const int descriptor = listener.get();
-    std::unique_ptr<UnixEndpoint> endpoint(new UnixEndpoint(directory, cpid, std::move(listener), waitSet, sink));
+    std::unique_ptr<UnixEndpoint> endpoint(
+        new UnixEndpoint(directory, name, label, std::move(listener), waitSet, sink));
     waitSet.add(descriptor, *endpoint);
     return endpoint;
 }
 
-UnixEndpoint::UnixEndpoint(const RunDirectory& directory, TAaSysComCpid cpid, UnixSocket listener, WaitSet& waitSet,
-                           FrameSink& sink)
-    : m_directory(directory), m_cpid(cpid), m_listener(std::move(listener)), m_waitSet(waitSet), m_sink(sink)
+UnixEndpoint::UnixEndpoint(const RunDirectory& directory, std::string name, std::string label, UnixSocket listener,
+                           WaitSet& waitSet, FrameSink& sink)
+    : m_directory(directory),
+      m_name(std::move(name)),
+      m_label(std::move(label)),
+      m_listener(std::move(listener)),
+      m_waitSet(waitSet),
+      m_sink(sink)
 {
 }
 
 UnixEndpoint::~UnixEndpoint()
 {
-    FilePort::get().remove(m_directory.descriptor(), socketName(m_cpid).c_str());
+    FilePort::get().remove(m_directory.descriptor(), m_name.c_str());
     const std::lock_guard lock(m_waitSet.mutex());
     m_isEnding = true;
     shutdown(m_listener.get(), SHUT_RD); // from here on nobody connects, also who has found the name before
@@ -226,9 +231,8 @@ bool UnixEndpoint::turnAway()
     socket = UnixSocket(-1);
     m_spare = UnixSocket::make();
     if (isTaken && std::has_single_bit(++m_turnedAway)) {
-        AaSysLogPrint(EAaSysLogSeverityLevel_Error,
-                      "Refused a connection to cpid 0x%04X: descriptors have run out (%u so far)", m_cpid,
-                      m_turnedAway);
+        AaSysLogPrint(EAaSysLogSeverityLevel_Error, "Refused a connection to %s: descriptors have run out (%u so far)",
+                      m_label.c_str(), m_turnedAway);
     }
     return isTaken;
 }
@@ -240,8 +244,8 @@ bool UnixEndpoint::isCredible(const UnixSocket& socket, ucred& credentials) cons
         (credentials.uid == geteuid() || credentials.uid == 0)) {
         return true;
     }
-    AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "Refused a connection of process %d of user %u to cpid 0x%04X",
-                  credentials.pid, credentials.uid, m_cpid);
+    AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "Refused a connection of process %d of user %u to %s",
+                  credentials.pid, credentials.uid, m_label.c_str());
     return false;
 }
 

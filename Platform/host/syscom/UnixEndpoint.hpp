@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 /// @file UnixEndpoint.hpp
-/// The receiving end of a cpid: a listening socket and the connections of those who send.
+/// A receiving end of the node: a listening socket and the connections of those who send.
 #pragma once
 
 #include "port/Transport.hpp"
@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <list>
 #include <memory>
+#include <string>
 #include <sys/socket.h>
 
 namespace dorn::host {
@@ -18,16 +19,18 @@ class RunDirectory;
 
 class UnixEndpoint final : public Endpoint, private WaitSource {
 public:
+    /// Listens at @p name in the run directory, where the caller alone may: a socket of that name is a dead process's.
+    /// @param label what people call the place, for the log: "cpid 0x04E4"
     /// @return null with `errno` set when the socket cannot be made.
-    static std::unique_ptr<UnixEndpoint> open(const RunDirectory& directory, TAaSysComCpid cpid, WaitSet& waitSet,
-                                              FrameSink& sink);
+    static std::unique_ptr<UnixEndpoint> open(const RunDirectory& directory, const std::string& name,
+                                              const std::string& label, WaitSet& waitSet, FrameSink& sink);
     ~UnixEndpoint() override;
 
 private:
     class Connection;
 
-    UnixEndpoint(const RunDirectory& directory, TAaSysComCpid cpid, UnixSocket listener, WaitSet& waitSet,
-                 FrameSink& sink);
+    UnixEndpoint(const RunDirectory& directory, std::string name, std::string label, UnixSocket listener,
+                 WaitSet& waitSet, FrameSink& sink);
     /// Somebody wants to connect.
     void onReadable() override;
     bool isCredible(const UnixSocket& socket, ucred& credentials) const;
@@ -35,7 +38,8 @@ private:
     bool turnAway();
 
     const RunDirectory& m_directory;
-    TAaSysComCpid m_cpid;
+    std::string m_name;
+    std::string m_label;
     UnixSocket m_listener;
     UnixSocket m_spare = UnixSocket::make();
     std::uint32_t m_turnedAway = 0;

@@ -34,18 +34,32 @@ UnixSocket UnixSocket::make(int flags)
     return UnixSocket(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | flags, 0));
 }
 
-std::string socketName(TAaSysComCpid cpid)
+namespace {
+
+std::string nameInFolder(const char* folder, unsigned id)
 {
     std::array<char, 16> name{};
-    std::snprintf(name.data(), name.size(), "%s/%04x", socketFolder, static_cast<unsigned>(cpid));
+    std::snprintf(name.data(), name.size(), "%s/%04x", folder, id);
     return name.data();
 }
 
-sockaddr_un socketAddress(const RunDirectory& directory, TAaSysComCpid cpid)
+} // namespace
+
+std::string socketName(TAaSysComCpid cpid)
+{
+    return nameInFolder(socketFolder, cpid);
+}
+
+std::string nodeSocketName(TAaSysComNid node)
+{
+    return nameInFolder(nodeSocketFolder, node & 0xFFFFU);
+}
+
+sockaddr_un socketAddress(const RunDirectory& directory, const std::string& name)
 {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    const std::string path = directory.shortPath(socketName(cpid));
+    const std::string path = directory.shortPath(name);
     std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
     return address;
 }

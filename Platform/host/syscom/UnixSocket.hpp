@@ -31,10 +31,13 @@ private:
 };
 
 constexpr const char* socketFolder = "cpid";
+constexpr const char* nodeSocketFolder = "node";
 
 /// Name of a cpid's socket in the run directory.
 std::string socketName(TAaSysComCpid cpid);
-/// Its address.
-sockaddr_un socketAddress(const RunDirectory& directory, TAaSysComCpid cpid);
+/// Name of the socket for what goes to another node; its gateway listens there.
+std::string nodeSocketName(TAaSysComNid node);
+/// Address of a socket in the run directory.
+sockaddr_un socketAddress(const RunDirectory& directory, const std::string& name);
 
 } // namespace dorn::host

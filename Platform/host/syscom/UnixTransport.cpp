@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <mutex>
 #include <poll.h>
 #include <sys/socket.h>
@@ -83,7 +84,7 @@ private:
 /// touches no shared count. Good as long as no connection has been given up since.
 struct UnixTransport::Recent {
     std::uint64_t generation = 0;
-    TAaSysComCpid receiver = 0;
+    Destination receiver = 0;
     std::shared_ptr<Connection> connection;
 };
 
@@ -99,6 +100,23 @@ UnixTransport::~UnixTransport()
 }
 
 EAaSysComStatus UnixTransport::send(TAaSysComCpid receiver, std::span<const std::byte> frame, Nanoseconds patience)
+{
+    return sendTo(destinationOf(receiver), frame, patience);
+}
+
+EAaSysComStatus UnixTransport::sendToNode(TAaSysComNid node, std::span<const std::byte> frame, Nanoseconds patience)
+{
+    const EAaSysComStatus status = sendTo(destinationOfNode(node), frame, patience);
+    return status == EAaSysComStatus_NoReceiver ? EAaSysComStatus_NoRoute : status; // no gateway, or none to that node
+}
+
+std::string UnixTransport::nameOf(Destination destination)
+{
+    const bool isCpid = destination <= 0xFFFFU;
+    return isCpid ? socketName(static_cast<TAaSysComCpid>(destination)) : nodeSocketName(destination);
+}
+
+EAaSysComStatus UnixTransport::sendTo(Destination receiver, std::span<const std::byte> frame, Nanoseconds patience)
 {
     // A connection may have outlived its receiver, and a receiver short of descriptors ends new ones at once: the
     // cpid's present holder is looked for again, until there is none.
@@ -127,7 +145,7 @@ std::array<UnixTransport::Recent, 8>& UnixTransport::recents()
     return ofThread;
 }
 
-UnixTransport::Recent& UnixTransport::recentFor(TAaSysComCpid receiver)
+UnixTransport::Recent& UnixTransport::recentFor(Destination receiver)
 {
     return recents()[receiver % recents().size()];
 }
@@ -138,7 +156,7 @@ std::uint64_t UnixTransport::newGeneration()
     return last.fetch_add(1) + 1;
 }
 
-const UnixTransport::Connection* UnixTransport::recentConnectionTo(TAaSysComCpid receiver, EAaSysComStatus& status)
+const UnixTransport::Connection* UnixTransport::recentConnectionTo(Destination receiver, EAaSysComStatus& status)
 {
     Recent& recent = recentFor(receiver);
     const std::uint64_t generation = m_generation.load(std::memory_order_acquire);
@@ -148,7 +166,7 @@ const UnixTransport::Connection* UnixTransport::recentConnectionTo(TAaSysComCpid
     return recent.connection.get();
 }
 
-std::shared_ptr<UnixTransport::Connection> UnixTransport::connectionTo(TAaSysComCpid receiver, EAaSysComStatus& status)
+std::shared_ptr<UnixTransport::Connection> UnixTransport::connectionTo(Destination receiver, EAaSysComStatus& status)
 {
     {
         const std::shared_lock lock(m_mutex);
@@ -163,7 +181,7 @@ std::shared_ptr<UnixTransport::Connection> UnixTransport::connectionTo(TAaSysCom
     }
     // One that does not wait: where the connections of thousands have not been taken, a further one would.
     UnixSocket socket = UnixSocket::make(SOCK_NONBLOCK);
-    const sockaddr_un address = socketAddress(m_directory, receiver);
+    const sockaddr_un address = socketAddress(m_directory, nameOf(receiver));
     if (!socket || connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         status = whyNotConnected(errno);
         return nullptr;
@@ -172,7 +190,7 @@ std::shared_ptr<UnixTransport::Connection> UnixTransport::connectionTo(TAaSysCom
     return m_connections[receiver] = std::make_shared<Connection>(std::move(socket));
 }
 
-void UnixTransport::forget(TAaSysComCpid receiver, const Connection* connection)
+void UnixTransport::forget(Destination receiver, const Connection* connection)
 {
     const std::unique_lock lock(m_mutex);
     const auto known = m_connections.find(receiver);
@@ -184,7 +202,9 @@ void UnixTransport::forget(TAaSysComCpid receiver, const Connection* connection)
 
 std::unique_ptr<Endpoint> UnixTransport::open(TAaSysComCpid cpid, WaitSet& waitSet, FrameSink& sink)
 {
-    return UnixEndpoint::open(m_directory, cpid, waitSet, sink);
+    std::array<char, 16> label{};
+    std::snprintf(label.data(), label.size(), "cpid 0x%04X", static_cast<unsigned>(cpid));
+    return UnixEndpoint::open(m_directory, socketName(cpid), label.data(), waitSet, sink);
 }
 
 } // namespace dorn::host
