@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "syscom/CpidStore.hpp"
+
+#include "NodeTest.hpp"
+#include "port/Transport.hpp"
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace dorn::host::test {
+namespace {
+
+struct SomePeer : Peer {
+    explicit SomePeer(pid_t of, bool ended = false) : process(of), hasEnded(ended) {}
+    pid_t pid() const override { return process; }
+    bool isGone() const override { return hasEnded; }
+    pid_t process;
+    bool hasEnded;
+};
+
+/// Another node of the test's run directory, so that this process has its store open once.
+class CpidStoreTest : public testkit::NodeTest {
+protected:
+    /// Starts a process that becomes the node's gateway and stays it until it is killed. @return its id
+    pid_t startGateway() const
+    {
+        int ready[2] = {-1, -1};
+        EXPECT_EQ(pipe(ready), 0);
+        const pid_t child = fork();
+        if (child == 0) {
+            CpidStore store(m_directory);
+            const char result = store.tryBecomeGateway() ? 'y' : 'n';
+            [[maybe_unused]] const ssize_t written = write(ready[1], &result, 1);
+            for (;;) {
+                pause();
+            }
+        }
+        char result = 0;
+        EXPECT_EQ(read(ready[0], &result, 1), 1);
+        EXPECT_EQ(result, 'y');
+        close(ready[0]);
+        close(ready[1]);
+        return child;
+    }
+    static void kill(pid_t process)
+    {
+        ::kill(process, SIGKILL);
+        waitpid(process, nullptr, 0);
+    }
+
+    const RunDirectory m_directory{m_node.runDirectory(), 0x0F77};
+    CpidStore m_store{m_directory};
+};
+
+TEST_F(CpidStoreTest, NobodyIsTheGatewayAtFirst)
+{
+    EXPECT_EQ(m_store.foreignGateway(), 0);
+    EXPECT_FALSE(m_store.isGateway(SomePeer(4711)));
+    EXPECT_FALSE(m_store.isGateway(SomePeer(4711, true)));
+}
+
+TEST_F(CpidStoreTest, OneProcessIsTheGateway)
+{
+    const std::uint32_t before = m_store.generation();
+    const pid_t gateway = startGateway();
+
+    EXPECT_NE(m_store.generation(), before);
+    EXPECT_EQ(m_store.foreignGateway(), gateway);
+    EXPECT_FALSE(m_store.tryBecomeGateway());
+    EXPECT_TRUE(m_store.isGateway(SomePeer(gateway)));
+    EXPECT_FALSE(m_store.isGateway(SomePeer(4711)));
+    EXPECT_FALSE(m_store.isGateway(SomePeer(4711, true)));
+    kill(gateway);
+}
+
+TEST_F(CpidStoreTest, WhatADeadGatewaySentIsStillItsOwn)
+{
+    const pid_t gateway = startGateway();
+    kill(gateway);
+    const pid_t successor = startGateway();
+
+    EXPECT_TRUE(m_store.isGateway(SomePeer(gateway, true)));
+    EXPECT_FALSE(m_store.isGateway(SomePeer(gateway))); // another process that has got its id
+    EXPECT_TRUE(m_store.isGateway(SomePeer(successor)));
+    kill(successor);
+}
+
+TEST_F(CpidStoreTest, GatewaysPlaceIsFreeOnceItIsGone)
+{
+    kill(startGateway());
+
+    EXPECT_EQ(m_store.foreignGateway(), 0);
+    EXPECT_TRUE(m_store.tryBecomeGateway());
+}
+
+} // namespace
+} // namespace dorn::host::test
