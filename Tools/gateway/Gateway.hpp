@@ -27,7 +27,8 @@
 /// counted under the reason for which it was dropped, see Status.hpp. Confirmed means: the other gateway has it.
 ///
 /// One thread does everything in run(), besides ZeroMQ's own for the connections, and one at a time for each host name
-/// that is being looked up. All times are of the clock that never steps.
+/// that is being looked up. All times are of the clock that never steps. The process's limit of open files is raised as
+/// far as it may be: each other node takes about six.
 #pragma once
 
 #include "gateway/Keys.hpp"
@@ -39,6 +40,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 namespace dorn::gateway {
 
@@ -55,14 +57,14 @@ struct GatewayOptions {
     /// Bytes that may be kept for all receivers of this node together.
     std::size_t allReceiversBytes = std::size_t{64} << 20;
 
-    Nanoseconds heartbeat = std::chrono::milliseconds(500);      ///< between two heartbeats
-    Nanoseconds silence = std::chrono::seconds(2);               ///< a link of which nothing is heard for so long is cut
-    Nanoseconds attempt = std::chrono::seconds(3);               ///< a connection that is not up by then is given up
-    Nanoseconds firstBackOff = std::chrono::milliseconds(100);   ///< before a link is tried again; doubled each time
+    Nanoseconds heartbeat = std::chrono::milliseconds(500);    ///< between two heartbeats
+    Nanoseconds silence = std::chrono::seconds(2);             ///< a link of which nothing is heard for so long is cut
+    Nanoseconds attempt = std::chrono::seconds(3);             ///< a connection that is not up by then is given up
+    Nanoseconds firstBackOff = std::chrono::milliseconds(100); ///< before a link is tried again; doubled each time
     Nanoseconds greatestBackOff = std::chrono::milliseconds(5000); ///< the most it is doubled to
 
     /// Address on which to listen; empty: all of this machine's. The port is that of the own row.
-    std::string listenAddress;
+    std::string listenAddress = {};
 };
 
 class Gateway {

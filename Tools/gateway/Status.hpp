@@ -150,7 +150,8 @@ std::optional<GatewayStatus> parseStatus(std::string_view text);
 
 /// What a question for the status found.
 struct FetchedStatus {
-    pid_t holder = 0;                    ///< process that is this node's gateway; 0 when none lives
+    pid_t holder =
+        0; ///< process that is this node's gateway; 0 when none lives; -1 when it cannot be told, as so many ask
     std::optional<GatewayStatus> status; ///< nothing when no gateway lives or it did not answer in time
 };
 

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#include "gateway/DealerWire.hpp"
+
+#include <cstring>
+
+namespace dorn::gateway {
+namespace {
+
+constexpr int messagesAtOnce = 64;
+constexpr int events = ZMQ_EVENT_CLOSED | ZMQ_EVENT_DISCONNECTED | ZMQ_EVENT_HANDSHAKE_FAILED_NO_DETAIL |
+                       ZMQ_EVENT_HANDSHAKE_FAILED_PROTOCOL | ZMQ_EVENT_HANDSHAKE_FAILED_AUTH;
+
+} // namespace
+
+DealerWire::DealerWire(zmq::context_t& context, host::WaitSet& waitSet, Resolver& resolver, const TableRow& row,
+                       const KeyPair& keys, const GatewayOptions& options, std::size_t ticket)
+    : m_context(context),
+      m_waitSet(waitSet),
+      m_resolver(resolver),
+      m_row(row),
+      m_keys(keys),
+      m_options(options),
+      m_ticket(ticket)
+{
+}
+
+void DealerWire::connect(const std::string& address, std::uint16_t port)
+{
+    close();
+    const bool isSix = address.find(':') != std::string::npos;
+    try {
+        open("tcp://" + (isSix ? "[" + address + "]" : address) + ":" + std::to_string(port));
+    } catch (const zmq::error_t&) {
+        close();
+        m_hasFailed = true; // descriptors have run out; tried again like any other fault
+    }
+}
+
+void DealerWire::open(const std::string& endpoint)
+{
+    m_socket = std::make_unique<ZmqSocket>(m_context, zmq::socket_type::dealer, m_waitSet);
+    zmq::socket_t& socket = m_socket->socket();
+    socket.set(zmq::sockopt::ipv6, true);
+    socket.set(zmq::sockopt::sndhwm, 0); // the queue's window bounds it
+    socket.set(zmq::sockopt::rcvhwm, messagesAtOnce);
+    socket.set(zmq::sockopt::maxmsgsize, static_cast<std::int64_t>(greatestEncrypted));
+    socket.set(zmq::sockopt::reconnect_ivl, -1);
+    socket.set(zmq::sockopt::handshake_ivl,
+               static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(m_options.attempt).count()));
+    m_socket->set(ZMQ_CURVE_SERVERKEY, m_row.key.bytes());
+    m_socket->set(ZMQ_CURVE_PUBLICKEY, m_keys.publicKey.bytes());
+    m_socket->set(ZMQ_CURVE_SECRETKEY, m_keys.secretKey.bytes());
+    m_monitor = std::make_unique<ZmqMonitor>(m_context, *m_socket, events, m_waitSet);
+    socket.connect(endpoint);
+}
+
+void DealerWire::close()
+{
+    m_hasFailed = false;
+    m_monitor.reset();
+    m_socket.reset();
+}
+
+bool DealerWire::send(std::span<const std::byte> head, std::span<const std::byte> body)
+{
+    if (!m_socket) {
+        return false;
+    }
+    zmq::message_t message(head.size() + body.size());
+    std::memcpy(message.data(), head.data(), head.size());
+    if (!body.empty()) {
+        std::memcpy(message.data<std::byte>() + head.size(), body.data(), body.size());
+    }
+    return m_socket->send(std::move(message));
+}
+
+bool DealerWire::isDirty() const
+{
+    return m_hasFailed || (m_socket && (m_socket->isDirty() || m_monitor->isDirty()));
+}
+
+std::optional<LinkFault> DealerWire::nextFault()
+{
+    if (m_hasFailed) {
+        return LinkFault::Unreachable;
+    }
+    if (!m_monitor || !m_monitor->isDirty()) {
+        return std::nullopt;
+    }
+    switch (m_monitor->next().value_or(0)) {
+    case ZMQ_EVENT_CLOSED:
+        return LinkFault::Unreachable;
+    case ZMQ_EVENT_DISCONNECTED:
+        return LinkFault::Cut;
+    case ZMQ_EVENT_HANDSHAKE_FAILED_NO_DETAIL:
+    case ZMQ_EVENT_HANDSHAKE_FAILED_PROTOCOL:
+    case ZMQ_EVENT_HANDSHAKE_FAILED_AUTH:
+        return LinkFault::KeyRefused;
+    default:
+        return std::nullopt;
+    }
+}
+
+void DealerWire::serve(Link& link, Nanoseconds now)
+{
+    // What has come before the end of a connection counts.
+    zmq::message_t part;
+    for (int count = 0; count < messagesAtOnce && m_socket && m_socket->isDirty() && m_socket->receive(part); ++count) {
+        if (part.more()) {
+            m_socket->skipRest(part);
+            link.onFault(LinkFault::Garbage, now);
+        } else {
+            link.onMessage(readWire({part.data<std::byte>(), part.size()}), now);
+        }
+    }
+    if (const std::optional<LinkFault> fault = nextFault()) {
+        link.onFault(*fault, now);
+    }
+}
+
+} // namespace dorn::gateway

@@ -1,0 +1,329 @@
+// SPDX-License-Identifier: MIT
+#include "gateway/Receivers.hpp"
+
+#include "AaSysLog.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cerrno>
+#include <cstring>
+#include <sys/epoll.h>
+#include <sys/socket.h>
+#include <system_error>
+
+namespace dorn::gateway {
+namespace {
+
+using host::FrameHeader;
+using host::UnixSocket;
+
+/// Messages that one call hands over.
+constexpr std::size_t messagesAtOnce = 64;
+constexpr int sendBufferBytes = 1 << 20;
+constexpr std::chrono::milliseconds retryTime{10};
+/// A receiver that comes back while it is sent to is connected to again, so often.
+constexpr int greatestAttempts = 4;
+
+TAaSysComCpid cpidOf(const Record& record)
+{
+    return static_cast<TAaSysComCpid>(record.header.receiver & 0xFFFFU);
+}
+
+FrameHeader frameHeader(const RecordHeader& header)
+{
+    return {FrameHeader::magicNumber,
+            FrameHeader::currentVersion,
+            header.payloadSize,
+            header.id,
+            header.sender,
+            header.receiver,
+            0};
+}
+
+/// Records as they are handed to the kernel, header and payload from where they lie.
+class FrameBatch {
+public:
+    explicit FrameBatch(std::span<const Record> records) : m_count(std::min(records.size(), messagesAtOnce))
+    {
+        for (std::size_t index = 0; index < m_count; ++index) {
+            const Record& record = records[index];
+            m_headers[index] = frameHeader(record.header);
+            m_parts[2 * index] = {&m_headers[index], sizeof(FrameHeader)};
+            m_parts[2 * index + 1] = {const_cast<std::byte*>(record.payload.data()), record.payload.size()};
+            m_messages[index] = {};
+            m_messages[index].msg_hdr.msg_iov = &m_parts[2 * index];
+            m_messages[index].msg_hdr.msg_iovlen = 2;
+        }
+    }
+
+    /// @return messages sent; -1 with `errno` set when none was.
+    int send(int descriptor)
+    {
+        return sendmmsg(descriptor, m_messages.data(), static_cast<unsigned>(m_count), MSG_NOSIGNAL | MSG_DONTWAIT);
+    }
+
+private:
+    std::size_t m_count;
+    std::array<FrameHeader, messagesAtOnce> m_headers;
+    std::array<iovec, 2 * messagesAtOnce> m_parts;
+    std::array<mmsghdr, messagesAtOnce> m_messages;
+};
+
+bool isShortage(int error)
+{
+    return error == EAGAIN || error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
+}
+
+} // namespace
+
+Receivers::Receivers(const host::RunDirectory& directory, const GatewayOptions& options, host::WaitSet& waitSet)
+    : m_directory(directory), m_options(options), m_waitSet(waitSet), m_poll(epoll_create1(EPOLL_CLOEXEC))
+{
+    if (!m_poll) {
+        throw std::system_error(errno, std::generic_category(), "epoll_create1");
+    }
+    m_waitSet.add(m_poll.get(), *this);
+}
+
+Receivers::~Receivers()
+{
+    const std::lock_guard lock(m_waitSet.mutex());
+    m_waitSet.remove(m_poll.get());
+}
+
+void Receivers::deliver(DeliveryAccount& account, std::span<const Record> records)
+{
+    while (!records.empty()) {
+        const TAaSysComCpid cpid = cpidOf(records.front());
+        std::size_t length = 1;
+        while (length < records.size() && cpidOf(records[length]) == cpid) {
+            ++length;
+        }
+        deliverRun(account, cpid, records.first(length));
+        records = records.subspan(length);
+    }
+}
+
+void Receivers::deliverRun(DeliveryAccount& account, TAaSysComCpid cpid, std::span<const Record> run)
+{
+    Receiver& receiver = m_receivers[cpid];
+    std::size_t sent = 0;
+    const Outcome outcome = receiver.kept.empty() ? send(cpid, receiver, run, sent) : Outcome::Full;
+    account.delivered += sent;
+    if (outcome == Outcome::Full) {
+        keep(account, cpid, receiver, run.subspan(sent));
+    } else if (outcome == Outcome::Gone) {
+        noteNobody(account, run[sent], run.size() - sent);
+        m_receivers.erase(cpid);
+    }
+}
+
+Receivers::Outcome Receivers::connect(TAaSysComCpid cpid, Receiver& receiver)
+{
+    UnixSocket socket = UnixSocket::make(SOCK_NONBLOCK);
+    const sockaddr_un address = host::socketAddress(m_directory, host::socketName(cpid));
+    if (!socket || ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+        return isShortage(errno) ? Outcome::Full : Outcome::Gone;
+    }
+    setsockopt(socket.get(), SOL_SOCKET, SO_SNDBUF, &sendBufferBytes, sizeof sendBufferBytes);
+    epoll_event event{EPOLLRDHUP, {.u64 = cpid}};
+    if (epoll_ctl(m_poll.get(), EPOLL_CTL_ADD, socket.get(), &event) != 0) {
+        return Outcome::Full;
+    }
+    receiver.socket = std::move(socket);
+    return Outcome::Done;
+}
+
+Receivers::Outcome Receivers::send(TAaSysComCpid cpid, Receiver& receiver, std::span<const Record> run,
+                                   std::size_t& sent)
+{
+    sent = 0;
+    for (int attempt = 0; sent < run.size();) {
+        if (!receiver.socket) {
+            const Outcome outcome = attempt++ < greatestAttempts ? connect(cpid, receiver) : Outcome::Gone;
+            if (outcome != Outcome::Done) {
+                return outcome;
+            }
+        }
+        const int count = FrameBatch(run.subspan(sent)).send(receiver.socket.get());
+        if (count >= 0) {
+            sent += static_cast<std::size_t>(count);
+        } else if (isShortage(errno)) {
+            return Outcome::Full;
+        } else if (errno != EINTR) {
+            loseConnection(receiver);
+        }
+    }
+    return Outcome::Done;
+}
+
+void Receivers::loseConnection(Receiver& receiver)
+{
+    receiver.socket = UnixSocket(-1);
+    receiver.isWatchedForRoom = false;
+}
+
+void Receivers::keep(DeliveryAccount& account, TAaSysComCpid cpid, Receiver& receiver, std::span<const Record> run)
+{
+    for (const Record& record : run) {
+        const FrameHeader header = frameHeader(record.header);
+        std::vector<std::byte> frame(sizeof header + record.payload.size());
+        std::memcpy(frame.data(), &header, sizeof header);
+        std::copy(record.payload.begin(), record.payload.end(), frame.begin() + sizeof header);
+        receiver.keptBytes += frame.size();
+        m_keptBytes += frame.size();
+        ++account.pending;
+        receiver.kept.push_back({&account, std::move(frame)});
+        while (isTooFull(receiver) && !receiver.kept.empty()) {
+            dropOldest(receiver, DropReason::ReceiverFull);
+            if (!receiver.isOverflowing) {
+                receiver.isOverflowing = true;
+                AaSysLogPrint(EAaSysLogSeverityLevel_Warning,
+                              "cpid 0x%04X does not read what comes from other nodes: the oldest of %zu messages are "
+                              "dropped",
+                              cpid, receiver.kept.size() + 1);
+            }
+        }
+    }
+    watch(cpid, receiver);
+}
+
+bool Receivers::isTooFull(const Receiver& receiver) const
+{
+    return receiver.kept.size() > m_options.receiverMessages || receiver.keptBytes > m_options.receiverBytes ||
+           m_keptBytes > m_options.allReceiversBytes;
+}
+
+void Receivers::dropOldest(Receiver& receiver, DropReason reason)
+{
+    const Kept& oldest = receiver.kept.front();
+    --oldest.account->pending;
+    ++oldest.account->dropped[reason];
+    receiver.keptBytes -= oldest.frame.size();
+    m_keptBytes -= oldest.frame.size();
+    receiver.kept.pop_front();
+}
+
+/// Has the kernel, or time, tell when it is worth trying again.
+void Receivers::watch(TAaSysComCpid cpid, Receiver& receiver)
+{
+    if (!receiver.socket) {
+        m_retryAt = std::min(m_retryAt, host::Clock::get().monotonic() + retryTime);
+        return;
+    }
+    const bool isToBe = !receiver.kept.empty();
+    if (receiver.isWatchedForRoom != isToBe) {
+        epoll_event event{EPOLLRDHUP | (isToBe ? EPOLLOUT : 0U), {.u64 = cpid}};
+        epoll_ctl(m_poll.get(), EPOLL_CTL_MOD, receiver.socket.get(), &event);
+        receiver.isWatchedForRoom = isToBe;
+    }
+}
+
+/// Some receivers have room again, or are gone.
+void Receivers::onReadable()
+{
+    std::array<epoll_event, 16> events{};
+    const int count = epoll_wait(m_poll.get(), events.data(), static_cast<int>(events.size()), 0);
+    for (int index = 0; index < count; ++index) {
+        const epoll_event& event = events[static_cast<std::size_t>(index)];
+        const auto cpid = static_cast<TAaSysComCpid>(event.data.u64);
+        const auto found = m_receivers.find(cpid);
+        if (found == m_receivers.end()) {
+            continue;
+        }
+        if ((event.events & (EPOLLHUP | EPOLLRDHUP | EPOLLERR)) != 0) {
+            loseConnection(found->second);
+        }
+        flush(cpid, found->second);
+    }
+}
+
+void Receivers::tick(Nanoseconds now)
+{
+    if (now < m_retryAt) {
+        return;
+    }
+    m_retryAt = host::noDeadline;
+    std::vector<TAaSysComCpid> waiting;
+    for (const auto& [cpid, receiver] : m_receivers) {
+        if (!receiver.socket) {
+            waiting.push_back(cpid);
+        }
+    }
+    for (const TAaSysComCpid cpid : waiting) {
+        flush(cpid, m_receivers[cpid]);
+    }
+}
+
+/// Hands over what is kept as far as it is taken, and forgets a receiver that is gone.
+void Receivers::flush(TAaSysComCpid cpid, Receiver& receiver)
+{
+    const Outcome outcome = sendKept(cpid, receiver);
+    if (outcome == Outcome::Gone) {
+        while (!receiver.kept.empty()) {
+            dropOldest(receiver, DropReason::NoReceiver);
+        }
+    }
+    if (outcome != Outcome::Full && (outcome == Outcome::Gone || !receiver.socket)) {
+        m_receivers.erase(cpid);
+        return;
+    }
+    receiver.isOverflowing = receiver.isOverflowing && !receiver.kept.empty();
+    watch(cpid, receiver);
+}
+
+Receivers::Outcome Receivers::sendKept(TAaSysComCpid cpid, Receiver& receiver)
+{
+    while (!receiver.kept.empty()) {
+        const Kept& oldest = receiver.kept.front();
+        FrameHeader header{};
+        std::memcpy(&header, oldest.frame.data(), sizeof header);
+        const Record record{{header.id, header.sender, header.receiver, header.payloadSize},
+                            std::span(oldest.frame).subspan(sizeof header)};
+        std::size_t sent = 0;
+        const Outcome outcome = send(cpid, receiver, {&record, 1}, sent);
+        if (outcome != Outcome::Done) {
+            return outcome;
+        }
+        ++oldest.account->delivered;
+        --oldest.account->pending;
+        receiver.keptBytes -= oldest.frame.size();
+        m_keptBytes -= oldest.frame.size();
+        receiver.kept.pop_front();
+    }
+    return Outcome::Done;
+}
+
+void Receivers::dropKept(DeliveryAccount& account)
+{
+    for (auto& [cpid, receiver] : m_receivers) {
+        std::erase_if(receiver.kept, [&](const Kept& kept) {
+            if (kept.account != &account) {
+                return false;
+            }
+            --account.pending;
+            ++account.dropped[DropReason::SenderRestarted];
+            receiver.keptBytes -= kept.frame.size();
+            m_keptBytes -= kept.frame.size();
+            return true;
+        });
+    }
+}
+
+/// Logs the first and then ever more rarely.
+void Receivers::noteNobody(DeliveryAccount& account, const Record& record, std::size_t count)
+{
+    std::uint64_t& dropped = account.dropped[DropReason::NoReceiver];
+    const bool isToBeSaid = std::bit_width(dropped) != std::bit_width(dropped + count);
+    dropped += count;
+    if (isToBeSaid) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Warning,
+                      "Dropped what node 0x%04X sent to cpid 0x%04X: nobody holds it (id=0x%04X sender=0x%08X; %llu "
+                      "dropped so far)",
+                      account.node, cpidOf(record), record.header.id, record.header.sender,
+                      static_cast<unsigned long long>(dropped));
+    }
+}
+
+} // namespace dorn::gateway
