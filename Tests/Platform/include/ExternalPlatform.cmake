@@ -17,6 +17,10 @@ endif()
 if(archives MATCHES "libdorn_(host|board|testkit)")
     message(FATAL_ERROR "a provider has been built: ${archives}")
 endif()
+if(NOT archives MATCHES "libdorn_conformance\\.a")
+    message(FATAL_ERROR "the conformance suite has not been built: ${archives}")
+endif()
+list(FILTER archives EXCLUDE REGEX "libdorn_conformance\\.a$") # it wants the whole seam by itself
 
 file(GLOB headers "${SOURCE}/Platform/include/*.h" "${SOURCE}/Platform/include/*.hpp" "${SOURCE}/Ddal/include/*.h")
 dorn_declared_symbols(declared ${headers})

@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#include "Conformance.hpp"
+
+int main(int argc, char** argv)
+{
+    return dorn::conformance::runConformance(argc, argv);
+}
