@@ -3,13 +3,19 @@
 /// The platform functions past their wrappers: what the TestKit itself calls is neither counted nor made to fail.
 #pragma once
 
+#include "AaConfigTag.h"
 #include "AaFile.h"
+#include "AaMem.h"
 #include "AaPro.h"
 #include "AaSysCom.h"
 #include "ddal_rio.h"
 
 extern "C" {
+decltype(AaConfigTagGet) __real_AaConfigTagGet;
+decltype(AaConfigTagRegister) __real_AaConfigTagRegister;
+decltype(AaConfigTagUnregister) __real_AaConfigTagUnregister;
 decltype(AaFileClose) __real_AaFileClose;
+decltype(AaMemUnRef) __real_AaMemUnRef;
 decltype(AaProEuCurrent) __real_AaProEuCurrent;
 decltype(AaSysComEuWakeUp) __real_AaSysComEuWakeUp;
 decltype(AaSysComGetOwnNid) __real_AaSysComGetOwnNid;
