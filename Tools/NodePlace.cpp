@@ -19,13 +19,14 @@ struct PartText {
     const char* missing;
 };
 
-constexpr std::array<PartText, 6> parts{{
+constexpr std::array<PartText, 7> parts{{
     {NodePart::Services, "ees", "no services have run here"},
     {NodePart::RadParameters, "rad/control", "no R&D parameters have been registered here"},
     {NodePart::Tags, "tags/data.mdb", "no tags have been set here"},
     {NodePart::Messages, "cpids", "no services have run here"},
     {NodePart::Log, "log.control", "no log has been written here"},
     {NodePart::DriverFaults, "board.faults", "no driver function has been told to fail here"},
+    {NodePart::Gateway, "cpids", "no gateway has run here"},
 }};
 
 const PartText& textOf(NodePart part)

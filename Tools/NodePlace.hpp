@@ -9,7 +9,7 @@
 namespace dorn::tool {
 
 /// What the services of a node leave in its directory.
-enum class NodePart { Services, RadParameters, Tags, Messages, Log, DriverFaults };
+enum class NodePart { Services, RadParameters, Tags, Messages, Log, DriverFaults, Gateway };
 
 /// The place where the environment says that the node is.
 class NodePlace {

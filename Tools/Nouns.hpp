@@ -15,6 +15,7 @@ void addMsgNoun(Program& program);
 void addLogNoun(Program& program);
 void addAlarmNoun(Program& program);
 void addRedundancyNoun(Program& program);
+void addGatewayNoun(Program& program);
 void addBoardNoun(Program& program);
 void addRamlNoun(Program& program);
 void addImageNoun(Program& program);
@@ -35,6 +36,7 @@ inline void addNouns(Program& program)
     addLogNoun(program);
     addAlarmNoun(program);
     addRedundancyNoun(program);
+    addGatewayNoun(program);
     addBoardNoun(program);
     addRamlNoun(program);
     addImageNoun(program);

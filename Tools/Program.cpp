@@ -6,8 +6,10 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdlib>
 #include <exception>
 #include <iterator>
+#include <string_view>
 #include <utility>
 
 namespace dorn::tool {
@@ -41,6 +43,17 @@ std::string trimmed(std::string text)
     return text;
 }
 
+/// What goes wrong is said once, in this command's own words. What is wrong with a document comes from the lines that
+/// its parser prints: they are kept, whatever the environment wants to be kept.
+void keepLogForVerb()
+{
+    setenv("DORN_LOG", "none", 0);
+    const char* const level = std::getenv("DORN_LOG_LEVEL");
+    if (level && (std::string_view(level) == "none" || std::string_view(level) == "6")) {
+        unsetenv("DORN_LOG_LEVEL");
+    }
+}
+
 } // namespace
 
 Program::Program() : m_commandLine(std::make_unique<CLI::App>("Shows and changes what runs on a node", "dorn"))
@@ -72,8 +85,14 @@ CLI::App& Program::addVerb(CLI::App& noun, const VerbText& text, Action action)
 {
     CLI::App& verb = *noun.add_subcommand(text.name, text.description);
     verb.group("Verbs")->footer("Example:\n  " + text.example);
-    m_verbs[&verb] = {std::move(action), text.values, text.files};
+    m_verbs[&verb] = {std::move(action), text.values, text.files, text.isService};
     return verb;
+}
+
+void Program::setVerbOfBareNoun(CLI::App& noun, const CLI::App& verb)
+{
+    noun.require_subcommand(0, 1)->footer("Without a verb it does what '" + commandOf(verb) + "' does.");
+    m_verbs[&noun] = m_verbs.at(&verb);
 }
 
 CLI::App& Program::addCommand(const VerbText& text, Action action)
@@ -119,8 +138,12 @@ Outcome Program::run(const std::vector<std::string>& arguments, Console& console
 
 Outcome Program::carryOut(Console& console) const
 {
+    const Verb& verb = m_verbs.at(&chosen());
+    if (!verb.isService) {
+        keepLogForVerb();
+    }
     try {
-        return m_verbs.at(&chosen()).action(console);
+        return verb.action(console);
     } catch (const UsageError& error) {
         explainWrongUse(error.what(), console);
         return Outcome::WrongUse;

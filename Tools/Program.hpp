@@ -28,6 +28,8 @@ struct VerbText {
     std::string values = {};
     /// How many of its first arguments are files; the command line of `values` gets the first behind it.
     unsigned files = 0;
+    /// Whether it runs on as a service does, and logs as one. Others say what goes wrong in their own words.
+    bool isService = false;
 };
 
 /// VerbText::files of a verb all of whose arguments are files.
@@ -51,6 +53,8 @@ public:
     CLI::App& addPart(CLI::App& noun, const std::string& name, const std::string& description);
     /// Adds a verb to a noun. The action keeps alive what the options are stored in.
     CLI::App& addVerb(CLI::App& noun, const VerbText& text, Action action);
+    /// Has a noun that stands alone do what one of its verbs does without options: `dorn gateway`.
+    void setVerbOfBareNoun(CLI::App& noun, const CLI::App& verb);
     /// Adds a noun that is a verb at the same time.
     CLI::App& addCommand(const VerbText& text, Action action);
 
@@ -68,6 +72,7 @@ private:
         Action action;
         std::string values;
         unsigned files;
+        bool isService;
     };
 
     Outcome carryOut(Console& console) const;

@@ -64,6 +64,7 @@ TEST_F(ProgramTest, HelpNamesEveryNoun)
               "  log                     The log of the node: the latest lines of all its processes by time\n"
               "  alarm                   The alarms of the node\n"
               "  redundancy              The unit's part in a redundant pair\n"
+              "  gateway                 The node's gateway to the other nodes\n"
               "  board                   The hardware of the board, and what happens to it\n"
               "  raml                    RAML configuration documents, in files or pipes\n"
               "  image                   Firmware images: a payload with a trailer\n"
@@ -159,11 +160,13 @@ TEST_P(WrongUseTest, IsExplainedAndStatus2)
 INSTANTIATE_TEST_SUITE_P(
     Lines, WrongUseTest,
     ::testing::Values(
-        WrongUseCase{"dorn", "dorn: 'dorn' needs a noun: alarm, board, completion, image, log, msg, post, rad, raml, "
-                             "redundancy, rpram, service, snapshot, srio, tag\nTry 'dorn --help'\n"},
-        WrongUseCase{"dorn foo",
-                     "dorn: unknown noun 'foo'; there are alarm, board, completion, image, log, msg, post, rad, raml, "
+        WrongUseCase{"dorn",
+                     "dorn: 'dorn' needs a noun: alarm, board, completion, gateway, image, log, msg, post, rad, raml, "
                      "redundancy, rpram, service, snapshot, srio, tag\nTry 'dorn --help'\n"},
+        WrongUseCase{
+            "dorn foo",
+            "dorn: unknown noun 'foo'; there are alarm, board, completion, gateway, image, log, msg, post, rad, raml, "
+            "redundancy, rpram, service, snapshot, srio, tag\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn --foo", "dorn: unknown option '--foo' of 'dorn'\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn rad", "dorn: 'dorn rad' needs a verb: get, list, set, watch\nTry 'dorn rad --help'\n"},
         WrongUseCase{"dorn rad lst",

@@ -54,8 +54,7 @@ std::optional<std::uint16_t> numberIn(std::string_view text, bool mayBeHex)
     return static_cast<std::uint16_t>(value);
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// hosts
+// -------------------------------------------------------------------------------------------------------------- hosts
 
 bool isOf(std::string_view text, std::string_view characters)
 {
@@ -101,8 +100,7 @@ bool isHost(std::string_view text)
     return isOf(text, "0123456789.") ? isAddress(AF_INET, std::string(text)) : isName(text);
 }
 
-// ----------------------------------------------------------------------------------------------------------------
-// lines
+// -------------------------------------------------------------------------------------------------------------- lines
 
 Columns columnsOf(std::string_view line)
 {
