@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 /// @file RedundancyMessages.hpp
-/// What an operator's program says to the redundancy manager. What services say to it is in RedundancyTypes.hpp.
+/// What an operator's program says to the redundancy manager, and the managers of a pair to each other. What services
+/// say to it is in RedundancyTypes.hpp.
 ///
 /// Every request has one answer, with the request's transaction id. It comes within #redundancyAnswerTime, because no
 /// service is waited for longer than that.
@@ -29,6 +30,18 @@ constexpr const char* activeUnitTag = "sys.unit.state.ne-act";
 
 /// Configuration tag: who is registered, as SRedundancyRegistration records, for a manager that comes back.
 constexpr const char* registrationsTag = "dorn.redundancy.services";
+
+/// How often the manager of a half tells the other half's manager that it lives.
+constexpr std::chrono::milliseconds mateHeartbeatTime{100};
+
+/// A half of which so many heartbeats in a row have not come is taken for dead.
+constexpr std::uint32_t mateHeartbeatsToMiss = 5;
+
+/// How long a half whose own decision to switch has come to nothing waits before it tries again.
+constexpr std::chrono::milliseconds decisionRetryTime{1000};
+
+/// Configuration tag, 4 bytes: the term of a half's latest time as the active one.
+constexpr const char* termTag = "dorn.redundancy.term";
 
 struct SRedundancyRegistration {
     std::uint32_t address;
@@ -94,9 +107,19 @@ struct SRedundancySwitchResp {
 };
 static_assert(sizeof(SRedundancySwitchResp) == 16);
 
+/// "I live." From one half's manager to the other's every #mateHeartbeatTime; @p serviceCount SRedundancyRegistration
+/// records follow: the services that are registered with the sender. There is no answer.
+struct SMateHeartbeat {
+    std::uint32_t role; ///< EUnitRole
+    std::uint32_t term; ///< grows by one with each half that becomes active: of two active halves the later one stays
+    std::uint32_t serviceCount;
+};
+static_assert(sizeof(SMateHeartbeat) == 12);
+
 using RedundancyShowReqMsg = vel::hwapi::common::Msg<SRedundancyShowReq, 0x2131>;
 using RedundancyShowRespMsg = vel::hwapi::common::Msg<SRedundancyShowResp, 0x2132>;
 using RedundancySwitchReqMsg = vel::hwapi::common::Msg<SRedundancySwitchReq, 0x2133>;
 using RedundancySwitchRespMsg = vel::hwapi::common::Msg<SRedundancySwitchResp, 0x2134>;
+using MateHeartbeatMsg = vel::hwapi::common::Msg<SMateHeartbeat, 0x2135>;
 
 } // namespace dorn::examples

@@ -2,12 +2,17 @@
 #include "RedundancyManagerS.hpp"
 
 #include "AaConfigTag.h"
+#include "AaMem.h"
 #include "AaSysLog.h"
 #include "OwnUnit.hpp"
 #include "RedundancyNames.hpp"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstring>
+#include <iterator>
+#include <ranges>
 #include <utility>
 #include <vector>
 
@@ -15,6 +20,14 @@ namespace dorn::examples {
 namespace {
 
 using namespace vel::hwapi::common;
+
+/// Without a gateway no heartbeat goes out; how long until it is tried again.
+constexpr std::chrono::milliseconds noRouteRetryTime{1000};
+
+constexpr std::uint32_t beatsIn(std::chrono::milliseconds time)
+{
+    return static_cast<std::uint32_t>(time / mateHeartbeatTime);
+}
 
 constexpr std::array question{ERedundancyCommand_CardState};
 constexpr std::array becomeActive{ERedundancyCommand_PrepareActive, ERedundancyCommand_TakeHwLatch,
@@ -42,6 +55,31 @@ void append(Message& message, const std::vector<SRedundantService>& services)
     }
 }
 
+/// The node id that a text says: decimal, or hexadecimal behind "0x".
+std::optional<std::uint16_t> nodeIn(const std::string& text)
+{
+    const int base = text.starts_with("0x") ? 16 : 10;
+    std::uint16_t node = 0;
+    const char* const end = text.data() + text.size();
+    const auto [last, error] = std::from_chars(text.data() + (base == 16 ? 2 : 0), end, node, base);
+    return error == std::errc() && last == end && node != 0 ? std::optional(node) : std::nullopt;
+}
+
+/// The term that the half was in when its manager last ran.
+std::uint32_t termBefore()
+{
+    void* value = nullptr;
+    std::uint32_t length = 0;
+    std::uint32_t term = 0;
+    if (AaConfigTagGet(termTag, &value, &length) == EAaConfigTagStatus_Ok) {
+        if (length == sizeof term) {
+            std::memcpy(&term, value, sizeof term);
+        }
+        AaMemUnRef(value);
+    }
+    return term;
+}
+
 template <class Record>
 int sizeWith(const std::vector<SRedundantService>& services)
 {
@@ -53,6 +91,16 @@ int sizeWith(const std::vector<SRedundantService>& services)
 RedundancyManagerS::RedundancyManagerS()
     : Service("RedundancyManager", redundancyManagerCpid, ERadHwapi_RedS, ERadHwapiState_HwCtrlSState)
 {
+    GetArgumentParser().SetArgumentInfo("-v Switch this service's prints on\n"
+                                        "--mate=NODE Node id of the pair's other half\n");
+}
+
+unsigned int RedundancyManagerS::PreStartup()
+{
+    if (GetArgumentParser().ReadArgument("v") == "arg on") {
+        SetVerbose(1);
+    }
+    return 1;
 }
 
 void RedundancyManagerS::Init()
@@ -64,8 +112,10 @@ void RedundancyManagerS::Init()
     AddMsgHandler(&RedundancyManagerS::HandleTimeOut);
     AddMsgHandler(&RedundancyManagerS::HandleShow);
     AddMsgHandler(&RedundancyManagerS::HandleSwitch);
+    AddMsgHandler(&RedundancyManagerS::HandleHeartbeat);
     m_services.load(GetRadId());
     m_role = isActiveLcp() ? EUnitRole_Active : EUnitRole_Standby;
+    meetMate();
 }
 
 // -------------------------------------------------------------------------------------------------------- registration
@@ -136,11 +186,15 @@ void RedundancyManagerS::HandleSwitch(RedundancySwitchReqMsg request)
         answerSwitch(asker, request->transactionId, ERedundancySwitchStatus_BadRole);
         return;
     }
-    const auto target = static_cast<EUnitRole>(request->role);
-    const std::span<const ERedundancyCommand> commands = target == EUnitRole_Active ? becomeActive : becomeStandby;
-    if (!begin({commands, target, asker, request->transactionId, 0, {}, {}})) {
+    if (!beginSwitch(static_cast<EUnitRole>(request->role), asker, request->transactionId)) {
         answerSwitch(asker, request->transactionId, ERedundancySwitchStatus_Busy);
     }
+}
+
+bool RedundancyManagerS::beginSwitch(EUnitRole target, TAaSysComSicad asker, std::uint32_t transactionId)
+{
+    const std::span<const ERedundancyCommand> commands = target == EUnitRole_Active ? becomeActive : becomeStandby;
+    return begin({commands, target, asker, transactionId, 0, {}, {}});
 }
 
 /// @return false when it is not possible now.
@@ -168,19 +222,40 @@ void RedundancyManagerS::giveNextCommand()
         m_action->commands = m_action->commands.subspan(1);
         ++m_commandCount;
         std::vector<TAaSysComSicad> unreachable;
-        for (auto& [address, service] : m_services.all()) {
-            if (takesPart(service, !m_action->target) && !giveCommand(service, command)) {
-                unreachable.push_back(address);
-            }
+        giveCommandTo(m_services.all(), command, unreachable);
+        if (m_mate && !m_action->target) {
+            giveCommandTo(m_mate->services(), command, unreachable);
         }
         for (const TAaSysComSicad address : unreachable) {
-            m_services.remove(address);
+            if (!m_services.remove(address)) {
+                m_mate->services().erase(address);
+            }
             AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, GetRadId(), "Service 0x%08X has gone: forgotten", address);
         }
     }
     if (m_action->pending.empty()) {
         end();
     }
+}
+
+void RedundancyManagerS::giveCommandTo(std::map<std::uint32_t, SRedundantService>& services, ERedundancyCommand command,
+                                       std::vector<TAaSysComSicad>& unreachable)
+{
+    for (auto& [address, service] : services) {
+        if (takesPart(service, !m_action->target) && !giveCommand(service, command)) {
+            unreachable.push_back(address);
+        }
+    }
+}
+
+/// A registered service, or one of the mate's; null for all others.
+SRedundantService* RedundancyManagerS::find(TAaSysComSicad address)
+{
+    if (SRedundantService* const own = m_services.find(address); own || !m_mate) {
+        return own;
+    }
+    const auto found = m_mate->services().find(address);
+    return found == m_mate->services().end() ? nullptr : &found->second;
 }
 
 /// @return false when the service is not there any more.
@@ -227,7 +302,7 @@ void RedundancyManagerS::HandleAcknowledgement(HwapiRedundancyStateRespMsg ackno
 void RedundancyManagerS::HandleState(ApiRedundancyIndMsg indication)
 {
     const TAaSysComSicad address = indication.GetSender();
-    SRedundantService* const service = m_services.find(address);
+    SRedundantService* const service = find(address);
     if (!service || service->command != indication->command) {
         AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, GetRadId(),
                        "State %u after command %u of 0x%08X dropped: nobody asked for it", indication->state,
@@ -252,11 +327,15 @@ void RedundancyManagerS::noteState(SRedundantService& service, std::uint32_t sta
 
 void RedundancyManagerS::HandleTimeOut(TimeOutMsg timeOut)
 {
+    if (timeOut->identity == this) {
+        beat();
+        return;
+    }
     if (!m_action || timeOut->identity != reinterpret_cast<const void*>(m_actionCount)) {
         return; // of an action that has ended
     }
     for (const TAaSysComSicad address : std::exchange(m_action->pending, {})) {
-        if (SRedundantService* const service = m_services.find(address)) {
+        if (SRedundantService* const service = find(address)) {
             noteState(*service, ERedundancyState_Timeout);
         }
     }
@@ -275,6 +354,7 @@ void RedundancyManagerS::end()
     AaTimerCancel(m_action->timer);
     if (m_action->target) {
         endSwitch(*m_action->target);
+        sendHeartbeat(); // the mate need not wait for the next one to learn of it
     } else {
         showTo(m_action->asker, m_action->transactionId);
     }
@@ -286,6 +366,10 @@ void RedundancyManagerS::endSwitch(EUnitRole target)
     const bool isDone = m_action->failed.empty() && m_action->commands.empty();
     m_role = isDone ? target : EUnitRole_Between;
     if (isDone) {
+        if (target == EUnitRole_Active && m_mate) {
+            m_term = std::max(m_term, m_mate->term()) + 1;
+            AaConfigTagSetU32(termTag, m_term);
+        }
         AaConfigTagSetU32(activeUnitTag, target == EUnitRole_Active ? 1 : 0);
     }
     AaSysLogPrintE(isDone ? EAaSysLogSeverityLevel_Info : EAaSysLogSeverityLevel_Error, GetRadId(), "Switch to %s %s",
@@ -294,11 +378,146 @@ void RedundancyManagerS::endSwitch(EUnitRole target)
                  isDone ? ERedundancySwitchStatus_Done : ERedundancySwitchStatus_Failed);
 }
 
+// --------------------------------------------------------------------------------------------------------------- mate
+
+void RedundancyManagerS::meetMate()
+{
+    m_term = termBefore();
+    const std::string text = GetArgumentParser().ReadArgument("mate");
+    if (text == "arg off") {
+        return;
+    }
+    const std::optional<std::uint16_t> node = nodeIn(text);
+    if (!node || *node == (GetSicad() >> 16)) {
+        throw InitFailedException("'--mate=" + text + "' is not the other half's node id", __FILE__, __LINE__);
+    }
+    m_mate.emplace(*node);
+    sendHeartbeat();
+    armHeartbeat();
+}
+
+void RedundancyManagerS::armHeartbeat()
+{
+    if (AaTimerArm(std::chrono::microseconds(mateHeartbeatTime).count(), this) == 0) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No timer: the mate is not looked after any more");
+    }
+}
+
+void RedundancyManagerS::beat()
+{
+    armHeartbeat();
+    sendHeartbeat();
+    if (m_beatsToDecide != 0) {
+        --m_beatsToDecide;
+    }
+    if (m_mate->miss()) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, GetRadId(),
+                       "Mate 0x%04X is silent: %u heartbeats have not come; it was %s", m_mate->node(),
+                       mateHeartbeatsToMiss, nameIn(unitRoleNames, m_mate->role()));
+        m_beatsToDecide = 0;
+    }
+    if (!m_mate->isHeard()) {
+        standInForMate();
+    }
+}
+
+void RedundancyManagerS::standInForMate()
+{
+    if (m_mate->wasActive() && m_role != EUnitRole_Active && mayDecide()) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, GetRadId(), "Taking over from mate 0x%04X", m_mate->node());
+        beginSwitch(EUnitRole_Active, 0, 0);
+    }
+}
+
+void RedundancyManagerS::yieldToMate()
+{
+    if (m_mate->wasActive() && isInTheWrong() && mayDecide()) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, GetRadId(),
+                       "Mate 0x%04X is active in term %u: this half, of term %u, yields", m_mate->node(),
+                       m_mate->term(), m_term);
+        beginSwitch(EUnitRole_Standby, 0, 0);
+    }
+}
+
+/// Beside an active mate a half is to be standby. Of two active ones the one of the later term stays active; in the
+/// same term the one with the lesser node id.
+bool RedundancyManagerS::isInTheWrong()
+{
+    if (m_role != EUnitRole_Active) {
+        return m_role == EUnitRole_Between;
+    }
+    return m_term != m_mate->term() ? m_term < m_mate->term() : GetSicad() >> 16 > m_mate->node();
+}
+
+/// Whether a switch that nobody has asked for can begin; what did not succeed is not tried at every heartbeat.
+bool RedundancyManagerS::mayDecide()
+{
+    if (m_action || m_beatsToDecide != 0) {
+        return false;
+    }
+    m_beatsToDecide = beatsIn(decisionRetryTime);
+    return true;
+}
+
+void RedundancyManagerS::sendHeartbeat()
+{
+    if (!m_mate) {
+        return;
+    }
+    if (m_beatsToSend != 0) {
+        --m_beatsToSend;
+        return;
+    }
+    const std::vector<SRedundancyRegistration> registrations = m_services.registrations();
+    const std::size_t size = registrations.size() * sizeof(SRedundancyRegistration);
+    void* message = AaSysComMsgCreate(MateHeartbeatMsg::ID, static_cast<std::uint16_t>(sizeof(SMateHeartbeat) + size),
+                                      m_mate->manager());
+    if (!message) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory for a heartbeat");
+        return;
+    }
+    const SMateHeartbeat heartbeat{m_role, m_term, static_cast<std::uint32_t>(registrations.size())};
+    auto* const payload = static_cast<char*>(AaSysComMsgGetPayload(message));
+    std::memcpy(payload, &heartbeat, sizeof heartbeat);
+    if (size != 0) {
+        std::memcpy(payload + sizeof heartbeat, registrations.data(), size);
+    }
+    if (AaSysComMsgSendS(&message, GetSicad()) == EAaSysComStatus_NoRoute) {
+        m_beatsToSend = beatsIn(noRouteRetryTime); // each failure is a line in the log
+    }
+}
+
+void RedundancyManagerS::HandleHeartbeat(MateHeartbeatMsg heartbeat)
+{
+    const std::size_t count = heartbeat->serviceCount;
+    const std::size_t size = heartbeat.GetPayloadSize();
+    if (!m_mate || heartbeat.GetSender() != m_mate->manager() || count > maxRedundantServices ||
+        size != sizeof(SMateHeartbeat) + count * sizeof(SRedundancyRegistration)) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Warning, GetRadId(),
+                       "Heartbeat of 0x%08X with %zu services in %zu bytes dropped", heartbeat.GetSender(), count,
+                       size);
+        return;
+    }
+    std::vector<SRedundancyRegistration> services(count);
+    if (count != 0) {
+        std::memcpy(services.data(), heartbeat.GetPayload() + 1, count * sizeof(SRedundancyRegistration));
+    }
+    if (m_mate->hear(*heartbeat.GetPayload(), services)) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Info, GetRadId(), "Mate 0x%04X is there: %s in term %u", m_mate->node(),
+                       nameIn(unitRoleNames, m_mate->role()), m_mate->term());
+        m_beatsToDecide = 0;
+    }
+    yieldToMate();
+}
+
 // ------------------------------------------------------------------------------------------------------------- answers
 
 void RedundancyManagerS::showTo(TAaSysComSicad asker, std::uint32_t transactionId)
 {
-    const std::vector<SRedundantService> services = m_services.list();
+    std::vector<SRedundantService> services = m_services.list();
+    if (m_mate) {
+        std::ranges::copy(m_mate->services() | std::views::values, std::back_inserter(services));
+    }
     RedundancyShowRespMsg answer(asker, sizeWith<SRedundancyShowResp>(services));
     if (!answer.GetPayload()) {
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", asker);
@@ -314,6 +533,9 @@ void RedundancyManagerS::showTo(TAaSysComSicad asker, std::uint32_t transactionI
 
 void RedundancyManagerS::answerSwitch(TAaSysComSicad asker, std::uint32_t transactionId, ERedundancySwitchStatus status)
 {
+    if (asker == 0) {
+        return; // nobody has asked: the switch was the mate's doing
+    }
     std::vector<SRedundantService> failed;
     if (status == ERedundancySwitchStatus_Failed) {
         for (const TAaSysComSicad address : m_action->failed) {

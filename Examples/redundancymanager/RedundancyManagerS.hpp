@@ -4,14 +4,17 @@
 #pragma once
 
 #include "AaTimer.h"
+#include "Mate.hpp"
 #include "RedundancyMessages.hpp"
 #include "Service.hpp"
 #include "ServiceBook.hpp"
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <set>
 #include <span>
+#include <vector>
 
 namespace dorn::examples {
 
@@ -25,6 +28,14 @@ namespace dorn::examples {
 ///    is forgotten.
 ///
 /// One question or switch is under way at a time. A switch that has succeeded sets the tag "sys.unit.state.ne-act".
+///
+/// With "--mate=NODE" the unit is half of a pair, whose managers tell each other every #mateHeartbeatTime that they
+/// live (message MateHeartbeatMsg, from node to node by address):
+///
+/// 4. A question goes to the services of both halves, a switch to those of the own half.
+/// 5. When the mate was active and falls silent, this half makes itself active.
+/// 6. When both are active, as after a cut between them, the one whose time began earlier makes itself standby, and so
+///    does one that is between beside an active mate.
 class RedundancyManagerS : public vel::hwapi::common::Service {
 public:
     RedundancyManagerS();
@@ -34,7 +45,7 @@ private:
     struct Action {
         std::span<const vel::hwapi::common::ERedundancyCommand> commands; ///< those still to be given
         std::optional<EUnitRole> target;                                  ///< nothing: a question
-        TAaSysComSicad asker;
+        TAaSysComSicad asker;                                             ///< 0: nobody waits for an answer
         std::uint32_t transactionId;
         TAaTimerId timer;
         std::set<TAaSysComSicad> pending; ///< services that have not told their state yet
@@ -47,6 +58,7 @@ private:
     };
     using TimeOutMsg = vel::hwapi::common::Msg<STimeOut, AA_TIMER_MSG_TIMEOUT>;
 
+    unsigned int PreStartup() override;
     void Init() override;
     void HandleRegister(HwapiRedundancyRegisterReqMsg request);
     void HandleAcknowledgement(HwapiRedundancyStateRespMsg acknowledgement);
@@ -54,11 +66,24 @@ private:
     void HandleTimeOut(TimeOutMsg timeOut);
     void HandleShow(RedundancyShowReqMsg request);
     void HandleSwitch(RedundancySwitchReqMsg request);
+    void HandleHeartbeat(MateHeartbeatMsg heartbeat);
 
     std::int32_t enter(TAaSysComSicad address, std::uint32_t mode);
     void forget(TAaSysComSicad address);
+    void meetMate();
+    void armHeartbeat();
+    void beat();
+    void sendHeartbeat();
+    void standInForMate();
+    void yieldToMate();
+    bool isInTheWrong();
+    bool mayDecide();
     bool begin(const Action& action);
+    bool beginSwitch(EUnitRole target, TAaSysComSicad asker, std::uint32_t transactionId);
     void giveNextCommand();
+    void giveCommandTo(std::map<std::uint32_t, SRedundantService>& services,
+                       vel::hwapi::common::ERedundancyCommand command, std::vector<TAaSysComSicad>& unreachable);
+    SRedundantService* find(TAaSysComSicad address);
     bool giveCommand(SRedundantService& service, vel::hwapi::common::ERedundancyCommand command);
     void noteState(SRedundantService& service, std::uint32_t state);
     void goOnIfDone();
@@ -72,6 +97,10 @@ private:
     std::optional<Action> m_action;
     std::uint32_t m_commandCount = 0; ///< transaction id of the latest command
     std::uintptr_t m_actionCount = 0; ///< identity of the latest action's time-out
+    std::optional<Mate> m_mate;       ///< nothing: the unit is no half of a pair, or its other half is not known
+    std::uint32_t m_term = 0;
+    std::uint32_t m_beatsToSend = 0;   ///< before the next heartbeat goes out
+    std::uint32_t m_beatsToDecide = 0; ///< before the next switch that nobody has asked for
 };
 
 } // namespace dorn::examples

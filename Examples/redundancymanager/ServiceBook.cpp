@@ -46,12 +46,9 @@ void ServiceBook::load(std::uint32_t feature)
 
 void ServiceBook::save() const
 {
-    std::vector<SRedundancyRegistration> registrations;
-    for (const auto& [address, service] : m_services) {
-        registrations.push_back({address, service.mode});
-    }
-    AaConfigTagSet(registrationsTag, registrations.empty() ? static_cast<const void*>("") : registrations.data(),
-                   static_cast<std::uint32_t>(registrations.size() * sizeof(SRedundancyRegistration)));
+    const std::vector<SRedundancyRegistration> entries = registrations();
+    AaConfigTagSet(registrationsTag, entries.empty() ? static_cast<const void*>("") : entries.data(),
+                   static_cast<std::uint32_t>(entries.size() * sizeof(SRedundancyRegistration)));
 }
 
 ERedundancyRegisterStatus ServiceBook::add(std::uint32_t address, std::uint32_t mode)
@@ -89,6 +86,15 @@ std::vector<SRedundantService> ServiceBook::list() const
         services.push_back(service);
     }
     return services;
+}
+
+std::vector<SRedundancyRegistration> ServiceBook::registrations() const
+{
+    std::vector<SRedundancyRegistration> entries;
+    for (const auto& [address, service] : m_services) {
+        entries.push_back({address, service.mode});
+    }
+    return entries;
 }
 
 } // namespace dorn::examples

@@ -31,6 +31,8 @@ public:
 
     /// Copies of all, by address.
     std::vector<SRedundantService> list() const;
+    /// Who is registered for what, by address.
+    std::vector<SRedundancyRegistration> registrations() const;
 
 private:
     void save() const;
