@@ -49,6 +49,11 @@ PartnerProcess::PartnerProcess(const std::string& kind, const std::string& addre
     }
 }
 
+void PartnerProcess::signal(int number) const
+{
+    kill(m_process, number);
+}
+
 PartnerProcess::~PartnerProcess()
 {
     while (waitpid(m_process, nullptr, 0) < 0 && errno == EINTR) {

@@ -32,6 +32,7 @@ public:
     PartnerProcess(const std::string& kind, const std::string& address, std::size_t size);
     /// Waits until it has ended.
     ~PartnerProcess();
+    void signal(int number) const;
     PartnerProcess(const PartnerProcess&) = delete;
     PartnerProcess& operator=(const PartnerProcess&) = delete;
 
