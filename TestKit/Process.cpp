@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "Process.hpp"
 
-#include <algorithm>
+#include "process/ChildStart.hpp"
+
 #include <cerrno>
 #include <fcntl.h>
-#include <iterator>
 #include <poll.h>
 #include <stdexcept>
 #include <sys/eventfd.h>
-#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
@@ -42,58 +41,13 @@ struct Process::Pipe {
     std::array<int, 2> ends{-1, -1}; ///< to read, to write
 };
 
-namespace {
-
-/// In the child, between fork and exec: system calls only, as other threads may have held any lock.
-[[noreturn]] void becomeProgram(const char* program, char* const* argv, int output, int error, int failure,
-                                pid_t parent)
-{
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) {
-        _exit(127);
-    }
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-    const int input = open("/dev/null", O_RDONLY);
-    if (dup2(input, STDIN_FILENO) >= 0 && dup2(output, STDOUT_FILENO) >= 0 && dup2(error, STDERR_FILENO) >= 0) {
-        execv(program, argv);
-    }
-    const int reason = errno;
-    [[maybe_unused]] const ssize_t written = write(failure, &reason, sizeof reason);
-    _exit(127);
-}
-
-} // namespace
-
 Process::Process(const std::string& program, const std::vector<std::string>& arguments)
 {
-    std::vector<std::string> commandLine{program};
-    commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
-    std::vector<char*> argv;
-    std::transform(commandLine.begin(), commandLine.end(), std::back_inserter(argv),
-                   [](auto& text) { return text.data(); });
-    argv.push_back(nullptr);
-
     Pipe output;
     Pipe error;
-    Pipe failure;
-    const pid_t parent = getpid();
-    m_pid = fork();
-    if (m_pid == 0) {
-        becomeProgram(program.c_str(), argv.data(), output.ends[1], error.ends[1], failure.ends[1], parent);
-    }
-    if (m_pid < 0) {
-        throw std::system_error(errno, std::generic_category(), "fork");
-    }
+    m_pid = host::startChild({program, arguments, host::ownEnvironment(), output.ends[1], error.ends[1]});
     output.closeEnd(1);
     error.closeEnd(1);
-    failure.closeEnd(1);
-    int reason = 0;
-    if (read(failure.ends[0], &reason, sizeof reason) == static_cast<ssize_t>(sizeof reason)) {
-        waitpid(m_pid, nullptr, 0);
-        throw std::system_error(reason, std::generic_category(), program);
-    }
     m_readerStop = eventfd(0, EFD_CLOEXEC);
     m_reader = std::thread([this, out = output.release(0), err = error.release(0)] { readOutput(out, err); });
     m_reaper = std::thread([this] { awaitEnd(); });
