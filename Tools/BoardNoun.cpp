@@ -11,6 +11,7 @@ void addBoardNoun(Program& program)
 {
     CLI::App& noun = program.addNoun("board", "The hardware of the board, and what happens to it");
     addBoardShow(program, noun);
+    addBoardRun(program, noun);
     addBoardFault(program, noun);
     addBoardReset(program, noun);
     addBoardRio(program, noun);

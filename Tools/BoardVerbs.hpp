@@ -14,6 +14,7 @@ class Program;
 
 void addBoardShow(Program& program, CLI::App& noun);
 void addBoardFault(Program& program, CLI::App& noun);
+void addBoardRun(Program& program, CLI::App& noun);
 void addBoardReset(Program& program, CLI::App& noun);
 void addBoardRio(Program& program, CLI::App& noun);
 void addBoardSfp(Program& program, CLI::App& noun);

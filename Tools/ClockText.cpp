@@ -25,16 +25,6 @@ std::string decimal(double value, int digits, const char* unit)
     return text.data();
 }
 
-std::string pllText(const SClockShowResp& clock)
-{
-    return orNumber(nameIn(swPllStateNames, clock.pllState), clock.pllState);
-}
-
-std::string timerText(const SClockShowResp& clock)
-{
-    return orNumber(nameIn(timerSyncStateNames, clock.timerState), clock.timerState);
-}
-
 std::string phaseLockText(const SClockShowResp& clock)
 {
     return orNumber(phaseLockStatusName(clock.phaseLockStatus), clock.phaseLockStatus);
@@ -62,13 +52,23 @@ Cell goodOrBad(bool isGood, const std::string& text)
 
 } // namespace
 
+std::string clockPllText(const SClockShowResp& clock)
+{
+    return orNumber(nameIn(swPllStateNames, clock.pllState), clock.pllState);
+}
+
+std::string clockTimerText(const SClockShowResp& clock)
+{
+    return orNumber(nameIn(timerSyncStateNames, clock.timerState), clock.timerState);
+}
+
 std::string clockTable(const SClockShowResp& clock, const Console& console)
 {
-    const bool isTracking = pllText(clock).starts_with("track");
+    const bool isTracking = clockPllText(clock).starts_with("track");
     Table table({"CLOCK", "VALUE"});
     table.add({"reference", goodOrBad(clock.hasReference != 0, clock.hasReference != 0 ? "present" : "lost")});
-    table.add({"PLL", goodOrBad(isTracking, pllText(clock))});
-    table.add({"system timer", goodOrBad(timerText(clock) == "in-sync", timerText(clock))});
+    table.add({"PLL", goodOrBad(isTracking, clockPllText(clock))});
+    table.add({"system timer", goodOrBad(clockTimerText(clock) == "in-sync", clockTimerText(clock))});
     table.add({"phase lock", goodOrBad(phaseLockText(clock) == "ok", phaseLockText(clock))});
     table.add({"phase error", decimal(clock.phaseError, 1, "ns at the PLL's latest change")});
     table.add({"time error", decimal(clock.timeError, 1, "ns")});
@@ -85,8 +85,8 @@ std::string clockTable(const SClockShowResp& clock, const Console& console)
 Json clockJson(const SClockShowResp& clock)
 {
     return {{"reference", clock.hasReference != 0},
-            {"pll", pllText(clock)},
-            {"timer", timerText(clock)},
+            {"pll", clockPllText(clock)},
+            {"timer", clockTimerText(clock)},
             {"phaseLock", phaseLockText(clock)},
             {"phaseError", clock.phaseError},
             {"timeError", clock.timeError},

@@ -11,6 +11,11 @@
 
 namespace dorn::tool {
 
+/// The state of the PLL: "track-max".
+std::string clockPllText(const examples::SClockShowResp& clock);
+/// The state of the system timer: "in-sync".
+std::string clockTimerText(const examples::SClockShowResp& clock);
+
 std::string clockTable(const examples::SClockShowResp& clock, const Console& console);
 Json clockJson(const examples::SClockShowResp& clock);
 

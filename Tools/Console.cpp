@@ -5,29 +5,6 @@
 #include <cstring>
 
 namespace dorn::tool {
-namespace {
-
-constexpr const char* sequenceOf(Colour colour)
-{
-    switch (colour) {
-    case Colour::Red:
-        return "\033[31m";
-    case Colour::Green:
-        return "\033[32m";
-    case Colour::Yellow:
-        return "\033[33m";
-    case Colour::Faint:
-        return "\033[2m";
-    case Colour::None:
-        break;
-    }
-    return "";
-}
-
-constexpr const char* plain = "\033[0m";
-
-} // namespace
-
 bool isColourWanted(bool isTerminal, const char* noColour, const char* terminal)
 {
     const bool isRefused = noColour && *noColour;
@@ -93,7 +70,7 @@ std::string Console::paint(Colour colour, std::string_view text) const
     if (!m_isColoured || colour == Colour::None || text.empty()) {
         return std::string(text);
     }
-    return std::string(sequenceOf(colour)).append(text).append(plain);
+    return std::string(sequenceOf(colour)).append(text).append(plainSequence);
 }
 
 } // namespace dorn::tool

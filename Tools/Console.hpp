@@ -11,6 +11,27 @@ namespace dorn::tool {
 
 enum class Colour { None, Red, Green, Yellow, Faint };
 
+/// What has a terminal write in a colour from here on; nothing for none.
+constexpr const char* sequenceOf(Colour colour)
+{
+    switch (colour) {
+    case Colour::Red:
+        return "\033[31m";
+    case Colour::Green:
+        return "\033[32m";
+    case Colour::Yellow:
+        return "\033[33m";
+    case Colour::Faint:
+        return "\033[2m";
+    case Colour::None:
+        break;
+    }
+    return "";
+}
+
+/// What has a terminal write without colour again.
+constexpr const char* plainSequence = "\033[0m";
+
 /// Whether to use colour: on a terminal that can show it, unless the user does not want any.
 /// @param isTerminal whether the answer goes to a terminal
 /// @param noColour value of `NO_COLOR`, null when it is not set

@@ -18,26 +18,10 @@ std::string orNumber(const char* name, std::uint32_t number)
     return *name != '\0' ? name : std::to_string(number);
 }
 
-std::string nameOf(const SLink& link)
-{
-    return printable({link.name.begin(), std::find(link.name.begin(), link.name.end(), '\0')});
-}
-
-std::string rxText(const SLink& link)
-{
-    return orNumber(linkRxStateName(link.standard, link.rxState), link.rxState);
-}
-
 /// "-" where the standard has no such states.
 std::string txText(const SLink& link)
 {
     return link.standard == ELinkStandard_Cpri ? "-" : orNumber(nameIn(obsaiTxStateNames, link.txState), link.txState);
-}
-
-bool isUp(const SLink& link)
-{
-    return link.rxState + 1 ==
-           (link.standard == ELinkStandard_Cpri ? cpriRxStateNames.size() : obsaiRxStateNames.size());
 }
 
 /// The names of the bits that are set.
@@ -64,18 +48,39 @@ std::string listText(const std::vector<std::string>& names)
 
 } // namespace
 
+std::string linkName(const SLink& link)
+{
+    return printable({link.name.begin(), std::find(link.name.begin(), link.name.end(), '\0')});
+}
+
+std::string linkRxText(const SLink& link)
+{
+    return orNumber(linkRxStateName(link.standard, link.rxState), link.rxState);
+}
+
+bool isLinkUp(const SLink& link)
+{
+    return link.rxState + 1 ==
+           (link.standard == ELinkStandard_Cpri ? cpriRxStateNames.size() : obsaiRxStateNames.size());
+}
+
+std::string linkConditionsText(const SLink& link)
+{
+    return listText(namesOf(linkConditionNames, link.conditions));
+}
+
 std::string linkTable(const std::vector<SLink>& links, const Console& console)
 {
     Table table({"LINK", "ID", "RX", "TX", "DELAY", "EVENTS", "BROKEN", "CONDITIONS"});
     for (const SLink& link : links) {
-        table.add({nameOf(link),
+        table.add({linkName(link),
                    std::to_string(link.uniqueId),
-                   {rxText(link), isUp(link) ? Colour::Green : Colour::Red},
+                   {linkRxText(link), isLinkUp(link) ? Colour::Green : Colour::Red},
                    txText(link),
                    std::to_string(link.delay),
                    std::to_string(link.eventCount),
                    listText(namesOf(linkPartNames, link.brokenParts)),
-                   listText(namesOf(linkConditionNames, link.conditions))});
+                   linkConditionsText(link)});
     }
     return table.text(console);
 }
@@ -84,10 +89,10 @@ Json linksJson(const std::vector<SLink>& links)
 {
     Json list = Json::array();
     for (const SLink& link : links) {
-        list.push_back({{"name", nameOf(link)},
+        list.push_back({{"name", linkName(link)},
                         {"standard", orNumber(nameIn(linkStandardNames, link.standard), link.standard)},
                         {"id", link.uniqueId},
-                        {"rx", rxText(link)},
+                        {"rx", linkRxText(link)},
                         {"tx", link.standard == ELinkStandard_Cpri ? Json(nullptr) : Json(txText(link))},
                         {"delay", link.delay},
                         {"events", link.eventCount},
@@ -101,7 +106,7 @@ std::string linkNames(const std::vector<SLink>& links)
 {
     std::string text;
     for (const SLink& link : links) {
-        text += nameOf(link) + "\n";
+        text += linkName(link) + "\n";
     }
     return text;
 }

@@ -12,6 +12,15 @@
 
 namespace dorn::tool {
 
+/// "cpri0"
+std::string linkName(const examples::SLink& link);
+/// What the link receives: "HFNSYNC".
+std::string linkRxText(const examples::SLink& link);
+/// Whether that is all that it can be.
+bool isLinkUp(const examples::SLink& link);
+/// "LOS, LOF"; "-" for none.
+std::string linkConditionsText(const examples::SLink& link);
+
 std::string linkTable(const std::vector<examples::SLink>& links, const Console& console);
 Json linksJson(const std::vector<examples::SLink>& links);
 /// The names of the links, one a line.

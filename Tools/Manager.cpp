@@ -3,6 +3,7 @@
 
 #include "TimeLimit.hpp"
 
+#include <atomic>
 #include <unistd.h>
 
 namespace dorn::tool {
@@ -45,7 +46,7 @@ std::string onNode(const std::string& text)
 
 std::uint32_t newTransactionId()
 {
-    static std::uint32_t last = static_cast<std::uint32_t>(getpid()) << 8U;
+    static std::atomic<std::uint32_t> last{static_cast<std::uint32_t>(getpid()) << 8U};
     return ++last;
 }
 

@@ -77,7 +77,7 @@ Answer<RecordOf<Response>> ask(const Manager& manager, const RecordOf<Request>& 
                                                  Response::ID, sizeof(RecordOf<Response>)));
 }
 
-/// A number for a request of this process.
+/// A number for a request of this process. May be called from any thread.
 std::uint32_t newTransactionId();
 
 } // namespace dorn::tool

@@ -11,13 +11,13 @@ using namespace examples;
 
 constexpr std::uint32_t noLink = 0xFF;
 
-std::string moduleText(const SSfpCage& cage)
+} // namespace
+
+std::string sfpModuleText(const SSfpCage& cage)
 {
     const std::string name = nameIn(sfpModuleNames, cage.module);
     return name.empty() ? std::to_string(cage.module) : name;
 }
-
-} // namespace
 
 std::string sfpTable(const std::vector<SSfpCage>& cages, const Console& console)
 {
@@ -26,7 +26,7 @@ std::string sfpTable(const std::vector<SSfpCage>& cages, const Console& console)
         const Colour colour = cage.module == ESfpModule_Ready ? Colour::Green : Colour::None;
         table.add({std::to_string(cage.cage),
                    cage.physicalLinkId == noLink ? "-" : std::to_string(cage.physicalLinkId),
-                   {moduleText(cage), colour},
+                   {sfpModuleText(cage), colour},
                    cage.isDetected != 0 ? "yes" : "no",
                    std::to_string(cage.eventCount)});
     }
@@ -39,7 +39,7 @@ Json sfpJson(const std::vector<SSfpCage>& cages)
     for (const SSfpCage& cage : cages) {
         list.push_back({{"cage", cage.cage},
                         {"link", cage.physicalLinkId == noLink ? Json(nullptr) : Json(cage.physicalLinkId)},
-                        {"module", moduleText(cage)},
+                        {"module", sfpModuleText(cage)},
                         {"detected", cage.isDetected != 0},
                         {"events", cage.eventCount}});
     }

@@ -12,6 +12,9 @@
 
 namespace dorn::tool {
 
+/// What is in a cage: "ready".
+std::string sfpModuleText(const examples::SSfpCage& cage);
+
 std::string sfpTable(const std::vector<examples::SSfpCage>& cages, const Console& console);
 Json sfpJson(const std::vector<examples::SSfpCage>& cages);
 /// The numbers of the cages, one a line.

@@ -67,12 +67,4 @@ std::string Board::description()
     return (programs().parent_path() / "boards" / "tarn-single.dtb").string();
 }
 
-std::filesystem::path Board::makeRoot()
-{
-    using std::filesystem::copy_options;
-    const std::filesystem::path root = programs().parent_path() / "board";
-    std::filesystem::copy(files(), root, copy_options::recursive | copy_options::overwrite_existing);
-    return root;
-}
-
 } // namespace dorn::demonstration

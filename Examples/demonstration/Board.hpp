@@ -38,9 +38,6 @@ public:
     static std::filesystem::path files();
     /// The device tree of the board: the Tarn board that works alone.
     static std::string description();
-    /// Makes a board root beside this program's directory, with the board's files as they are in the source tree and
-    /// whatever services have left there. @throws std::filesystem::filesystem_error
-    static std::filesystem::path makeRoot();
 
 private:
     std::map<std::string, std::unique_ptr<testkit::Process>> m_services;

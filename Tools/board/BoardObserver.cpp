@@ -1,0 +1,367 @@
+// SPDX-License-Identifier: MIT
+#include "board/BoardObserver.hpp"
+
+#include "AaConfigTag.h"
+#include "AaPro.h"
+#include "Manager.hpp"
+#include "RedundancyMessages.hpp"
+#include "fault/FaultStore.hpp"
+#include "log/LogReader.hpp"
+#include "node/PerNode.hpp"
+#include "node/SignalsBlocked.hpp"
+#include "syscom/MessageTap.hpp"
+
+#include "ddal_error.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstring>
+#include <mutex>
+#include <span>
+#include <utility>
+
+namespace dorn::tool {
+namespace {
+
+using namespace examples;
+
+constexpr auto askPeriod = std::chrono::milliseconds(500);
+constexpr auto lookPeriod = std::chrono::milliseconds(100);
+constexpr auto patience = std::chrono::milliseconds(1200);
+constexpr auto longestPause = std::chrono::seconds(30);
+constexpr auto endPatience = std::chrono::seconds(1);
+constexpr std::size_t keptLines = 200;
+
+template <class Item>
+void keep(std::deque<Item>& lines, Item line)
+{
+    lines.push_back(std::move(line));
+    if (lines.size() > keptLines) {
+        lines.pop_front();
+    }
+}
+
+/// A question whose payload is its transaction id, put to a service again and again. One that does not answer is asked
+/// less and less often, so that its queue does not fill.
+class Question {
+public:
+    Question(TAaSysComCpid cpid, TAaSysComMsgId question, TAaSysComMsgId answer)
+        : m_manager{cpid, "", ""}, m_question(question), m_answer(answer)
+    {
+    }
+
+    void askWhenDue(host::Nanoseconds now)
+    {
+        if (m_isOpen && now - m_askedAt >= patience) {
+            m_state = Answering::No;
+        }
+        if (now < m_nextAt) {
+            return;
+        }
+        m_transaction = newTransactionId();
+        const std::int32_t status = sendToManager(m_manager, m_question, std::as_bytes(std::span(&m_transaction, 1)));
+        const bool wasOpen = std::exchange(m_isOpen, status == EAaSysComStatus_Ok);
+        if (status == EAaSysComStatus_NoReceiver) {
+            m_state = Answering::Gone;
+        }
+        if (!wasOpen || !m_isOpen) {
+            m_askedAt = now;
+            m_pause = askPeriod;
+        } else {
+            m_pause = std::min<host::Nanoseconds>(m_pause * 2, longestPause);
+        }
+        m_nextAt = now + m_pause;
+    }
+
+    /// Whether a message is the answer.
+    bool takes(void* message)
+    {
+        std::uint32_t transaction = 0;
+        const BytesView payload = payloadOf(message);
+        if (AaSysComMsgGetId(message) != m_answer || payload.size() < sizeof transaction) {
+            return false;
+        }
+        std::memcpy(&transaction, payload.data(), sizeof transaction);
+        if (transaction != m_transaction) {
+            return false;
+        }
+        m_isOpen = false;
+        m_state = Answering::Yes;
+        m_nextAt = std::min(m_nextAt, host::Clock::get().monotonic() + askPeriod);
+        return true;
+    }
+
+    Answering state() const { return m_state; }
+
+private:
+    Manager m_manager;
+    TAaSysComMsgId m_question;
+    TAaSysComMsgId m_answer;
+    Answering m_state = Answering::Unknown;
+    bool m_isOpen = false; ///< asked, and not answered
+    std::uint32_t m_transaction = 0;
+    host::Nanoseconds m_askedAt{}; ///< when the question that is open was put first
+    host::Nanoseconds m_nextAt{};
+    host::Nanoseconds m_pause = askPeriod;
+};
+
+/// The records behind the head of an answer, as many as are there of those announced.
+template <class Item, class Head>
+std::vector<Item> itemsOf(BytesView payload, std::uint32_t Head::*count)
+{
+    Head head{};
+    if (payload.size() < sizeof head) {
+        return {};
+    }
+    std::memcpy(&head, payload.data(), sizeof head);
+    const BytesView tail = payload.subspan(sizeof head);
+    std::vector<Item> items(std::min<std::size_t>(head.*count, tail.size() / sizeof(Item)));
+    if (!items.empty()) {
+        std::memcpy(items.data(), tail.data(), items.size() * sizeof(Item));
+    }
+    return items;
+}
+
+/// The line without the date.
+std::string withoutDate(const std::string& line)
+{
+    constexpr std::size_t dateLength = sizeof("2026-11-21T") - 1;
+    constexpr std::size_t timeLength = sizeof("09:18:01.123") - 1;
+    const std::size_t blank = std::min(line.find(' '), line.size());
+    return line.size() < dateLength ? line : line.substr(dateLength, timeLength) + line.substr(blank);
+}
+
+/// An action that has been asked for.
+struct OpenAction {
+    BoardAction action;
+    host::Deadline until;
+};
+
+} // namespace
+
+/// What the thread and the others have in common.
+struct BoardObserver::Shared {
+    std::mutex mutex;
+    BoardPicture picture;
+    std::vector<BoardAction> actions; ///< to be done
+    std::vector<SupervisorEvent> news;
+    std::atomic<std::uint32_t> eu{0}; ///< the thread's; 0 until it has one
+    std::atomic<bool> isToEnd{false};
+    std::atomic<std::uint32_t> hasEnded{0};
+};
+
+class BoardObserver::Watcher {
+public:
+    explicit Watcher(Shared& shared) : m_shared(shared), m_names(m_book.names()) {}
+
+    void run()
+    {
+        m_shared.eu.store(AaProEuCurrent());
+        const CommunicationPoint point;
+        m_own = point.cpid();
+        host::MessageTap& tap = host::PerNode<host::MessageTap>::get();
+        const bool isWatching = tap.addWatcher(m_own);
+        if (!isWatching) {
+            keep(m_picture.messages, std::string("the messages are watched too often already; end a 'dorn msg watch'"));
+        }
+        while (!m_shared.isToEnd.load()) {
+            const host::Nanoseconds now = host::Clock::get().monotonic();
+            if (now >= m_nextLook) {
+                m_nextLook = now + lookPeriod;
+                look(now);
+            }
+            if (const MessageHandle message = receive(m_nextLook)) {
+                take(message.get());
+            }
+        }
+        if (isWatching) {
+            tap.removeWatcher(m_own);
+        }
+    }
+
+private:
+    void look(host::Nanoseconds now)
+    {
+        for (Question* const question : {&m_links, &m_cages, &m_clock, &m_alarms}) {
+            question->askWhenDue(now);
+        }
+        startActions(now);
+        giveActionsUp(now);
+        for (host::LogLine& line : m_log.next(now)) {
+            keep(m_picture.log, std::move(line));
+        }
+        std::uint32_t isActive = 0;
+        const bool isKnown = AaConfigTagGetU32(activeUnitTag, &isActive) == 0;
+        m_picture.isActiveUnit = isKnown ? std::optional(isActive != 0) : std::nullopt;
+        publish();
+    }
+
+    void publish()
+    {
+        m_picture.links.state = m_links.state();
+        m_picture.cages.state = m_cages.state();
+        m_picture.clock.state = m_clock.state();
+        m_picture.alarms.state = m_alarms.state();
+        const std::lock_guard lock(m_shared.mutex);
+        m_shared.picture = m_picture;
+    }
+
+    void take(void* message)
+    {
+        const BytesView payload = payloadOf(message);
+        if (AaSysComMsgGetId(message) == host::MessageTap::recordId) {
+            takeSeen(payload);
+        } else if (m_links.takes(message)) {
+            m_picture.links.value = itemsOf<SLink>(payload, &SLinkShowResp::linkCount);
+        } else if (m_cages.takes(message)) {
+            m_picture.cages.value = itemsOf<SSfpCage>(payload, &SSfpShowResp::cageCount);
+        } else if (m_clock.takes(message)) {
+            SClockShowResp& clock = m_picture.clock.value;
+            std::memcpy(&clock, payload.data(), std::min(sizeof clock, payload.size()));
+        } else if (m_alarms.takes(message)) {
+            m_picture.alarms.value = itemsOf<SAlarm>(payload, &SAlarmListResp::activeCount);
+        } else {
+            takeAnswer(message);
+        }
+    }
+
+    void takeSeen(BytesView record)
+    {
+        const std::optional<SeenMessage> seen = readTapRecord(record);
+        const auto isOwn = [this](TAaSysComSicad address) { return (address & 0xFFFFU) == m_own; };
+        if (seen && !isOwn(seen->sender) && !isOwn(seen->receiver)) {
+            keep(m_picture.messages, withoutDate(messageText(*seen, m_names, false)));
+        }
+    }
+
+    void startActions(host::Nanoseconds now)
+    {
+        std::vector<BoardAction> actions;
+        {
+            const std::lock_guard lock(m_shared.mutex);
+            actions = std::exchange(m_shared.actions, {});
+        }
+        for (BoardAction& action : actions) {
+            if (action.fault) {
+                host::PerNode<board::FaultStore>::get().set(*action.fault, DDAL_ERROR_TIMEOUT, 1);
+                tell(action, "done", News::Good);
+                continue;
+            }
+            const std::int32_t status = sendToManager({action.cpid, "", ""}, action.request, action.payload);
+            if (status != EAaSysComStatus_Ok) {
+                tell(action, "the service for it does not run", News::Bad);
+            } else {
+                m_actions.push_back({std::move(action), now + patience});
+            }
+        }
+    }
+
+    void takeAnswer(void* message)
+    {
+        struct {
+            std::uint32_t transaction;
+            std::uint32_t status;
+        } head{};
+        const BytesView payload = payloadOf(message);
+        if (payload.size() < sizeof head) {
+            return;
+        }
+        std::memcpy(&head, payload.data(), sizeof head);
+        const TAaSysComMsgId id = AaSysComMsgGetId(message);
+        const auto found = std::find_if(m_actions.begin(), m_actions.end(), [&](const OpenAction& open) {
+            return open.action.answer == id && open.action.transaction() == head.transaction;
+        });
+        if (found != m_actions.end()) {
+            const bool isDone = head.status == 0;
+            tell(found->action, isDone ? "done" : "refused, status " + std::to_string(head.status),
+                 isDone ? News::Good : News::Bad);
+            m_actions.erase(found);
+        }
+    }
+
+    void giveActionsUp(host::Nanoseconds now)
+    {
+        std::erase_if(m_actions, [this, now](const OpenAction& open) {
+            const bool isLate = now >= open.until;
+            if (isLate && !open.action.isSilenceExpected) {
+                tell(open.action, "the service does not answer", News::Bad);
+            }
+            return isLate;
+        });
+    }
+
+    void tell(const BoardAction& action, const std::string& what, News news)
+    {
+        const std::lock_guard lock(m_shared.mutex);
+        m_shared.news.push_back({host::Clock::get().wall(), "", action.label + ": " + what, news});
+    }
+
+    Shared& m_shared;
+    BoardPicture m_picture;
+    host::LogReader m_log;
+    NameBook m_book{NodePlace()};
+    Names m_names;
+    Question m_links{linkServiceCpid, LinkShowReqMsg::ID, LinkShowRespMsg::ID};
+    Question m_cages{sfpServiceCpid, SfpShowReqMsg::ID, SfpShowRespMsg::ID};
+    Question m_clock{clockServiceCpid, ClockShowReqMsg::ID, ClockShowRespMsg::ID};
+    Question m_alarms{faultManagerCpid, AlarmListReqMsg::ID, AlarmListRespMsg::ID};
+    std::vector<OpenAction> m_actions; ///< not answered yet
+    TAaSysComCpid m_own = 0;
+    host::Nanoseconds m_nextLook{};
+};
+
+BoardObserver::BoardObserver() : m_shared(std::make_shared<Shared>())
+{
+    host::PerNode<host::EeTable>::get(); // before the thread: what is wrong with the node is said here
+    host::PerNode<host::MessageTap>::get();
+    AaConfigEarlyStartup();
+    const host::SignalsBlocked untilStarted;
+    m_thread = std::thread([shared = m_shared] {
+        try {
+            Watcher(*shared).run();
+        } catch (const std::exception& error) {
+            const std::lock_guard lock(shared->mutex);
+            shared->news.push_back({host::Clock::get().wall(), "",
+                                    std::string("the board cannot be looked at: ") + error.what(), News::Bad});
+        }
+        shared->hasEnded.store(1);
+        host::wakeWaiters(shared->hasEnded, 1, false);
+    });
+}
+
+BoardObserver::~BoardObserver()
+{
+    m_shared->isToEnd.store(true);
+    AaSysComEuWakeUp(static_cast<TAaProEuId>(m_shared->eu.load()));
+    host::Clock& clock = host::Clock::get();
+    const host::Deadline until = clock.monotonic() + endPatience;
+    while (m_shared->hasEnded.load() == 0 && clock.monotonic() < until) {
+        clock.waitWhile(m_shared->hasEnded, 0, until, false);
+    }
+    if (m_shared->hasEnded.load() != 0) {
+        m_thread.join();
+    } else {
+        m_thread.detach();
+    }
+}
+
+BoardPicture BoardObserver::picture() const
+{
+    const std::lock_guard lock(m_shared->mutex);
+    return m_shared->picture;
+}
+
+void BoardObserver::act(BoardAction action)
+{
+    const std::lock_guard lock(m_shared->mutex);
+    m_shared->actions.push_back(std::move(action));
+}
+
+std::vector<SupervisorEvent> BoardObserver::takeNews()
+{
+    const std::lock_guard lock(m_shared->mutex);
+    return std::exchange(m_shared->news, {});
+}
+
+} // namespace dorn::tool

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+/// @file BoardPlace.hpp
+/// Where a board is run.
+#pragma once
+
+#include "board/BoardDescription.hpp"
+
+namespace dorn::tool {
+
+/// Points the environment of this process, and so of its children, at the device tree and the board root of a
+/// description, as far as it does not say where they are already, and sets the description's variables, as far as it
+/// does not have them; then puts the description's files on the board. Before anything of the node is opened, and
+/// before there is a second thread.
+/// @throws Failure when files cannot be put there.
+void settleBoard(const BoardDescription& board);
+
+} // namespace dorn::tool

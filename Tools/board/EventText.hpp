@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+/// @file EventText.hpp
+/// What happens on a board that is run, and how it is told.
+#pragma once
+
+#include "port/Clock.hpp"
+
+#include <functional>
+#include <string>
+
+namespace dorn::tool {
+
+/// How good a piece of news is.
+enum class News {
+    Plain,
+    Good,
+    Bad,
+    Said ///< no more than what a service prints
+};
+
+struct SupervisorEvent {
+    host::Nanoseconds wall; ///< when it happened
+    std::string service;    ///< empty for the whole board
+    std::string text;
+    News news;
+};
+
+using EventSink = std::function<void(const SupervisorEvent&)>;
+
+/// "2026-11-21T09:18:01.123456Z LedS: runs"
+std::string eventLine(const SupervisorEvent& event);
+
+/// "ended with status 1", "killed by signal 9 (Killed)"
+std::string endText(int status);
+
+/// "200 ms", "5 s", "1.5 s": as short as it can be said.
+std::string delayText(host::Nanoseconds delay);
+
+/// "0s", "59s", "3m", "2h", "4d": how long something has lasted, in three characters as far as that goes.
+std::string ageText(host::Nanoseconds age);
+
+} // namespace dorn::tool
