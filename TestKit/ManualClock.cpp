@@ -4,6 +4,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <condition_variable>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <span>
 #include <sys/eventfd.h>
 #include <system_error>
 #include <unistd.h>
@@ -40,8 +45,43 @@ private:
 
 } // namespace
 
+/// The clock that the process sees. It is kept when the test's is gone: a thread may have been about to look at it, and
+/// then finds that every deadline has passed.
+class ManualClock::Hands final : public host::Clock {
+public:
+    static Hands& start(Nanoseconds wall);
+    /// Lets sleepers go; the clock before is in use again.
+    void stop();
+
+    void advance(Nanoseconds by);
+    void setWall(Nanoseconds wall);
+    bool waitForSleepers(std::size_t count, Bound bound);
+    std::optional<Deadline> nextDeadline() const;
+
+    Nanoseconds monotonic() const override;
+    Nanoseconds wall() const override;
+    void waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expected, Deadline until, bool shared) override;
+    int waitDescriptors(std::span<pollfd> entries, Deadline until) override;
+
+private:
+    struct Sleeper;
+    class Registration;
+
+    explicit Hands(Nanoseconds wall) : m_wall(wall) {}
+    void wakeExpired(std::unique_lock<std::mutex>& lock);
+    void sleepOn(std::span<const pollfd> entries, Deadline until);
+
+    host::Clock& m_real{host::Clock::get()};
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed; ///< a sleeper has come or gone
+    std::list<Sleeper> m_sleepers;
+    Nanoseconds m_monotonic = firstMonotonic;
+    Nanoseconds m_wall;
+    std::optional<host::ClockScope> m_scope{std::in_place, *this};
+};
+
 /// A thread that waits for a deadline: on a futex word, or in `poll` on some descriptor and its bell.
-struct ManualClock::Sleeper {
+struct ManualClock::Hands::Sleeper {
     Deadline until;
     std::atomic<std::uint32_t>* word = nullptr;
     bool isShared = false;
@@ -58,9 +98,9 @@ struct ManualClock::Sleeper {
 };
 
 /// Has the clock know a sleeper whose deadline lies ahead, while this object lives; also when its thread is cancelled.
-class ManualClock::Registration {
+class ManualClock::Hands::Registration {
 public:
-    Registration(ManualClock& clock, const Sleeper& sleeper) : m_clock(clock)
+    Registration(Hands& clock, const Sleeper& sleeper) : m_clock(clock)
     {
         const std::lock_guard lock(m_clock.m_mutex);
         if (sleeper.until > m_clock.m_monotonic) {
@@ -82,20 +122,27 @@ public:
     bool isAhead() const { return m_place.has_value(); }
 
 private:
-    ManualClock& m_clock;
+    Hands& m_clock;
     std::optional<std::list<Sleeper>::iterator> m_place;
 };
 
-ManualClock::ManualClock(Nanoseconds wall) : m_monotonic(firstMonotonic), m_wall(wall) {}
+ManualClock::Hands& ManualClock::Hands::start(Nanoseconds wall)
+{
+    static std::mutex mutex;
+    static auto& all = *new std::list<std::unique_ptr<Hands>>; // used by threads that outlive static objects
+    const std::lock_guard lock(mutex);
+    return *all.emplace_back(new Hands(wall));
+}
 
-ManualClock::~ManualClock()
+void ManualClock::Hands::stop()
 {
     std::unique_lock lock(m_mutex);
     m_monotonic = noDeadline;
     wakeExpired(lock);
+    m_scope.reset();
 }
 
-void ManualClock::advance(Nanoseconds by)
+void ManualClock::Hands::advance(Nanoseconds by)
 {
     std::unique_lock lock(m_mutex);
     m_monotonic += by;
@@ -103,7 +150,7 @@ void ManualClock::advance(Nanoseconds by)
     wakeExpired(lock);
 }
 
-void ManualClock::wakeExpired(std::unique_lock<std::mutex>& lock)
+void ManualClock::Hands::wakeExpired(std::unique_lock<std::mutex>& lock)
 {
     // A thread that has looked at the clock but does not sleep on its word yet misses a wake-up, hence the repetition.
     constexpr std::chrono::milliseconds retry(1);
@@ -118,19 +165,19 @@ void ManualClock::wakeExpired(std::unique_lock<std::mutex>& lock)
     }
 }
 
-void ManualClock::setWall(Nanoseconds wall)
+void ManualClock::Hands::setWall(Nanoseconds wall)
 {
     const std::lock_guard lock(m_mutex);
     m_wall = wall;
 }
 
-bool ManualClock::waitForSleepers(std::size_t count, Bound bound)
+bool ManualClock::Hands::waitForSleepers(std::size_t count, Bound bound)
 {
     std::unique_lock lock(m_mutex);
     return m_changed.wait_for(lock, bound, [&] { return m_sleepers.size() >= count; });
 }
 
-std::optional<Deadline> ManualClock::nextDeadline() const
+std::optional<Deadline> ManualClock::Hands::nextDeadline() const
 {
     const std::lock_guard lock(m_mutex);
     const auto first = std::min_element(m_sleepers.begin(), m_sleepers.end(),
@@ -138,19 +185,20 @@ std::optional<Deadline> ManualClock::nextDeadline() const
     return first == m_sleepers.end() ? std::nullopt : std::optional(first->until);
 }
 
-Nanoseconds ManualClock::monotonic() const
+Nanoseconds ManualClock::Hands::monotonic() const
 {
     const std::lock_guard lock(m_mutex);
     return m_monotonic;
 }
 
-Nanoseconds ManualClock::wall() const
+Nanoseconds ManualClock::Hands::wall() const
 {
     const std::lock_guard lock(m_mutex);
     return m_wall;
 }
 
-void ManualClock::waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expected, Deadline until, bool shared)
+void ManualClock::Hands::waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expected, Deadline until,
+                                   bool shared)
 {
     if (until == noDeadline) {
         m_real.waitWhile(word, expected, noDeadline, shared);
@@ -162,17 +210,16 @@ void ManualClock::waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expe
     }
 }
 
-int ManualClock::waitDescriptors(std::span<pollfd> entries, Deadline until)
+int ManualClock::Hands::waitDescriptors(std::span<pollfd> entries, Deadline until)
 {
-    host::Clock& real = m_real; // this clock may have ended when its sleeper wakes up
     if (until == noDeadline) {
-        return real.waitDescriptors(entries, noDeadline);
+        return m_real.waitDescriptors(entries, noDeadline);
     }
     sleepOn(entries, until);
-    return real.waitDescriptors(entries, atOnce);
+    return m_real.waitDescriptors(entries, atOnce);
 }
 
-void ManualClock::sleepOn(std::span<const pollfd> entries, Deadline until)
+void ManualClock::Hands::sleepOn(std::span<const pollfd> entries, Deadline until)
 {
     if (until <= monotonic()) {
         return; // the usual look without waiting; needs no bell
@@ -184,6 +231,46 @@ void ManualClock::sleepOn(std::span<const pollfd> entries, Deadline until)
     if (registration.isAhead()) {
         m_real.waitDescriptors(withBell, noDeadline);
     }
+}
+
+// ------------------------------------------------------------------------------------------------------ what a test
+// has
+
+ManualClock::ManualClock(Nanoseconds wall) : m_hands(Hands::start(wall)) {}
+
+ManualClock::~ManualClock()
+{
+    m_hands.stop();
+}
+
+void ManualClock::advance(Nanoseconds by)
+{
+    m_hands.advance(by);
+}
+
+void ManualClock::setWall(Nanoseconds wall)
+{
+    m_hands.setWall(wall);
+}
+
+bool ManualClock::waitForSleepers(std::size_t count, Bound bound)
+{
+    return m_hands.waitForSleepers(count, bound);
+}
+
+std::optional<Deadline> ManualClock::nextDeadline() const
+{
+    return m_hands.nextDeadline();
+}
+
+Nanoseconds ManualClock::monotonic() const
+{
+    return m_hands.monotonic();
+}
+
+Nanoseconds ManualClock::wall() const
+{
+    return m_hands.wall();
 }
 
 } // namespace dorn::testkit

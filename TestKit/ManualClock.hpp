@@ -7,12 +7,8 @@
 #include "port/Clock.hpp"
 
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
-#include <list>
-#include <mutex>
 #include <optional>
-#include <span>
 
 namespace dorn::testkit {
 
@@ -25,12 +21,14 @@ namespace dorn::testkit {
 ///
 /// It is made before anything waits and ends when nothing does; what waits without limit does not matter. Its functions
 /// may be called from any thread. Bounds of the TestKit's own waits are real time.
-class ManualClock : public host::Clock {
+class ManualClock {
 public:
     /// @param wall the wall-clock time to begin with; without it 2025-01-01 00:00 UTC
     explicit ManualClock(host::Nanoseconds wall = std::chrono::seconds(1'735'689'600));
     /// Lets those who wait still for a deadline go, as if it had passed.
-    ~ManualClock() override;
+    ~ManualClock();
+    ManualClock(const ManualClock&) = delete;
+    ManualClock& operator=(const ManualClock&) = delete;
 
     /// Moves both clocks on. When it returns, everybody whose deadline has passed has been woken and has left its wait.
     void advance(host::Nanoseconds by);
@@ -44,29 +42,14 @@ public:
     std::optional<host::Deadline> nextDeadline() const;
 
     /// Stands still until advance().
-    host::Nanoseconds monotonic() const override;
+    host::Nanoseconds monotonic() const;
     /// Goes with monotonic().
-    host::Nanoseconds wall() const override;
-    /// Waits until the word is changed and woken, or the time has been advanced to @p until.
-    void waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expected, host::Deadline until,
-                   bool shared) override;
-    /// Waits until a descriptor is ready, or the time has been advanced to @p until.
-    int waitDescriptors(std::span<pollfd> entries, host::Deadline until) override;
+    host::Nanoseconds wall() const;
 
 private:
-    struct Sleeper;
-    class Registration;
+    class Hands;
 
-    void wakeExpired(std::unique_lock<std::mutex>& lock);
-    void sleepOn(std::span<const pollfd> entries, host::Deadline until);
-
-    host::Clock& m_real{host::Clock::get()};
-    mutable std::mutex m_mutex;
-    std::condition_variable m_changed; ///< a sleeper has come or gone
-    std::list<Sleeper> m_sleepers;
-    host::Nanoseconds m_monotonic;
-    host::Nanoseconds m_wall;
-    host::ClockScope m_scope{*this};
+    Hands& m_hands;
 };
 
 } // namespace dorn::testkit
