@@ -62,7 +62,8 @@ Milliseconds bound();
 Milliseconds durationOf(const std::function<void()>& call);
 
 /// Ends the rule as broken unless @p call takes at least @p least (less one millisecond for clocks that differ) and
-/// ends within the bound.
+/// ends within the bound. One that is to take its time is made several times: on a busy machine too short a wait may
+/// take long enough.
 void expectDuration(Milliseconds least, const std::string& what, const std::function<void()>& call);
 
 } // namespace dorn::conformance

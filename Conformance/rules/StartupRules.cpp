@@ -82,9 +82,9 @@ void handlerIsCalled()
     AaStartupSetShutdownHandler(nullptr);
 }
 
-void requestsWithinASecondAreOne()
+/// @return how a process has ended, as OtherProcess::waitForEnd() gives it
+int endOfOneAskedThreeTimes(int signal)
 {
-    const int signal = endSignalOfWaiting();
     OtherProcess other("ends-when-asked");
     other.expectToHear("ready");
     other.signal(signal);
@@ -92,7 +92,23 @@ void requestsWithinASecondAreOne()
     other.signal(signal);
     other.signal(signal);
     other.tell();
-    expectEqual(other.waitForEnd(), 0, "a process that has been asked to end three times within a second");
+    return other.waitForEnd();
+}
+
+void requestsWithinASecondAreOne()
+{
+    const int signal = endSignalOfWaiting();
+    constexpr int attempts = 3;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        int end = 0;
+        const Milliseconds taken = durationOf([&] { end = endOfOneAskedThreeTimes(signal); });
+        if (end == 0) {
+            return;
+        }
+        expect(taken > Milliseconds(900),
+               "a process that was asked to end three times within a second ended with " + std::to_string(end));
+    }
+    skip("the machine is too busy for three requests within a second");
 }
 
 void endWhenAsked(std::span<char* const>)

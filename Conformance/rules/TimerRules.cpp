@@ -7,6 +7,8 @@
 #include "Rules.hpp"
 
 #include <array>
+#include <chrono>
+#include <cstdint>
 #include <cstring>
 
 namespace dorn::conformance {
@@ -47,14 +49,33 @@ void timeoutArrives()
     expectTimeout(1);
 }
 
+/// Arms three time-outs, the last one first. @return whether it was quick enough for their order to be certain
+bool armThree()
+{
+    constexpr Milliseconds gap(100);
+    return durationOf([gap] {
+               const std::int64_t microseconds = std::chrono::microseconds(gap).count();
+               arm(3 * microseconds, 3);
+               arm(1 * microseconds, 1);
+               arm(2 * microseconds, 2);
+           }) < gap;
+}
+
 void timeoutsArriveByTheirTime()
 {
-    arm(90'000, 3);
-    arm(30'000, 1);
-    arm(60'000, 2);
-    for (const std::uintptr_t number : {1U, 2U, 3U}) {
-        expectTimeout(number);
+    constexpr int attempts = 5;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (armThree()) {
+            for (const std::uintptr_t number : {1U, 2U, 3U}) {
+                expectTimeout(number);
+            }
+            return;
+        }
+        for (int number = 0; number < 3; ++number) {
+            take();
+        }
     }
+    skip("the machine is too busy for times to be certain");
 }
 
 void theArmingEuReceives()
@@ -69,10 +90,10 @@ void theArmingEuReceives()
 
 void cancelledTimeoutStaysAway()
 {
-    const TAaTimerId timer = arm(30'000, 1);
+    const TAaTimerId timer = arm(300'000, 1);
     expectEqual(AaTimerCancel(timer), 0, "AaTimerCancel()");
     expectEqual(AaTimerCancel(timer), 1, "AaTimerCancel() of a time-out that has been cancelled");
-    arm(60'000, 2);
+    arm(400'000, 2);
     expectTimeout(2);
     expectNoLetter("and its time-out had been cancelled");
 }

@@ -241,7 +241,7 @@ int32_t __wrap_AaSysComMsgSend(void** message)
 DEFECTIVE(AaSysComMsgReceive);
 void* __wrap_AaSysComMsgReceive(int32_t timeout)
 {
-    return __real_AaSysComMsgReceive(has("receive is early") && timeout > 0 && timeout < 100'000 ? timeout / 2
+    return __real_AaSysComMsgReceive(has("receive is early") && timeout > 0 && timeout < 100'000 ? timeout / 5
                                                                                                  : timeout);
 }
 
