@@ -32,7 +32,8 @@ protected:
     static long runOutInTurn(Call call)
     {
         long blocks = 0;
-        for (bool wasOut = true; wasOut; ++blocks) {
+        bool wasOut = true;
+        while (wasOut) {
             SCOPED_TRACE("blocks before memory is out: " + std::to_string(blocks));
             call([&](auto action) {
                 blocksBeforeFailure = blocks;
@@ -41,6 +42,7 @@ protected:
                 blocksBeforeFailure = -1;
                 return result;
             });
+            ++blocks;
         }
         return blocks - 1;
     }

@@ -42,8 +42,8 @@ protected:
     /// Its version; 0 when nothing was flashed.
     static std::uint32_t flashedVersion(std::uint32_t fpga, std::uint32_t slot)
     {
-        const auto image = flashed(fpga, slot);
-        return image ? image->version.value_or(0) : 0;
+        const auto found = flashed(fpga, slot);
+        return found ? found->version.value_or(0) : 0;
     }
     static std::optional<board::FlashedImage> flashedBootLoader()
     {
