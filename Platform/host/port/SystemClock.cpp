@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "port/Clock.hpp"
 
+#include "port/FutexWait.hpp"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -47,11 +49,10 @@ public:
         const int operation = FUTEX_WAIT_BITSET | (shared ? 0 : FUTEX_PRIVATE_FLAG);
         const timespec deadline = toTimespec(until);
         // A bare system call is no cancellation point, and the C library has no futex that is one. Nothing in this
-        // function needs unwinding, and nothing may: the compiler takes `syscall` for one that never throws.
+        // function needs unwinding, and nothing may: the compiler takes it for one that never throws.
         int cancelType = PTHREAD_CANCEL_DEFERRED;
         pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, &cancelType);
-        syscall(SYS_futex, &word, operation, expected, until == noDeadline ? nullptr : &deadline, nullptr,
-                FUTEX_BITSET_MATCH_ANY);
+        futexWait(word, operation, expected, until == noDeadline ? nullptr : &deadline);
         pthread_setcanceltype(cancelType, nullptr);
     }
 
