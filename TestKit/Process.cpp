@@ -41,11 +41,32 @@ struct Process::Pipe {
     std::array<int, 2> ends{-1, -1}; ///< to read, to write
 };
 
+namespace {
+
+/// Starts a program; one of another processor, where this one is emulated too, with the emulator.
+pid_t start(const std::string& program, const std::vector<std::string>& arguments, int output, int error)
+{
+    try {
+        return host::startChild({program, arguments, host::ownEnvironment(), output, error});
+    } catch (const std::system_error& failure) {
+        const std::vector<std::string> emulator{DORN_EMULATOR};
+        if (failure.code().value() != ENOEXEC || emulator.empty()) {
+            throw;
+        }
+        std::vector<std::string> words(emulator.begin() + 1, emulator.end());
+        words.push_back(program);
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        return host::startChild({emulator.front(), words, host::ownEnvironment(), output, error});
+    }
+}
+
+} // namespace
+
 Process::Process(const std::string& program, const std::vector<std::string>& arguments)
 {
     Pipe output;
     Pipe error;
-    m_pid = host::startChild({program, arguments, host::ownEnvironment(), output.ends[1], error.ends[1]});
+    m_pid = start(program, arguments, output.ends[1], error.ends[1]);
     output.closeEnd(1);
     error.closeEnd(1);
     m_readerStop = eventfd(0, EFD_CLOEXEC);

@@ -36,3 +36,13 @@ if(DORN_SANITIZE)
         add_compile_options(-Wno-tsan) # fences are not modelled; none is relied on
     endif()
 endif()
+
+if(DORN_COVERAGE)
+    add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
+    add_link_options(-fprofile-instr-generate)
+endif()
+
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # Files of any size and inode number, and times after 2038.
+    add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
+endif()

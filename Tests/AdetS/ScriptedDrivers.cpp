@@ -54,7 +54,7 @@ std::int32_t answer(const std::string& text, std::uint64_t most, char* buffer)
     if (most > std::numeric_limits<std::int32_t>::max()) {
         return DDAL_ERROR_INVALID_ARGUMENT;
     }
-    *std::copy_n(text.data(), std::min<std::size_t>(text.size(), most), buffer) = '\0';
+    *std::copy_n(text.data(), std::min<std::uint64_t>(text.size(), most), buffer) = '\0';
     return DDAL_OK;
 }
 

@@ -17,16 +17,17 @@ constinit std::atomic<int> callsLeft{0}; ///< up to the one that fails; 0: none 
 } // namespace
 
 extern "C" {
-off_t __real_lseek(int descriptor, off_t offset, int whence); // NOLINT: the linker's name
-off_t __wrap_lseek(int descriptor, off_t offset, int whence); // NOLINT: the linker's name
+// The linker's names of the two.
+off_t realLseek(int descriptor, off_t offset, int whence) __asm__("__real_" DORN_LSEEK);
+off_t scriptedLseek(int descriptor, off_t offset, int whence) __asm__("__wrap_" DORN_LSEEK);
 
-off_t __wrap_lseek(int descriptor, off_t offset, int whence) // NOLINT: the linker's name
+off_t scriptedLseek(int descriptor, off_t offset, int whence)
 {
     if (callsLeft.load() != 0 && callsLeft.fetch_sub(1) == 1) {
         errno = EIO;
         return -1;
     }
-    return __real_lseek(descriptor, offset, whence);
+    return realLseek(descriptor, offset, whence);
 }
 }
 
