@@ -48,8 +48,8 @@ void Console::remark(std::string_view text)
 
 void Console::showProgress(std::string_view line)
 {
-    constexpr const char* emptyLine = "\r\033[K";
     if (m_areRemarksLookedAt) {
+        constexpr const char* emptyLine = "\r\033[K";
         m_remarks << emptyLine << line << std::flush;
     }
 }

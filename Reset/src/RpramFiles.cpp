@@ -98,7 +98,7 @@ constexpr FieldFile fieldFiles[] = {
 };
 static_assert(std::size(fieldFiles) == 78);
 
-constexpr bool isInOrder()
+consteval bool isInOrder()
 {
     for (std::size_t index = 0; index < std::size(fieldFiles); ++index) {
         if (static_cast<std::size_t>(fieldFiles[index].field) != index) {

@@ -77,14 +77,14 @@ inline constexpr const char* microBmuChipIdentifier = "uBMU";
 inline constexpr std::string_view microBmuUnit = "KIVN";
 
 /// Whether neither text stands within the other one.
-constexpr bool areApart(std::string_view one, std::string_view other)
+consteval bool areApart(std::string_view one, std::string_view other)
 {
     return one.find(other) == one.npos && other.find(one) == other.npos;
 }
 
 /// Whether no chip identifier stands within another one, so that none finds the other's images. Left out are the two of
 /// the BMU: only what stands before them in file names, unit and dash, keeps "BMU" and "uBMU" apart.
-constexpr bool areChipIdentifiersApart()
+consteval bool areChipIdentifiersApart()
 {
     for (const FpgaRow& row : fpgaRows) {
         const std::string_view identifier = row.chipIdentifier;

@@ -54,7 +54,7 @@ TAaProEuId nextId(TAaProEuId last, std::size_t place)
 {
     const TAaProEuId uses = (last >> placeBits) + 1;
     const TAaProEuId id = uses << placeBits | static_cast<TAaProEuId>(place);
-    return id >> placeBits ? id : (1U << placeBits | static_cast<TAaProEuId>(place));
+    return (id >> placeBits) != 0 ? id : (1U << placeBits | static_cast<TAaProEuId>(place));
 }
 
 std::size_t takePlace(Places& all)

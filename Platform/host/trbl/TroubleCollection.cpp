@@ -61,7 +61,7 @@ void TroubleCollection::orderAll(TroubleOrder order)
 
 void TroubleCollection::awaitAll(TroubleOrder order, std::vector<CollectedFile>& files) const
 {
-    Clock& clock = Clock::get();
+    const Clock& clock = Clock::get();
     for (;;) {
         const std::uint32_t seen = m_list.answers().count();
         bool isAnyPending = false;
