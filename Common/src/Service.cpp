@@ -76,6 +76,7 @@ bool Service::HandleRedundancyStateCommand(ERedundancyCommand /*command*/, ERedu
     return true;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): services override this signature
 void Service::HandleConfigTagChange(std::string /*tag*/, unsigned int /*value*/) {}
 
 void Service::Terminate()
