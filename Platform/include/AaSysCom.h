@@ -14,8 +14,8 @@
 ///
 /// Delivery: a send that reports success has put the message into the receiver's queue (same process) or into the
 /// kernel's queue of the receiver (other process of the node). It is lost after that only if the receiver ends before
-/// taking it. Between nodes it has been given to the node's gateway, which drops the oldest of what waits for a node that
-/// cannot be reached when that becomes too much, and counts and logs it.
+/// taking it. Between nodes it has been given to the node's gateway, which drops the oldest of what waits for a node
+/// that cannot be reached when that becomes too much, and counts and logs it.
 #ifndef AA_SYS_COM_H
 #define AA_SYS_COM_H
 
