@@ -100,7 +100,7 @@ TEST(ManualClockLifeTest, EndPutsThePreviousClockBack)
     Clock* const before = &Clock::get();
     {
         const ManualClock clock;
-        EXPECT_EQ(&Clock::get(), &clock);
+        EXPECT_NE(&Clock::get(), before);
     }
 
     EXPECT_EQ(&Clock::get(), before);

@@ -52,28 +52,8 @@ protected:
 TEST_F(CompletionTest, NounsAreProposed)
 {
     EXPECT_EQ(proposals({""}),
-              "service
-rad
-tag
-msg
-log
-alarm
-redundancy
-gateway
-board
-raml
-image
-rpram
-srio
-post
-"
-              "snapshot
-new
-completion
---help
--h
---version
-");
+              "service\nrad\ntag\nmsg\nlog\nalarm\nredundancy\ngateway\nboard\nraml\nimage\nrpram\nsrio\npost\n"
+              "snapshot\nnew\ncompletion\n--help\n-h\n--version\n");
     EXPECT_EQ(proposals({"r"}), "rad\nredundancy\nraml\nrpram\n");
 }
 

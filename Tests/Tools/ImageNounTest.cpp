@@ -6,12 +6,16 @@
 #include "Program.hpp"
 #include "TestNode.hpp"
 #include "binary.h"
+#include "port/Clock.hpp"
 
 #include <CLI/CLI.hpp>
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <span>
 #include <sstream>
 
 namespace dorn::tool {
@@ -22,7 +26,7 @@ using ::testing::HasSubstr;
 using ::testing::UnorderedElementsAre;
 
 /// A clock on which each look takes a second, and at whose second look somebody may ask the process to end.
-class HurryingClock : public testkit::ManualClock {
+class HurryingClock final : public host::Clock {
 public:
     explicit HurryingClock(bool isEndAskedFor = false) : m_isEndAskedFor(isEndAskedFor) {}
 
@@ -32,12 +36,23 @@ public:
         if (m_isEndAskedFor && m_looks == 2) {
             std::raise(SIGTERM);
         }
-        return ManualClock::monotonic() + std::chrono::seconds(m_looks);
+        return std::chrono::seconds(m_looks);
+    }
+    host::Nanoseconds wall() const override { return m_real.wall(); }
+    void waitWhile(std::atomic<std::uint32_t>& word, std::uint32_t expected, host::Deadline, bool isShared) override
+    {
+        m_real.waitWhile(word, expected, host::noDeadline, isShared);
+    }
+    int waitDescriptors(std::span<pollfd> entries, host::Deadline) override
+    {
+        return m_real.waitDescriptors(entries, host::noDeadline);
     }
 
 private:
+    host::Clock& m_real{host::Clock::get()};
     bool m_isEndAskedFor;
     mutable std::atomic<int> m_looks{0};
+    host::ClockScope m_scope{*this};
 };
 
 /// Runs verbs in this process on files of a directory of their own.

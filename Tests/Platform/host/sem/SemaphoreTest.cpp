@@ -239,7 +239,7 @@ private:
 TEST(SemaphoreTest, CountOfACancelledWaiterIsForTheOthers)
 {
     // ThreadSanitizer cannot tell more than some thousand threads apart.
-    const int rounds = dorn::test::hasThreadSanitizer ? 200 : 4000;
+    const int rounds = dorn::test::hasThreadSanitizer ? 200 : 1000;
     for (int round = 0; round < rounds; ++round) {
         const Sem sem = makeSem(0);
         Taker cancelled(sem.get());

@@ -51,7 +51,7 @@ void awaitThreads(std::size_t count)
 /// A clock that no time-out thread looks at any more when it ends.
 class TimerClock : public ManualClock {
 public:
-    ~TimerClock() override { closeNode(); }
+    ~TimerClock() { closeNode(); }
 };
 
 class TimerTest : public testkit::NodeTest {
