@@ -146,6 +146,8 @@ TEST_F(ProgramTest, HelpOfAVerbShowsArgumentsOptionsAndExample)
 struct WrongUseCase {
     const char* line;
     const char* remark;
+
+    friend std::ostream& operator<<(std::ostream& stream, const WrongUseCase& use) { return stream << use.line; }
 };
 
 class WrongUseTest : public ProgramTest, public ::testing::WithParamInterface<WrongUseCase> {};
@@ -160,13 +162,13 @@ TEST_P(WrongUseTest, IsExplainedAndStatus2)
 INSTANTIATE_TEST_SUITE_P(
     Lines, WrongUseTest,
     ::testing::Values(
-        WrongUseCase{"dorn",
-                     "dorn: 'dorn' needs a noun: alarm, board, completion, gateway, image, log, msg, post, rad, raml, "
-                     "redundancy, rpram, service, snapshot, srio, tag\nTry 'dorn --help'\n"},
         WrongUseCase{
-            "dorn foo",
-            "dorn: unknown noun 'foo'; there are alarm, board, completion, gateway, image, log, msg, post, rad, raml, "
+            "dorn",
+            "dorn: 'dorn' needs a noun: alarm, board, completion, gateway, image, log, msg, new, post, rad, raml, "
             "redundancy, rpram, service, snapshot, srio, tag\nTry 'dorn --help'\n"},
+        WrongUseCase{"dorn foo", "dorn: unknown noun 'foo'; there are alarm, board, completion, gateway, image, log, "
+                                 "msg, new, post, rad, raml, "
+                                 "redundancy, rpram, service, snapshot, srio, tag\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn --foo", "dorn: unknown option '--foo' of 'dorn'\nTry 'dorn --help'\n"},
         WrongUseCase{"dorn rad", "dorn: 'dorn rad' needs a verb: get, list, set, watch\nTry 'dorn rad --help'\n"},
         WrongUseCase{"dorn rad lst",
