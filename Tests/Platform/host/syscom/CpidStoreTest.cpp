@@ -3,10 +3,13 @@
 
 #include "NodeTest.hpp"
 #include "port/Transport.hpp"
+#include "syscom/SenderCheck.hpp"
 
 #include <csignal>
+#include <memory>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace dorn::host::test {
 namespace {
@@ -22,15 +25,19 @@ struct SomePeer : Peer {
 /// Another node of the test's run directory, so that this process has its store open once.
 class CpidStoreTest : public testkit::NodeTest {
 protected:
-    /// Starts a process that becomes the node's gateway and stays it until it is killed. @return its id
-    pid_t startGateway() const
+    enum class Stay { Gateway, Resigned };
+    /// Starts a process that becomes the node's gateway, and stays until it is killed. @return its id
+    pid_t startGateway(Stay stay = Stay::Gateway) const
     {
         int ready[2] = {-1, -1};
         EXPECT_EQ(pipe(ready), 0);
         const pid_t child = fork();
         if (child == 0) {
-            CpidStore store(m_directory);
-            const char result = store.tryBecomeGateway() ? 'y' : 'n';
+            auto store = std::make_unique<CpidStore>(m_directory);
+            const char result = store->tryBecomeGateway() ? 'y' : 'n';
+            if (stay == Stay::Resigned) {
+                store.reset();
+            }
             [[maybe_unused]] const ssize_t written = write(ready[1], &result, 1);
             for (;;) {
                 pause();
@@ -58,6 +65,7 @@ TEST_F(CpidStoreTest, NobodyIsTheGatewayAtFirst)
     EXPECT_EQ(m_store.foreignGateway(), 0);
     EXPECT_FALSE(m_store.isGateway(SomePeer(4711)));
     EXPECT_FALSE(m_store.isGateway(SomePeer(4711, true)));
+    EXPECT_FALSE(m_store.isGateway(SomePeer(0))); // its number cannot be told
 }
 
 TEST_F(CpidStoreTest, OneProcessIsTheGateway)
@@ -83,6 +91,75 @@ TEST_F(CpidStoreTest, WhatADeadGatewaySentIsStillItsOwn)
     EXPECT_TRUE(m_store.isGateway(SomePeer(gateway, true)));
     EXPECT_FALSE(m_store.isGateway(SomePeer(gateway))); // another process that has got its id
     EXPECT_TRUE(m_store.isGateway(SomePeer(successor)));
+    kill(successor);
+}
+
+TEST_F(CpidStoreTest, WhatAGatewaySentThatHasResignedIsStillItsOwn)
+{
+    const pid_t resigned = startGateway(Stay::Resigned);
+    EXPECT_EQ(m_store.foreignGateway(), 0);
+    EXPECT_TRUE(m_store.isGateway(SomePeer(resigned))); // it comes to its end
+    const pid_t successor = startGateway();
+
+    EXPECT_TRUE(m_store.isGateway(SomePeer(resigned)));
+    EXPECT_TRUE(m_store.isGateway(SomePeer(resigned, true)));
+    EXPECT_TRUE(m_store.isGateway(SomePeer(successor)));
+    EXPECT_FALSE(m_store.isGateway(SomePeer(4711)));
+    kill(resigned);
+    kill(successor);
+}
+
+TEST_F(CpidStoreTest, ProcessThatGetsTheNumberOfAResignedGatewayIsNotIt)
+{
+    ASSERT_TRUE(m_store.tryBecomeGateway());
+    m_store.resignAsGateway();
+    EXPECT_TRUE(m_store.isGateway(SomePeer(getpid())));
+
+    const CpidStore ofItsSuccessor(m_directory);
+
+    EXPECT_FALSE(m_store.isGateway(SomePeer(getpid())));
+}
+
+TEST_F(CpidStoreTest, LastEightGatewaysAreRemembered)
+{
+    std::vector<pid_t> gateways;
+    for (int count = 0; count < 9; ++count) {
+        gateways.push_back(startGateway());
+        kill(gateways.back());
+    }
+
+    EXPECT_FALSE(m_store.isGateway(SomePeer(gateways[0], true)));
+    for (std::size_t index = 1; index < gateways.size(); ++index) {
+        EXPECT_TRUE(m_store.isGateway(SomePeer(gateways[index], true))) << index;
+    }
+}
+
+class SenderCheckTest : public CpidStoreTest {};
+
+TEST_F(SenderCheckTest, OnlyTheGatewaySpeaksForOtherNodes)
+{
+    SenderCheck check;
+    EXPECT_FALSE(check.isGateway(SomePeer(4711), &m_store));
+    EXPECT_FALSE(check.isGateway(SomePeer(4711), nullptr));
+    const pid_t gateway = startGateway();
+
+    EXPECT_TRUE(check.isGateway(SomePeer(gateway), &m_store));
+    EXPECT_TRUE(check.isGateway(SomePeer(gateway), &m_store)); // as it remembers
+    EXPECT_FALSE(check.isGateway(SomePeer(4711), &m_store));
+    kill(gateway);
+}
+
+TEST_F(SenderCheckTest, WhatIsRememberedOfAGatewayEndsWithItsSuccessor)
+{
+    SenderCheck check;
+    const pid_t gateway = startGateway();
+    EXPECT_TRUE(check.isGateway(SomePeer(gateway), &m_store));
+    kill(gateway);
+    const pid_t successor = startGateway();
+
+    EXPECT_FALSE(check.isGateway(SomePeer(gateway), &m_store)); // another process that has got its id
+    EXPECT_TRUE(check.isGateway(SomePeer(gateway, true), &m_store));
+    EXPECT_TRUE(check.isGateway(SomePeer(successor), &m_store));
     kill(successor);
 }
 
