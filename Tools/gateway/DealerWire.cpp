@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "gateway/DealerWire.hpp"
 
+#include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace dorn::gateway {
 namespace {
@@ -45,8 +47,7 @@ void DealerWire::open(const std::string& endpoint)
     socket.set(zmq::sockopt::rcvhwm, messagesAtOnce);
     socket.set(zmq::sockopt::maxmsgsize, static_cast<std::int64_t>(greatestEncrypted));
     socket.set(zmq::sockopt::reconnect_ivl, -1);
-    socket.set(zmq::sockopt::handshake_ivl,
-               static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(m_options.attempt).count()));
+    socket.set(zmq::sockopt::handshake_ivl, 0); // the link gives an attempt up
     m_socket->set(ZMQ_CURVE_SERVERKEY, m_row.key.bytes());
     m_socket->set(ZMQ_CURVE_PUBLICKEY, m_keys.publicKey.bytes());
     m_socket->set(ZMQ_CURVE_SECRETKEY, m_keys.secretKey.bytes());
@@ -66,7 +67,10 @@ bool DealerWire::send(std::span<const std::byte> head, std::span<const std::byte
     if (!m_socket) {
         return false;
     }
-    zmq::message_t message(head.size() + body.size());
+    zmq::message_t message;
+    if (zmq_msg_init_size(message.handle(), head.size() + body.size()) != 0) {
+        return false; // no memory now
+    }
     std::memcpy(message.data(), head.data(), head.size());
     if (!body.empty()) {
         std::memcpy(message.data<std::byte>() + head.size(), body.data(), body.size());
@@ -87,16 +91,23 @@ std::optional<LinkFault> DealerWire::nextFault()
     if (!m_monitor || !m_monitor->isDirty()) {
         return std::nullopt;
     }
-    switch (m_monitor->next().value_or(0)) {
+    const ZmqMonitor::Event event = m_monitor->next().value_or(ZmqMonitor::Event{0, 0});
+    const int endedBefore = std::exchange(m_endedInHandshake, 0);
+    switch (event.kind) {
     case ZMQ_EVENT_CLOSED:
         return LinkFault::Unreachable;
     case ZMQ_EVENT_DISCONNECTED:
         return LinkFault::Cut;
     case ZMQ_EVENT_HANDSHAKE_FAILED_NO_DETAIL:
+        // The other gateway ends the connection without a word when it cannot read what is meant for another key. So
+        // does one that just comes to its end, but not twice in a row.
+        m_endedInHandshake = event.value == EPIPE ? endedBefore + 1 : 0;
+        return m_endedInHandshake > 1 ? LinkFault::KeyRefused : LinkFault::Cut;
     case ZMQ_EVENT_HANDSHAKE_FAILED_PROTOCOL:
     case ZMQ_EVENT_HANDSHAKE_FAILED_AUTH:
         return LinkFault::KeyRefused;
     default:
+        m_endedInHandshake = endedBefore;
         return std::nullopt;
     }
 }

@@ -45,7 +45,8 @@ private:
     std::size_t m_ticket;
     std::unique_ptr<ZmqSocket> m_socket;
     std::unique_ptr<ZmqMonitor> m_monitor;
-    bool m_hasFailed = false; ///< it could not even be made
+    bool m_hasFailed = false;   ///< it could not even be made
+    int m_endedInHandshake = 0; ///< attempts in a row that the other side ended there without a word
 };
 
 } // namespace dorn::gateway

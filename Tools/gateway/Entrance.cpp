@@ -15,8 +15,12 @@ namespace dorn::gateway {
 namespace {
 
 constexpr int messagesAtOnce = 64;
+/// Messages of services that are delivered before senders of this node, the status and the links have their turn.
+constexpr std::size_t recordsAtOnce = 4096;
 constexpr int connectionsWaiting = 1024;
-constexpr int handshakeMilliseconds = 5000;
+constexpr int handshakeMilliseconds = 2000;
+/// A connection that does not even answer for so many times the silence of a link is gone, whatever the network says.
+constexpr int silencesUntilGone = 3;
 constexpr int events = ZMQ_EVENT_HANDSHAKE_FAILED_NO_DETAIL | ZMQ_EVENT_HANDSHAKE_FAILED_PROTOCOL;
 constexpr const char* keyCheckDomain = "dorn";
 
@@ -59,6 +63,10 @@ Entrance::Entrance(zmq::context_t& context, host::WaitSet& waitSet, const Table&
     socket.set(zmq::sockopt::maxmsgsize, static_cast<std::int64_t>(greatestEncrypted));
     socket.set(zmq::sockopt::backlog, connectionsWaiting);
     socket.set(zmq::sockopt::handshake_ivl, handshakeMilliseconds);
+    const auto silence =
+        static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(options.silence).count());
+    socket.set(zmq::sockopt::heartbeat_ivl, silence);
+    socket.set(zmq::sockopt::heartbeat_timeout, silencesUntilGone * silence);
     socket.set(zmq::sockopt::zap_domain, keyCheckDomain);
     socket.set(zmq::sockopt::curve_server, true);
     m_socket.set(ZMQ_CURVE_SECRETKEY, keys.secretKey.bytes());
@@ -90,16 +98,18 @@ void Entrance::serve(EntranceSink& sink)
         }
     }
     zmq::message_t route;
-    for (int count = 0; count < messagesAtOnce && m_socket.isDirty() && m_socket.receive(route); ++count) {
-        takeMessage(sink, route);
+    std::size_t records = 0;
+    for (int count = 0;
+         count < messagesAtOnce && records < recordsAtOnce && m_socket.isDirty() && m_socket.receive(route); ++count) {
+        records += takeMessage(sink, route);
     }
 }
 
-void Entrance::takeMessage(EntranceSink& sink, zmq::message_t& route)
+std::size_t Entrance::takeMessage(EntranceSink& sink, zmq::message_t& route)
 {
     zmq::message_t body;
     if (!route.more() || !m_socket.receive(body)) {
-        return;
+        return 0;
     }
     // What the key check said about the connection stands in every message.
     TAaSysComNid node = 0;
@@ -110,7 +120,7 @@ void Entrance::takeMessage(EntranceSink& sink, zmq::message_t& route)
         m_socket.skipRest(body);
         body.rebuild(); // none of this protocol
     }
-    sink.onMessage(node, textOf(route), {body.data<std::byte>(), body.size()});
+    return sink.onMessage(node, textOf(route), {body.data<std::byte>(), body.size()});
 }
 
 void Entrance::answer(const std::string& route, std::span<const std::byte> bytes)

@@ -22,7 +22,8 @@ public:
     virtual ~EntranceSink() = default;
     /// @param node whose key the connection has
     /// @param route where an answer goes
-    virtual void onMessage(TAaSysComNid node, const std::string& route, std::span<const std::byte> bytes) = 0;
+    /// @return how many messages of services it brought
+    virtual std::size_t onMessage(TAaSysComNid node, const std::string& route, std::span<const std::byte> bytes) = 0;
 };
 
 class Entrance {
@@ -33,7 +34,7 @@ public:
              const KeyPair& keys, const GatewayOptions& options, RefusalCounts& refused);
 
     bool isDirty() const { return m_keyCheck.isDirty() || m_socket.isDirty() || m_monitor.isDirty(); }
-    /// Hands over what has come.
+    /// Hands over what has come, so much at once that nothing else waits long for its turn.
     void serve(EntranceSink& sink);
     /// Answers; nobody knows whether it arrives.
     void answer(const std::string& route, std::span<const std::byte> bytes);
@@ -43,7 +44,7 @@ private:
     void serveKeyCheck();
     void decideOn(std::span<const zmq::message_t> request);
     const TableRow* rowOf(std::span<const zmq::message_t> request) const;
-    void takeMessage(EntranceSink& sink, zmq::message_t& route);
+    std::size_t takeMessage(EntranceSink& sink, zmq::message_t& route);
 
     const Table& m_table;
     const TableRow& m_own;

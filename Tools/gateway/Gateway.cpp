@@ -3,6 +3,7 @@
 
 #include "AaSysLog.h"
 #include "gateway/Entrance.hpp"
+#include "gateway/Frames.hpp"
 #include "gateway/Peer.hpp"
 #include "gateway/StatusServer.hpp"
 #include "syscom/CpidStore.hpp"
@@ -31,6 +32,16 @@ constexpr int inletStepsAtOnce = 4;
 /// So many at once are a stream: less than an endpoint takes from a connection in one step.
 constexpr std::uint64_t framesInAStream = 8;
 
+/// Half of the addresses of a node that has not been given an id.
+constexpr TAaSysComNid nodeWithoutId = 0x0F01;
+
+/// What a gateway without other nodes has open, the receivers of its node included.
+constexpr rlim_t ownDescriptors = 256;
+/// Connections that have not proven who they are.
+constexpr rlim_t strangers = 256;
+/// Both connections and their sockets, and the senders of this node.
+constexpr rlim_t descriptorsPerNode = 8 + 64;
+
 std::string nodeName(TAaSysComNid node)
 {
     std::array<char, 16> name{};
@@ -38,11 +49,20 @@ std::string nodeName(TAaSysComNid node)
     return name.data();
 }
 
+/// What is in flight cannot be dropped: all of it together is not to fill the room that all queues share.
+GatewayOptions withShares(GatewayOptions options, std::size_t nodes)
+{
+    const std::size_t share = options.allQueuesBytes / 2 / std::max<std::size_t>(nodes, 1);
+    options.windowBytes = std::min(options.windowBytes, std::max(share, parcelTarget));
+    return options;
+}
+
 const TableRow& ownRow(const host::RunDirectory& directory, const Table& table, const KeyPair& keys)
 {
-    const TableRow* const row = table.find(TAaSysComNid{directory.nodeId()});
+    const TAaSysComNid own = directory.nodeId() != 0 ? directory.nodeId() : nodeWithoutId;
+    const TableRow* const row = table.find(own);
     if (!row) {
-        throw host::EnvironmentError("the table has no row for this node, " + nodeName(directory.nodeId()));
+        throw host::EnvironmentError("the table has no row for this node, " + nodeName(own));
     }
     if (!(row->key == keys.publicKey)) {
         throw host::EnvironmentError("the table has another public key for this node, " + nodeName(row->node) +
@@ -51,12 +71,14 @@ const TableRow& ownRow(const host::RunDirectory& directory, const Table& table, 
     return *row;
 }
 
-/// As many as the process may have: with many nodes the usual limit is too low.
-void raiseDescriptorLimit()
+/// With many nodes the usual limit is too low. It is raised to what is needed, not further: it bounds the connections
+/// of strangers, who have the time of a handshake each.
+void raiseDescriptorLimit(std::size_t nodes)
 {
+    const rlim_t needed = ownDescriptors + strangers + nodes * descriptorsPerNode;
     rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
-        limit.rlim_cur = limit.rlim_max;
+    if (getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < needed) {
+        limit.rlim_cur = std::min(needed, limit.rlim_max);
         setrlimit(RLIMIT_NOFILE, &limit);
     }
 }
@@ -87,7 +109,7 @@ private:
     Nanoseconds deadline() const;
     GatewayStatus status() const;
 
-    void onMessage(TAaSysComNid node, const std::string& route, std::span<const std::byte> bytes) override;
+    std::size_t onMessage(TAaSysComNid node, const std::string& route, std::span<const std::byte> bytes) override;
     void onGreeting(Peer& peer, const Greeting& greeting, TAaSysComNid node, const std::string& route);
     void onParcel(Peer& peer, const Parcel& parcel, const std::string& route);
     void onPing(Peer& peer, const Ping& ping, const std::string& route);
@@ -109,9 +131,10 @@ private:
     host::CpidStore m_store;
     host::WaitSet m_waitSet;
     zmq::context_t m_context{1};
-    Resolver m_resolver{m_waitSet};
-    const Surroundings m_around{m_own.node, m_epoch,   m_keys,     m_options, m_store,
-                                m_context,  m_waitSet, m_resolver, m_refused, m_taken};
+    Resolver m_resolver{m_waitSet, m_options.lookUp};
+    QueueRoom m_room{m_options.allQueuesBytes};
+    const Surroundings m_around{m_own.node, m_epoch,    m_keys, m_options, m_store, m_context,
+                                m_waitSet,  m_resolver, m_room, m_refused, m_taken};
     std::unique_ptr<Entrance> m_entrance;
     std::unique_ptr<Receivers> m_receivers;
     std::vector<std::unique_ptr<Peer>> m_peers;
@@ -123,13 +146,17 @@ private:
 
 Gateway::Loop::Loop(const host::RunDirectory& directory, const Table& table, const KeyPair& keys,
                     const GatewayOptions& options)
-    : m_table(table), m_keys(keys), m_options(options), m_own(ownRow(directory, m_table, m_keys)), m_store(directory)
+    : m_table(table),
+      m_keys(keys),
+      m_options(withShares(options, table.rows().size() - 1)),
+      m_own(ownRow(directory, m_table, m_keys)),
+      m_store(directory)
 {
     if (!m_store.tryBecomeGateway()) {
         throw host::EnvironmentError("process " + std::to_string(m_store.foreignGateway()) +
                                      " is the gateway of node " + nodeName(m_own.node) + " already");
     }
-    raiseDescriptorLimit();
+    raiseDescriptorLimit(m_table.rows().size());
     m_context.set(zmq::ctxopt::blocky, false);
     directory.makeSubdirectory(host::nodeSocketFolder);
     m_entrance = std::make_unique<Entrance>(m_context, m_waitSet, m_table, m_own, m_keys, m_options, m_refused);
@@ -162,6 +189,14 @@ Gateway::Loop::~Loop()
 {
     for (const auto& peer : m_peers) {
         peer->endpoint.reset(); // takes in what senders have handed over, so that it is counted
+    }
+    m_receivers->flushAll();
+    for (const auto& peer : m_peers) {
+        if (const std::uint64_t pending = peer->account.pending; pending > 0) {
+            AaSysLogPrint(EAaSysLogSeverityLevel_Warning,
+                          "The gateway ends: %llu messages of node 0x%04X have not been read by their receivers",
+                          static_cast<unsigned long long>(pending), peer->account.node);
+        }
         if (const std::size_t waiting = peer->link.queue().messages(); waiting > 0) {
             AaSysLogPrint(EAaSysLogSeverityLevel_Warning,
                           "The gateway ends: %zu messages to node 0x%04X have not been confirmed", waiting,
@@ -225,7 +260,7 @@ void Gateway::Loop::serveWires()
 void Gateway::Loop::takeResolved()
 {
     for (const Resolver::Found& found : m_resolver.take()) {
-        m_peers[found.ticket]->link.onResolved(found.address, m_now);
+        m_peers[found.ticket]->link.onResolved(found.addresses, m_now);
     }
 }
 
@@ -253,17 +288,19 @@ Nanoseconds Gateway::Loop::deadline() const
     return earliest;
 }
 
-void Gateway::Loop::onMessage(TAaSysComNid node, const std::string& route, std::span<const std::byte> bytes)
+std::size_t Gateway::Loop::onMessage(TAaSysComNid node, const std::string& route, std::span<const std::byte> bytes)
 {
     const auto known = m_peerOf.find(node);
     if (known == m_peerOf.end()) {
-        return; // the key check lets nobody else in
+        return 0; // the key check lets nobody else in
     }
     Peer& peer = *known->second;
     const WireMessage message = readWire(bytes);
     if (const auto* const parcel = std::get_if<Parcel>(&message)) {
         onParcel(peer, *parcel, route);
-    } else if (const auto* const ping = std::get_if<Ping>(&message)) {
+        return parcel->count;
+    }
+    if (const auto* const ping = std::get_if<Ping>(&message)) {
         onPing(peer, *ping, route);
     } else if (const auto* const greeting = std::get_if<Greeting>(&message)) {
         onGreeting(peer, *greeting, node, route);
@@ -275,6 +312,7 @@ void Gateway::Loop::onMessage(TAaSysComNid node, const std::string& route, std::
     } else {
         refuse(RefusalReason::Garbage, node);
     }
+    return 0;
 }
 
 /// Logs the first of its kind and then ever more rarely.
@@ -303,7 +341,11 @@ void Gateway::Loop::onGreeting(Peer& peer, const Greeting& greeting, TAaSysComNi
 
 bool Gateway::Loop::isInSession(Peer& peer, std::uint64_t session, const std::string& route)
 {
+    const std::uint64_t before = peer.reception.confirmation().session;
     if (peer.reception.onSession(session, m_now) == Reception::Verdict::Taken) {
+        if (session != before) {
+            peer.link.tryNow(m_now); // who has just come can be reached
+        }
         return true;
     }
     refuse(RefusalReason::Stale, peer.account.node);

@@ -11,8 +11,8 @@
 ///    another node connects to that node's socket; where there is none the send fails at once.
 /// 2. What arrives there is checked as between processes of the node (message, length, sender, credentials), and put
 ///    into the link's queue. The gateway reads at all times, so that a sender never waits for another node. The queue
-///    is bounded by count and by bytes; what is too much is dropped, the oldest first that has not been sent, counted,
-///    and logged once until the queue has been empty again.
+///    is bounded by count and by bytes, and all queues together are by bytes; what is too much is dropped, the oldest
+///    first that has not been sent, counted, and logged once until the queue has been empty again.
 /// 3. Each link has a connection per direction, on which one node sends. It is tried until it holds, with back-off.
 ///    Both ends prove who they are by the keys of the table: a peer is the node that its key belongs to, whatever it
 ///    says.
@@ -21,14 +21,16 @@
 ///    epoch, a random number of its own for each life. A message is delivered to the life that was known when it was
 ///    accepted (any, when none had been met), from the life that accepted it, or it is dropped and counted.
 /// 5. What arrives from another node goes to the receiver's socket with id, sender, receiver and payload untouched. A
-///    receiver that does not read has its own bounded share of memory, dropped oldest first, and holds up nobody.
+///    receiver that does not read has its own bounded share of memory, dropped oldest first, and holds up nobody. Where
+///    all of them take too much, the one that takes most loses its oldest. What is still kept at the end is logged.
 ///
 /// Order is kept for each pair of sender and receiver. Every message that was accepted is in the end confirmed or
 /// counted under the reason for which it was dropped, see Status.hpp. Confirmed means: the other gateway has it.
 ///
 /// One thread does everything in run(), besides ZeroMQ's own for the connections, and one at a time for each host name
-/// that is being looked up. All times are of the clock that never steps. The process's limit of open files is raised as
-/// far as it may be: each other node takes about six.
+/// that is being looked up. All times are of the clock that never steps. The process's limit of open files is raised to
+/// 512 and 72 for each node of the table, if it is lower and may be: more connections than that, of whomever, are not
+/// taken. One that has not proven who it is has two seconds for it.
 #pragma once
 
 #include "gateway/Keys.hpp"
@@ -39,29 +41,42 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace dorn::gateway {
 
 /// Bounds and times; the defaults are for a board.
 struct GatewayOptions {
-    /// Messages that may wait for a node, in flight or not.
+    /// Messages that may wait for a node, in flight or not; up to a quarter of them, and of their bytes, in flight.
     std::size_t queueMessages = 65536;
-    /// Their bytes, each message with 16 bytes besides its payload.
+    /// Their bytes, each message with 16 bytes besides its payload. The other gateway confirms within 5 ms or 256 KiB:
+    /// with less than 1 MiB here no more than a quarter of it is sent in 5 ms.
     std::size_t queueBytes = std::size_t{16} << 20;
+    /// Bytes that may be in flight to a node; less where all nodes' together would take half of #allQueuesBytes.
+    std::size_t windowBytes = std::size_t{4} << 20;
+    /// Bytes that may wait for all nodes together: where they are more, the fullest queue drops its oldest messages.
+    std::size_t allQueuesBytes = std::size_t{64} << 20;
     /// Messages that may be kept for one receiver that does not read.
     std::size_t receiverMessages = 16384;
-    /// Their bytes.
+    /// Their bytes, each message with 88 bytes besides its payload.
     std::size_t receiverBytes = std::size_t{4} << 20;
-    /// Bytes that may be kept for all receivers of this node together.
+    /// Bytes that may be kept for all receivers of this node together: where they are more, the one with the most loses
+    /// its oldest messages.
     std::size_t allReceiversBytes = std::size_t{64} << 20;
 
-    Nanoseconds heartbeat = std::chrono::milliseconds(500);    ///< between two heartbeats
-    Nanoseconds silence = std::chrono::seconds(2);             ///< a link of which nothing is heard for so long is cut
-    Nanoseconds attempt = std::chrono::seconds(3);             ///< a connection that is not up by then is given up
-    Nanoseconds firstBackOff = std::chrono::milliseconds(100); ///< before a link is tried again; doubled each time
+    Nanoseconds heartbeat = std::chrono::milliseconds(500); ///< between two heartbeats
+    /// A link of which nothing is heard for so long is cut; another gateway's connection after three times that.
+    Nanoseconds silence = std::chrono::seconds(2);
+    Nanoseconds attempt = std::chrono::seconds(3);                 ///< a connection that is not up by then is given up
+    Nanoseconds firstBackOff = std::chrono::milliseconds(100);     ///< before a link is tried again; doubled each time
     Nanoseconds greatestBackOff = std::chrono::milliseconds(5000); ///< the most it is doubled to
+
+    /// Finds the numeric addresses of a host's name, empty: there are none. Runs in a thread of its own and may take
+    /// any time. Empty: the system's.
+    std::function<std::vector<std::string>(const std::string& host)> lookUp = {};
 
     /// Address on which to listen; empty: all of this machine's. The port is that of the own row.
     std::string listenAddress = {};

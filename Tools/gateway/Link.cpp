@@ -6,11 +6,15 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <cerrno>
+#include <new>
 #include <sys/random.h>
 #include <system_error>
 
 namespace dorn::gateway {
 namespace {
+
+/// So many pings may be on their way until the first is answered.
+constexpr std::size_t pingsRemembered = 16;
 
 bool isNumeric(const std::string& host)
 {
@@ -32,30 +36,47 @@ std::uint64_t randomId()
 }
 
 Link::Link(const TableRow& row, TAaSysComNid own, std::uint64_t ownEpoch, const GatewayOptions& options, PeerLife& life,
-           LinkWire& wire, Nanoseconds now)
+           LinkWire& wire, QueueRoom& room, Nanoseconds now)
     : m_row(row),
       m_own(own),
       m_ownEpoch(ownEpoch),
       m_options(options),
       m_life(life),
       m_wire(wire),
-      m_queue({options.queueMessages, options.queueBytes}),
+      m_room(room),
+      m_queue({options.queueMessages, options.queueBytes, options.windowBytes}),
       m_changed(now),
       m_until(now),
       m_backOff(options.firstBackOff)
 {
     m_life.whenEnded([this](Nanoseconds when) { onLifeEnded(when); });
+    m_room.add(*this);
 }
 
 void Link::accept(const RecordHeader& header, std::span<const std::byte> payload)
 {
     ++m_accepted;
-    const std::size_t dropped = m_queue.push(header, payload);
-    if (dropped == 0) {
+    try {
+        noteDropped(m_queue.push(header, payload));
+    } catch (const std::bad_alloc&) {
+        ++m_dropped[DropReason::QueueFull]; // without a line, which would need memory too
         return;
     }
-    m_dropped[DropReason::QueueFull] += dropped;
-    if (!m_isOverflowing) {
+    m_room.note(RecordHeader::size + payload.size());
+}
+
+/// The queues of all nodes take too much, and this one the most.
+std::size_t Link::giveWay()
+{
+    const std::size_t bytes = m_queue.dropOldest();
+    noteDropped(1);
+    return bytes;
+}
+
+void Link::noteDropped(std::size_t count)
+{
+    m_dropped[DropReason::QueueFull] += count;
+    if (count > 0 && !m_isOverflowing) {
         m_isOverflowing = true;
         AaSysLogPrint(EAaSysLogSeverityLevel_Warning,
                       "The queue to node 0x%04X is full (%zu messages, %zu bytes): the oldest are dropped", m_row.node,
@@ -65,9 +86,19 @@ void Link::accept(const RecordHeader& header, std::span<const std::byte> payload
 
 void Link::flush()
 {
-    if (m_state != LinkState::Up) {
+    if (m_state != LinkState::Up || m_isBlocked) {
         return;
     }
+    try {
+        sendQueued();
+    } catch (const std::bad_alloc&) {
+        return; // there may be memory later
+    }
+    m_isOverflowing = m_isOverflowing && m_queue.hasUnsent();
+}
+
+void Link::sendQueued()
+{
     while (m_queue.canSend()) {
         const OutgoingQueue::Packed packed = m_queue.front();
         Parcel parcel;
@@ -76,11 +107,12 @@ void Link::flush()
         parcel.count = packed.count;
         parcel.confirmation = m_piggyback();
         if (!m_wire.send(parcelPreamble(parcel), packed.records)) {
+            m_isBlocked = true;
             return;
         }
+        m_said();
         m_queue.sent();
     }
-    m_isOverflowing = m_isOverflowing && m_queue.hasUnsent();
 }
 
 Nanoseconds Link::deadline() const
@@ -92,6 +124,9 @@ void Link::tick(Nanoseconds now)
 {
     if (m_state == LinkState::Up && now >= m_nextPing) {
         ping(now);
+        if (now - m_changed >= m_options.silence) {
+            settle();
+        }
     }
     if (now < m_until) {
         return;
@@ -118,19 +153,39 @@ void Link::begin(Nanoseconds now)
         connect(m_row.host, now);
         return;
     }
+    if (!m_addresses.empty()) {
+        connectToNext(now);
+        return;
+    }
     enter(LinkState::Resolving, now);
     m_wire.resolve(m_row.host);
 }
 
-void Link::onResolved(const std::optional<std::string>& address, Nanoseconds now)
+/// What comes too late for its attempt is used in the next one.
+void Link::onResolved(std::vector<std::string> addresses, Nanoseconds now)
 {
+    m_addresses = std::move(addresses);
     if (m_state != LinkState::Resolving) {
-        return; // too late
+        return;
     }
-    if (address) {
-        connect(*address, now);
-    } else {
+    if (m_addresses.empty()) {
         onFault(LinkFault::HostUnknown, now);
+    } else {
+        connectToNext(now);
+    }
+}
+
+void Link::connectToNext(Nanoseconds now)
+{
+    const std::string address = m_addresses.front();
+    m_addresses.erase(m_addresses.begin());
+    connect(address, now);
+}
+
+void Link::tryNow(Nanoseconds now)
+{
+    if (m_state == LinkState::Waiting) {
+        m_until = std::min(m_until, now + m_options.firstBackOff);
     }
 }
 
@@ -162,6 +217,8 @@ void Link::onFault(LinkFault fault, Nanoseconds now)
     m_session = 0;
     m_attempt = 0;
     m_roundTrip.reset();
+    m_pings.clear();
+    m_isBlocked = false;
     m_fault = fault;
     enter(LinkState::Waiting, now);
     m_until = now + m_backOff;
@@ -173,14 +230,22 @@ void Link::onFault(LinkFault fault, Nanoseconds now)
 void Link::report(LinkFault fault, bool wasUp)
 {
     const std::string name(nameOf(fault));
+    const std::uint32_t bit = 1U << static_cast<unsigned>(fault);
     if (wasUp) {
         AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "The link to node 0x%04X is lost: %s; %zu messages wait",
                       m_row.node, name.c_str(), m_queue.messages());
-    } else if (fault != m_reported) {
+    } else if ((m_reported & bit) == 0) {
         AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "No link to node 0x%04X (%s port %u): %s; it is tried again",
                       m_row.node, m_row.host.c_str(), static_cast<unsigned>(m_row.port), name.c_str());
     }
-    m_reported = fault;
+    m_reported |= bit;
+}
+
+/// It has been up for long enough to be no attempt any more.
+void Link::settle()
+{
+    m_backOff = m_options.firstBackOff;
+    m_reported = 0;
 }
 
 void Link::onMessage(const WireMessage& message, Nanoseconds now)
@@ -200,6 +265,7 @@ void Link::onMessage(const WireMessage& message, Nanoseconds now)
     }
     if (m_state == LinkState::Up) {
         m_until = now + m_options.silence;
+        m_isBlocked = false;
     }
 }
 
@@ -212,12 +278,15 @@ void Link::onWelcome(const Welcome& welcome, Nanoseconds now)
         onFault(LinkFault::Refused, now);
         return;
     }
+    if (!m_queue.canResume(welcome.expected)) {
+        onFault(LinkFault::Garbage, now);
+        return;
+    }
     std::size_t confirmed = 0;
     m_dropped[DropReason::Unconfirmed] += m_queue.resume(welcome.expected, confirmed);
     m_confirmed += confirmed;
     m_session = welcome.session;
-    m_backOff = m_options.firstBackOff;
-    m_reported = LinkFault::None;
+    m_addresses.clear();
     ++m_ups;
     enter(LinkState::Up, now);
     AaSysLogPrint(EAaSysLogSeverityLevel_Info, "The link to node 0x%04X is up; %zu messages wait", m_row.node,
@@ -252,23 +321,50 @@ void Link::onPong(const Pong& pong, Nanoseconds now)
 {
     if (m_state == LinkState::Up && pong.confirmation.session == m_session) {
         onConfirmation(pong.confirmation);
-        m_roundTrip = std::max(now - Nanoseconds(static_cast<std::int64_t>(pong.stamp)), Nanoseconds(0));
+        const auto ping = std::find_if(m_pings.begin(), m_pings.end(), [&pong](Nanoseconds sent) {
+            return static_cast<std::uint64_t>(sent.count()) == pong.stamp;
+        });
+        if (ping != m_pings.end()) { // or it is none of ours: only what was sent is believed
+            m_roundTrip = now - *ping;
+            m_pings.erase(m_pings.begin(), ping + 1);
+        }
     }
 }
+
+namespace {
+
+LinkFault faultOf(RefusalCode code)
+{
+    switch (code) {
+    case RefusalCode::Version:
+        return LinkFault::Version;
+    case RefusalCode::WrongNode:
+        return LinkFault::WrongNode;
+    case RefusalCode::NoSession:
+        return LinkFault::Refused;
+    }
+    return LinkFault::Garbage; // none of this version
+}
+
+} // namespace
 
 void Link::onRefusal(const Refusal& refusal, Nanoseconds now)
 {
     const bool isOfSession = m_state == LinkState::Up && refusal.what == m_session;
     const bool isOfAttempt = m_state == LinkState::Connecting && refusal.what == m_attempt;
     if (isOfSession || isOfAttempt) {
-        onFault(refusal.code == RefusalCode::Version ? LinkFault::Version : LinkFault::Refused, now);
+        onFault(faultOf(refusal.code), now);
     }
 }
 
 void Link::ping(Nanoseconds now)
 {
     m_nextPing = now + m_options.heartbeat;
-    m_wire.send(wireBytes(Ping{m_session, static_cast<std::uint64_t>(now.count())}), {});
+    m_isBlocked = !m_wire.send(wireBytes(Ping{m_session, static_cast<std::uint64_t>(now.count())}), {});
+    m_pings.push_back(now);
+    if (m_pings.size() > pingsRemembered) {
+        m_pings.pop_front();
+    }
 }
 
 void Link::describe(LinkStatus& status, Nanoseconds now) const

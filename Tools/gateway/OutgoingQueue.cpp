@@ -4,24 +4,46 @@
 #include <algorithm>
 
 namespace dorn::gateway {
-namespace {
-
-constexpr std::size_t greatestWindow = std::size_t{4} << 20;
-
-} // namespace
-
 std::size_t OutgoingQueue::Limits::window() const
 {
     return std::min(greatestWindow, bytes / 4);
 }
 
+std::size_t OutgoingQueue::Limits::windowMessages() const
+{
+    return std::max<std::size_t>(messages / 4, 1);
+}
+
+std::size_t OutgoingQueue::Limits::parcelMessages() const
+{
+    return std::max<std::size_t>(windowMessages() / 4, 1);
+}
+
+bool OutgoingQueue::isFull(const Pack& pack, std::size_t size) const
+{
+    return pack.records.size() + size > parcelTarget || pack.count >= m_limits.parcelMessages();
+}
+
+/// The last pack, with memory for @p size bytes more; never much more than a parcel takes.
+OutgoingQueue::Pack& OutgoingQueue::packFor(std::size_t size)
+{
+    if (m_unsent.empty() || isFull(m_unsent.back(), size)) {
+        Pack pack;
+        pack.records.reserve(size);
+        m_unsent.push_back(std::move(pack));
+        return m_unsent.back();
+    }
+    Pack& last = m_unsent.back();
+    if (const std::size_t needed = last.records.size() + size; needed > last.records.capacity()) {
+        last.records.reserve(std::clamp(2 * last.records.capacity(), needed, parcelTarget));
+    }
+    return last;
+}
+
 std::size_t OutgoingQueue::push(const RecordHeader& header, std::span<const std::byte> payload)
 {
     const std::size_t size = RecordHeader::size + payload.size();
-    if (m_unsent.empty() || m_unsent.back().records.size() + size > parcelTarget) {
-        m_unsent.emplace_back();
-    }
-    Pack& last = m_unsent.back();
+    Pack& last = packFor(size);
     appendRecord(last.records, header, payload);
     ++last.count;
     ++m_messages;
@@ -34,7 +56,7 @@ std::size_t OutgoingQueue::push(const RecordHeader& header, std::span<const std:
     return dropped;
 }
 
-void OutgoingQueue::dropOldest()
+std::size_t OutgoingQueue::dropOldest()
 {
     Pack& first = m_unsent.front();
     std::span<const std::byte> records = std::span<const std::byte>(first.records).subspan(first.begin);
@@ -48,6 +70,7 @@ void OutgoingQueue::dropOldest()
     if (first.count == 0) {
         m_unsent.pop_front();
     }
+    return size;
 }
 
 bool OutgoingQueue::canSend() const
@@ -55,15 +78,19 @@ bool OutgoingQueue::canSend() const
     if (m_sent < m_kept.size()) {
         return true;
     }
-    return !m_unsent.empty() && m_keptBytes < m_limits.window();
+    if (m_unsent.empty() || m_kept.empty()) {
+        return !m_unsent.empty();
+    }
+    return m_keptBytes < m_limits.window() && m_keptMessages + m_unsent.front().count <= m_limits.windowMessages();
 }
 
 OutgoingQueue::Packed OutgoingQueue::front()
 {
     if (m_sent == m_kept.size()) {
-        m_keptBytes += m_unsent.front().size();
         m_kept.push_back(std::move(m_unsent.front()));
         m_unsent.pop_front();
+        m_keptMessages += m_kept.back().count;
+        m_keptBytes += m_kept.back().size();
         ++m_next;
     }
     const Pack& pack = m_kept[m_sent];
@@ -77,6 +104,7 @@ std::size_t OutgoingQueue::release()
     const std::size_t count = first.count;
     m_messages -= count;
     m_bytes -= first.size();
+    m_keptMessages -= first.count;
     m_keptBytes -= first.size();
     m_kept.pop_front();
     m_sent -= m_sent > 0 ? 1 : 0;
@@ -99,7 +127,7 @@ std::size_t OutgoingQueue::resume(std::uint64_t expected, std::size_t& confirmed
 {
     confirmed = 0;
     std::size_t givenUp = 0;
-    if (expected < firstKept() || expected > m_next) {
+    if (expected < firstKept()) {
         while (!m_kept.empty()) {
             givenUp += release();
         }

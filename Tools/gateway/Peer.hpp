@@ -28,6 +28,7 @@ struct Surroundings {
     zmq::context_t& context;
     host::WaitSet& waitSet;
     Resolver& resolver;
+    QueueRoom& room;
     RefusalCounts& refused;
     std::uint64_t& taken; ///< frames of senders of this node
 };
@@ -37,11 +38,11 @@ struct Peer {
     /// @param ticket by which the resolver's findings are known to be this peer's
     Peer(const TableRow& row, std::size_t ticket, const Surroundings& around)
         : wire(around.context, around.waitSet, around.resolver, row, around.keys, around.options, ticket),
-          link(row, around.own, around.epoch, around.options, life, wire, host::Clock::get().monotonic()),
+          link(row, around.own, around.epoch, around.options, life, wire, around.room, host::Clock::get().monotonic()),
           inlet(around.own, row.node, around.store, link, around.refused, around.taken)
     {
         account.node = row.node;
-        link.setPiggyback([this] { return reception.confirm(); });
+        link.setPiggyback([this] { return reception.confirmation(); }, [this] { reception.noteSaid(); });
     }
     Peer(const Peer&) = delete;
     Peer& operator=(const Peer&) = delete;

@@ -8,6 +8,7 @@
 #include <bit>
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <sys/epoll.h>
 #include <sys/socket.h>
 #include <system_error>
@@ -107,6 +108,10 @@ void Receivers::deliver(DeliveryAccount& account, std::span<const Record> record
 
 void Receivers::deliverRun(DeliveryAccount& account, TAaSysComCpid cpid, std::span<const Record> run)
 {
+    if (m_nobody.contains(cpid)) {
+        noteNobody(account, run.front(), run.size());
+        return;
+    }
     Receiver& receiver = m_receivers[cpid];
     std::size_t sent = 0;
     const Outcome outcome = receiver.kept.empty() ? send(cpid, receiver, run, sent) : Outcome::Full;
@@ -116,6 +121,7 @@ void Receivers::deliverRun(DeliveryAccount& account, TAaSysComCpid cpid, std::sp
     } else if (outcome == Outcome::Gone) {
         noteNobody(account, run[sent], run.size() - sent);
         m_receivers.erase(cpid);
+        m_nobody.insert(cpid);
     }
 }
 
@@ -141,7 +147,8 @@ Receivers::Outcome Receivers::send(TAaSysComCpid cpid, Receiver& receiver, std::
     sent = 0;
     for (int attempt = 0; sent < run.size();) {
         if (!receiver.socket) {
-            const Outcome outcome = attempt++ < greatestAttempts ? connect(cpid, receiver) : Outcome::Gone;
+            // One that takes connections and ends them is there, but short of descriptors: it is left some time.
+            const Outcome outcome = attempt++ < greatestAttempts ? connect(cpid, receiver) : Outcome::Full;
             if (outcome != Outcome::Done) {
                 return outcome;
             }
@@ -167,32 +174,57 @@ void Receivers::loseConnection(Receiver& receiver)
 void Receivers::keep(DeliveryAccount& account, TAaSysComCpid cpid, Receiver& receiver, std::span<const Record> run)
 {
     for (const Record& record : run) {
-        const FrameHeader header = frameHeader(record.header);
-        std::vector<std::byte> frame(sizeof header + record.payload.size());
-        std::memcpy(frame.data(), &header, sizeof header);
-        std::copy(record.payload.begin(), record.payload.end(), frame.begin() + sizeof header);
-        receiver.keptBytes += frame.size();
-        m_keptBytes += frame.size();
-        ++account.pending;
-        receiver.kept.push_back({&account, std::move(frame)});
-        while (isTooFull(receiver) && !receiver.kept.empty()) {
-            dropOldest(receiver, DropReason::ReceiverFull);
-            if (!receiver.isOverflowing) {
-                receiver.isOverflowing = true;
-                AaSysLogPrint(EAaSysLogSeverityLevel_Warning,
-                              "cpid 0x%04X does not read what comes from other nodes: the oldest of %zu messages are "
-                              "dropped",
-                              cpid, receiver.kept.size() + 1);
-            }
+        try {
+            keepOne(account, cpid, receiver, record);
+        } catch (const std::bad_alloc&) {
+            ++account.dropped[DropReason::ReceiverFull]; // without a line, which would need memory too
         }
     }
     watch(cpid, receiver);
 }
 
+void Receivers::keepOne(DeliveryAccount& account, TAaSysComCpid cpid, Receiver& receiver, const Record& record)
+{
+    const FrameHeader header = frameHeader(record.header);
+    std::vector<std::byte> frame(sizeof header + record.payload.size());
+    std::memcpy(frame.data(), &header, sizeof header);
+    std::copy(record.payload.begin(), record.payload.end(), frame.begin() + sizeof header);
+    const std::size_t bytes = receiver.kept.emplace_back(Kept{&account, std::move(frame)}).bytes();
+    receiver.keptBytes += bytes;
+    m_keptBytes += bytes;
+    ++account.pending;
+    makeRoom(cpid, receiver);
+}
+
+void Receivers::makeRoom(TAaSysComCpid cpid, Receiver& receiver)
+{
+    while (isTooFull(receiver)) {
+        drop(cpid, receiver);
+    }
+    while (m_keptBytes > m_options.allReceiversBytes) {
+        const auto most =
+            std::max_element(m_receivers.begin(), m_receivers.end(), [](const auto& left, const auto& right) {
+                return left.second.keptBytes < right.second.keptBytes;
+            });
+        drop(most->first, most->second);
+    }
+}
+
 bool Receivers::isTooFull(const Receiver& receiver) const
 {
-    return receiver.kept.size() > m_options.receiverMessages || receiver.keptBytes > m_options.receiverBytes ||
-           m_keptBytes > m_options.allReceiversBytes;
+    return receiver.kept.size() > m_options.receiverMessages || receiver.keptBytes > m_options.receiverBytes;
+}
+
+/// Drops the oldest for want of room, and says so once until all has been read.
+void Receivers::drop(TAaSysComCpid cpid, Receiver& receiver)
+{
+    dropOldest(receiver, DropReason::ReceiverFull);
+    if (!receiver.isOverflowing) {
+        receiver.isOverflowing = true;
+        AaSysLogPrint(EAaSysLogSeverityLevel_Warning,
+                      "cpid 0x%04X does not read what comes from other nodes: the oldest of %zu messages are dropped",
+                      cpid, receiver.kept.size() + 1);
+    }
 }
 
 void Receivers::dropOldest(Receiver& receiver, DropReason reason)
@@ -200,8 +232,8 @@ void Receivers::dropOldest(Receiver& receiver, DropReason reason)
     const Kept& oldest = receiver.kept.front();
     --oldest.account->pending;
     ++oldest.account->dropped[reason];
-    receiver.keptBytes -= oldest.frame.size();
-    m_keptBytes -= oldest.frame.size();
+    receiver.keptBytes -= oldest.bytes();
+    m_keptBytes -= oldest.bytes();
     receiver.kept.pop_front();
 }
 
@@ -241,6 +273,7 @@ void Receivers::onReadable()
 
 void Receivers::tick(Nanoseconds now)
 {
+    m_nobody.clear();
     if (now < m_retryAt) {
         return;
     }
@@ -288,11 +321,22 @@ Receivers::Outcome Receivers::sendKept(TAaSysComCpid cpid, Receiver& receiver)
         }
         ++oldest.account->delivered;
         --oldest.account->pending;
-        receiver.keptBytes -= oldest.frame.size();
-        m_keptBytes -= oldest.frame.size();
+        receiver.keptBytes -= oldest.bytes();
+        m_keptBytes -= oldest.bytes();
         receiver.kept.pop_front();
     }
     return Outcome::Done;
+}
+
+void Receivers::flushAll()
+{
+    std::vector<TAaSysComCpid> cpids;
+    for (const auto& [cpid, receiver] : m_receivers) {
+        cpids.push_back(cpid);
+    }
+    for (const TAaSysComCpid cpid : cpids) {
+        flush(cpid, m_receivers[cpid]);
+    }
 }
 
 void Receivers::dropKept(DeliveryAccount& account)
@@ -304,8 +348,8 @@ void Receivers::dropKept(DeliveryAccount& account)
             }
             --account.pending;
             ++account.dropped[DropReason::SenderRestarted];
-            receiver.keptBytes -= kept.frame.size();
-            m_keptBytes -= kept.frame.size();
+            receiver.keptBytes -= kept.bytes();
+            m_keptBytes -= kept.bytes();
             return true;
         });
     }

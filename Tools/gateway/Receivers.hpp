@@ -16,6 +16,7 @@
 #include <deque>
 #include <span>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace dorn::gateway {
@@ -29,7 +30,8 @@ struct DeliveryAccount {
 };
 
 /// Hands messages to the sockets of the cpids, never waiting. What a socket does not take is kept, each receiver's
-/// apart and bounded, and handed over when there is room; the oldest go first when the bound is reached.
+/// apart and bounded, and handed over when there is room; the oldest go first when the bound is reached. Where all
+/// receivers together take too much, the oldest of the one that takes most go.
 class Receivers final : private host::WaitSource {
 public:
     /// @throws std::system_error when descriptors have run out.
@@ -41,7 +43,12 @@ public:
     /// Drops what is kept of one node, whose gateway's life has ended.
     void dropKept(DeliveryAccount& account);
 
+    /// Hands over what is taken now, before the end.
+    void flushAll();
+
     Nanoseconds deadline() const { return m_retryAt; }
+    /// To be called once in a while also before the deadline: until then a cpid that nobody held is not looked for
+    /// again.
     void tick(Nanoseconds now);
 
     std::size_t keptBytes() const { return m_keptBytes; }
@@ -50,6 +57,8 @@ private:
     struct Kept {
         DeliveryAccount* account;
         std::vector<std::byte> frame;
+        std::size_t bytes() const { return frame.size() + overhead; }
+        static constexpr std::size_t overhead = 64; ///< of a message that is kept, besides its frame
     };
     struct Receiver {
         host::UnixSocket socket{-1};
@@ -72,6 +81,9 @@ private:
     void watch(TAaSysComCpid cpid, Receiver& receiver);
     void noteNobody(DeliveryAccount& account, const Record& record, std::size_t count);
     bool isTooFull(const Receiver& receiver) const;
+    void makeRoom(TAaSysComCpid cpid, Receiver& receiver);
+    void drop(TAaSysComCpid cpid, Receiver& receiver);
+    void keepOne(DeliveryAccount& account, TAaSysComCpid cpid, Receiver& receiver, const Record& record);
 
     const host::RunDirectory& m_directory;
     const GatewayOptions& m_options;
@@ -79,7 +91,8 @@ private:
     host::Descriptor m_poll;
     std::unordered_map<TAaSysComCpid, Receiver> m_receivers;
     std::size_t m_keptBytes = 0;
-    Nanoseconds m_retryAt{host::noDeadline}; ///< for receivers that could not be connected to
+    std::unordered_set<TAaSysComCpid> m_nobody; ///< cpids that nobody held since the last tick
+    Nanoseconds m_retryAt{host::noDeadline};    ///< for receivers that could not be connected to
 };
 
 } // namespace dorn::gateway

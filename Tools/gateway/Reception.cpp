@@ -60,11 +60,16 @@ Reception::Verdict Reception::onParcel(const Parcel& parcel, Nanoseconds now)
     return Verdict::Taken;
 }
 
-Confirmation Reception::confirm()
+void Reception::noteSaid()
 {
     m_unconfirmedBytes = 0;
     m_confirmBy = host::noDeadline;
-    return {m_current.id, m_current.id != 0 ? m_expected : 0};
+}
+
+Confirmation Reception::confirm()
+{
+    noteSaid();
+    return confirmation();
 }
 
 } // namespace dorn::gateway

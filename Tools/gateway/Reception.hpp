@@ -39,7 +39,11 @@ public:
 
     /// Where answers go.
     const std::string& route() const { return m_current.route; }
-    /// What has arrived so far; noted as said.
+    /// What has arrived so far.
+    Confirmation confirmation() const { return {m_current.id, m_current.id != 0 ? m_expected : 0}; }
+    /// That has been said.
+    void noteSaid();
+    /// Both.
     Confirmation confirm();
     /// When it is to be said, if it is not said along with something else before; noDeadline when there is nothing.
     Nanoseconds deadline() const { return m_confirmBy; }

@@ -11,21 +11,24 @@
 namespace dorn::gateway {
 namespace {
 
-std::optional<std::string> lookUp(const std::string& host)
+std::vector<std::string> systemLookUp(const std::string& host)
 {
     addrinfo hints{};
     hints.ai_family = AF_UNSPEC;
     hints.ai_socktype = SOCK_STREAM;
     addrinfo* list = nullptr;
     if (getaddrinfo(host.c_str(), nullptr, &hints, &list) != 0) {
-        return std::nullopt;
+        return {};
     }
     const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owner(list, freeaddrinfo);
-    std::array<char, NI_MAXHOST> text{};
-    if (getnameinfo(list->ai_addr, list->ai_addrlen, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST) != 0) {
-        return std::nullopt;
+    std::vector<std::string> addresses;
+    for (const addrinfo* one = list; one; one = one->ai_next) {
+        std::array<char, NI_MAXHOST> text{};
+        if (getnameinfo(one->ai_addr, one->ai_addrlen, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST) == 0) {
+            addresses.emplace_back(text.data());
+        }
     }
-    return std::string(text.data());
+    return addresses;
 }
 
 } // namespace
@@ -45,7 +48,8 @@ struct Resolver::Shared {
     }
 };
 
-Resolver::Resolver(host::WaitSet& waitSet) : m_shared(std::make_shared<Shared>())
+Resolver::Resolver(host::WaitSet& waitSet, LookUp lookUp)
+    : m_lookUp(lookUp ? std::move(lookUp) : systemLookUp), m_shared(std::make_shared<Shared>())
 {
     m_shared->waitSet = &waitSet;
 }
@@ -58,17 +62,29 @@ Resolver::~Resolver()
 
 void Resolver::start(std::size_t ticket, const std::string& host)
 {
+    if (!m_underWay.insert(ticket).second) {
+        return;
+    }
     try {
-        std::thread([shared = m_shared, ticket, host] { shared->add({ticket, lookUp(host)}); }).detach();
+        std::thread([shared = m_shared, lookUp = m_lookUp, ticket, host] {
+            shared->add({ticket, lookUp(host)});
+        }).detach();
     } catch (const std::system_error&) {
-        m_shared->add({ticket, std::nullopt}); // no thread to be had now
+        m_shared->add({ticket, {}}); // no thread to be had now
     }
 }
 
 std::vector<Resolver::Found> Resolver::take()
 {
-    const std::lock_guard lock(m_shared->mutex);
-    return std::exchange(m_shared->found, {});
+    std::vector<Found> found;
+    {
+        const std::lock_guard lock(m_shared->mutex);
+        found = std::exchange(m_shared->found, {});
+    }
+    for (const Found& one : found) {
+        m_underWay.erase(one.ticket);
+    }
+    return found;
 }
 
 } // namespace dorn::gateway

@@ -5,35 +5,44 @@
 
 #include "syscom/WaitSet.hpp"
 
+#include <cstddef>
+#include <functional>
 #include <memory>
 #include <mutex>
-#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace dorn::gateway {
 
-/// The system's look-up can take as long as its name servers like. Each runs in a thread of its own, which nobody
-/// waits for: what it finds after the resolver has ended goes nowhere.
+/// The system's look-up can take as long as its name servers like. Each runs in a thread of its own, one for each
+/// ticket at a time, which nobody waits for: what it finds after the resolver has ended goes nowhere.
 class Resolver {
 public:
+    /// The addresses of a host's name; any thread.
+    using LookUp = std::function<std::vector<std::string>(const std::string& host)>;
     struct Found {
         std::size_t ticket;
-        std::optional<std::string> address; ///< numeric; nothing when the name is unknown
+        std::vector<std::string> addresses; ///< numeric; empty when the name is unknown
     };
 
     /// @param waitSet rung when something has been found; outlives the threads' last word by being told of the end
-    explicit Resolver(host::WaitSet& waitSet);
+    /// @param lookUp empty: the system's
+    explicit Resolver(host::WaitSet& waitSet, LookUp lookUp = {});
     ~Resolver();
     Resolver(const Resolver&) = delete;
     Resolver& operator=(const Resolver&) = delete;
 
+    /// Begins to look @p host up for @p ticket, unless that is under way.
     void start(std::size_t ticket, const std::string& host);
+    /// What has been found since the last call.
     std::vector<Found> take();
 
 private:
     struct Shared;
+    LookUp m_lookUp;
     std::shared_ptr<Shared> m_shared;
+    std::set<std::size_t> m_underWay;
 };
 
 } // namespace dorn::gateway

@@ -13,7 +13,7 @@ using namespace std::literals;
 
 constexpr std::array stateNames{"waiting"sv, "resolving"sv, "connecting"sv, "up"sv};
 constexpr std::array faultNames{"none"sv, "host unknown"sv, "unreachable"sv, "key refused"sv, "other version"sv,
-                                "cut"sv,  "silent"sv,       "refused"sv,     "garbage"sv};
+                                "cut"sv,  "silent"sv,       "refused"sv,     "garbage"sv,     "wrong node"sv};
 constexpr std::array dropNames{"queue full"sv,    "peer restarted"sv,   "unconfirmed"sv, "no receiver"sv,
                                "receiver full"sv, "sender restarted"sv, "forged"sv};
 constexpr std::array refusalNames{"unknown key"sv, "handshake"sv, "other version"sv,

@@ -45,9 +45,10 @@ enum class LinkFault : std::uint8_t {
     Cut,         ///< the connection ended
     Silent,      ///< the connection is there, but nothing has been heard for the silence time
     Refused,     ///< the other gateway asked for a new beginning, as after a gap
-    Garbage      ///< the other gateway sent what nobody understands
+    Garbage,     ///< the other gateway sent what nobody understands
+    WrongNode    ///< the other gateway's table has other node ids at the two keys
 };
-constexpr std::size_t linkFaultCount = 9;
+constexpr std::size_t linkFaultCount = 10;
 
 /// Why a message was dropped.
 enum class DropReason : std::uint8_t {
@@ -150,8 +151,8 @@ std::optional<GatewayStatus> parseStatus(std::string_view text);
 
 /// What a question for the status found.
 struct FetchedStatus {
-    pid_t holder =
-        0; ///< process that is this node's gateway; 0 when none lives; -1 when it cannot be told, as so many ask
+    pid_t holder = 0; ///< process that is this node's gateway; 0 when none lives; -1 when it cannot be told, as so many
+                      ///< ask or the own process is short of what it takes to ask
     std::optional<GatewayStatus> status; ///< nothing when no gateway lives or it did not answer in time
 };
 

@@ -71,7 +71,8 @@ FetchedStatus fetchStatus(const host::RunDirectory& directory, Nanoseconds patie
     const UnixSocket socket = UnixSocket::make(SOCK_NONBLOCK);
     const sockaddr_un address = host::socketAddress(directory, statusSocketName);
     if (connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        fetched.holder = errno == EAGAIN ? -1 : 0; // so many wait that it can only be hanging
+        const bool isNobody = errno == ENOENT || errno == ECONNREFUSED;
+        fetched.holder = isNobody ? 0 : -1; // EAGAIN: so many wait that it can only be hanging
         return fetched;
     }
     ucred credentials{};

@@ -27,17 +27,29 @@ void ZmqSocket::set(int option, std::span<const std::uint8_t> bytes)
     }
 }
 
+namespace {
+
+/// Does it again when a signal came in between: half a message sent would go on with the next one's.
+template <class Call>
+auto uninterrupted(const Call& call)
+{
+    for (;;) {
+        try {
+            return call();
+        } catch (const zmq::error_t& error) {
+            if (error.num() != EINTR) {
+                throw;
+            }
+        }
+    }
+}
+
+} // namespace
+
 bool ZmqSocket::receive(zmq::message_t& part)
 {
-    try {
-        m_isDirty = m_socket.recv(part, zmq::recv_flags::dontwait).has_value();
-        return m_isDirty;
-    } catch (const zmq::error_t& error) {
-        if (error.num() == EINTR) {
-            return false; // there may still be something
-        }
-        throw;
-    }
+    m_isDirty = uninterrupted([&] { return m_socket.recv(part, zmq::recv_flags::dontwait).has_value(); });
+    return m_isDirty;
 }
 
 void ZmqSocket::skipRest(const zmq::message_t& part)
@@ -58,10 +70,10 @@ bool ZmqSocket::send(zmq::message_t message, bool hasMore)
     m_isDirty = true;
     const auto flags = zmq::send_flags::dontwait | (hasMore ? zmq::send_flags::sndmore : zmq::send_flags::none);
     try {
-        return m_socket.send(message, flags).has_value();
+        return uninterrupted([&] { return m_socket.send(message, flags).has_value(); });
     } catch (const zmq::error_t& error) {
-        if (error.num() == EHOSTUNREACH || error.num() == EINTR) {
-            return false; // whom it was for has gone, or not now
+        if (error.num() == EHOSTUNREACH) {
+            return false; // whom it was for has gone
         }
         throw;
     }
@@ -97,18 +109,20 @@ ZmqMonitor::~ZmqMonitor()
     zmq_socket_monitor(m_watched.socket().handle(), nullptr, 0);
 }
 
-std::optional<int> ZmqMonitor::next()
+std::optional<ZmqMonitor::Event> ZmqMonitor::next()
 {
     zmq::message_t part;
     if (!m_pair.receive(part)) {
         return std::nullopt;
     }
-    std::uint16_t event = 0; // first of the first part, host byte order
-    if (part.size() >= sizeof event) {
-        std::memcpy(&event, part.data(), sizeof event);
+    std::uint16_t kind = 0; // the first part, host byte order: kind and value
+    std::uint32_t value = 0;
+    if (part.size() >= sizeof kind + sizeof value) {
+        std::memcpy(&kind, part.data(), sizeof kind);
+        std::memcpy(&value, part.data<std::byte>() + sizeof kind, sizeof value);
     }
     m_pair.skipRest(part);
-    return event;
+    return Event{kind, static_cast<int>(value)};
 }
 
 } // namespace dorn::gateway

@@ -56,8 +56,12 @@ public:
     ZmqMonitor& operator=(const ZmqMonitor&) = delete;
 
     bool isDirty() const { return m_pair.isDirty(); }
+    struct Event {
+        int kind;  ///< ZMQ_EVENT_...
+        int value; ///< what it says besides, an error number for some
+    };
     /// The next event; nothing when there is none.
-    std::optional<int> next();
+    std::optional<Event> next();
 
 private:
     ZmqSocket& m_watched;

@@ -93,6 +93,12 @@ void CutProxy::restore(std::size_t route)
     ring();
 }
 
+std::uint64_t CutProxy::accepted(std::size_t route) const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_routes[route].accepted;
+}
+
 std::uint64_t CutProxy::passed(std::size_t route) const
 {
     const std::lock_guard lock(m_mutex);
@@ -124,6 +130,7 @@ void CutProxy::acceptAll()
         if (accepted < 0) {
             continue;
         }
+        ++m_routes[index].accepted;
         Pair& pair = m_pairs.emplace_back();
         pair.route = index;
         pair.ends[0] = host::Descriptor(accepted);

@@ -33,6 +33,8 @@ public:
     void hold(std::size_t route);
     void restore(std::size_t route);
 
+    /// Connections that came to a route, cut or not.
+    std::uint64_t accepted(std::size_t route) const;
     /// Bytes passed on along a route, both ways.
     std::uint64_t passed(std::size_t route) const;
 
@@ -42,6 +44,7 @@ private:
         host::Descriptor listener;
         std::uint16_t target;
         Mode mode = Mode::Open;
+        std::uint64_t accepted = 0;
         std::uint64_t passed = 0;
     };
     struct Pair {

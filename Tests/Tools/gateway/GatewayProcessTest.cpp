@@ -1,9 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Real services in processes of two nodes, with a gateway process for each.
 #include "TwoNodesTest.hpp"
+#include "syscom/Post.hpp"
 
+#include <algorithm>
+#include <atomic>
 #include <csignal>
+#include <fstream>
+#include <functional>
 #include <gmock/gmock.h>
+#include <sstream>
+#include <sys/resource.h>
+#include <thread>
 
 namespace dorn::gateway::test {
 namespace {
@@ -37,7 +45,9 @@ TEST_F(GatewayProcessTest, NodeInNoTableFailsAtOnceLikeAnUnknownCpid)
 {
     const auto own = startReadyGateway(ownNode);
 
+    const auto before = std::chrono::steady_clock::now();
     EXPECT_EQ(sendEmptyTo(AaSysComSicadGet(0x0300, unknownNode)), EAaSysComStatus_NoRoute);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, host::backPressureTime);
 
     char line[160];
     std::snprintf(line, sizeof line,
@@ -70,6 +80,119 @@ TEST_F(GatewayProcessTest, KilledGatewayLeavesNoWayAndItsSuccessorIsFound)
     const std::optional<Answer> got = answer(sender);
     ASSERT_TRUE(got) << own->standardError() << other->standardError();
     EXPECT_EQ(got->first, 0x0124U);
+}
+
+TEST_F(GatewayProcessTest, GatewayKilledInTheMiddleOfABurstLeavesCountsThatAddUp)
+{
+    const host::RunDirectory ownDirectory(m_node.runDirectory(), ownNode);
+    const host::RunDirectory otherDirectory(m_node.runDirectory(), otherNode);
+    otherDirectory.makeSubdirectory(host::socketFolder);
+    const auto own = startReadyGateway(ownNode);
+    auto other = startReadyGateway(otherNode);
+    CpidReceiver receiver(otherDirectory, 0x0300);
+    const NodeSender sender(ownDirectory, otherNode);
+    constexpr std::uint32_t count = 15000;
+    constexpr std::uint32_t ahead = 1000; // so that the gateway delivers at once what it receives
+    std::atomic<std::uint32_t> end{ahead};
+    std::thread bursts([&] {
+        for (std::uint32_t number = 0; number < count; ++number) {
+            EXPECT_TRUE(number < end || waitUntil([&] { return number < end; }));
+            EXPECT_TRUE(sender.send(AaSysComSicadGet(1, ownNode), AaSysComSicadGet(0x0300, otherNode), number, 100));
+        }
+    });
+    std::vector<std::uint32_t> numbers;
+    const auto take = [&](std::chrono::milliseconds patience) {
+        const std::optional<Arrived> one = receiver.take(patience);
+        if (one) {
+            numbers.push_back(one->number());
+        }
+        return one.has_value();
+    };
+    while (numbers.size() < 5000 && take(testkit::generousBound)) {
+        end = static_cast<std::uint32_t>(numbers.size()) + ahead;
+    }
+    other->signal(SIGKILL);
+    other->waitForEnd();
+    while (take(std::chrono::milliseconds(0))) {
+    }
+    const std::size_t ofFirstLife = numbers.size();
+    end = count;
+    other = startReadyGateway(otherNode);
+    bursts.join();
+
+    const auto linkOf = [](const host::RunDirectory& directory) {
+        return fetchStatus(directory, testkit::generousBound).status.value_or(GatewayStatus{}).links.at(0);
+    };
+    EXPECT_TRUE(waitUntil([&] {
+        take(std::chrono::milliseconds(0));
+        const LinkStatus link = linkOf(ownDirectory);
+        return link.accepted == count && link.waiting == 0;
+    }));
+    while (numbers.size() < ofFirstLife + linkOf(otherDirectory).received && take(testkit::generousBound)) {
+    }
+    using enum DropReason;
+    const LinkStatus link = linkOf(ownDirectory);
+    const LinkStatus opposite = linkOf(otherDirectory);
+    EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end(), std::less_equal<>())); // none twice
+    EXPECT_EQ(link.accepted,
+              link.confirmed + link.dropped[QueueFull] + link.dropped[PeerRestarted] + link.dropped[Unconfirmed]);
+    EXPECT_GE(numbers.size(), link.confirmed);
+    EXPECT_LE(numbers.size(), link.confirmed + link.dropped[Unconfirmed]);
+    EXPECT_EQ(opposite.delivered, opposite.received);
+    EXPECT_EQ(opposite.dropped.sum(), 0U);
+    EXPECT_EQ(numbers.size() - ofFirstLife, opposite.delivered);
+}
+
+/// The soft limit of open files of a process.
+std::string openFilesOf(pid_t process)
+{
+    std::ifstream limits("/proc/" + std::to_string(process) + "/limits");
+    for (std::string line; std::getline(limits, line);) {
+        std::istringstream words(line);
+        std::string max;
+        std::string open;
+        std::string files;
+        std::string soft;
+        if (words >> max >> open >> files >> soft && open == "open" && files == "files") {
+            return soft;
+        }
+    }
+    return "";
+}
+
+/// The limit of open files of this process and those that it starts while it lives.
+class OpenFiles {
+public:
+    explicit OpenFiles(rlim_t soft)
+    {
+        getrlimit(RLIMIT_NOFILE, &m_before);
+        const rlimit limit{soft, m_before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+    ~OpenFiles() { setrlimit(RLIMIT_NOFILE, &m_before); }
+    OpenFiles(const OpenFiles&) = delete;
+    OpenFiles& operator=(const OpenFiles&) = delete;
+    rlim_t hard() const { return m_before.rlim_max; }
+
+private:
+    rlimit m_before{};
+};
+
+TEST_F(GatewayProcessTest, LimitOfOpenFilesIsRaisedToWhatItNeedsAndNotFurther)
+{
+    const OpenFiles few(300);
+    const auto own = startReadyGateway(ownNode);
+
+    EXPECT_EQ(openFilesOf(own->pid()), std::to_string(std::min<rlim_t>(512 + 2 * 72, few.hard())));
+}
+
+TEST_F(GatewayProcessTest, QuestionThatCannotBeAskedIsToldFromNoGateway)
+{
+    const host::RunDirectory directory;
+    EXPECT_EQ(fetchStatus(directory).holder, 0);
+    const OpenFiles none(1);
+
+    EXPECT_EQ(fetchStatus(directory).holder, -1);
 }
 
 TEST_F(GatewayProcessTest, SecondGatewayOfANodeIsRefused)

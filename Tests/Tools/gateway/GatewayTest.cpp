@@ -184,6 +184,31 @@ TEST_F(GatewayTest, TableWithoutTheOwnNodeIsRefused)
     EXPECT_EQ(whyNot(net, 0, table, net.keys(0)), "the table has no row for this node, 0x0101");
 }
 
+TEST_F(GatewayTest, NodeWithoutAnIdHasTheRowOfItsAddresses)
+{
+    const TestNet net(1);
+    const host::RunDirectory directory(net.runPath(), 0);
+    directory.makeSubdirectory(host::socketFolder);
+    TableRow own = net.rows()[0];
+    own.node = 0x0F01;
+    GatewayOptions options;
+    options.listenAddress = net.host();
+    const KeyPair keys = makeKeyPair();
+    const RunningGateway gateway(directory, Table({own, {0x0F02, net.host(), TestNet::freePort(), keys.publicKey}}),
+                                 net.keys(0), options);
+
+    const NodeSender sender(directory, 0x0F02);
+    ASSERT_TRUE(sender.send(0x0F010042, 0x0F020300, 1));
+
+    GatewayStatus status;
+    EXPECT_TRUE(waitUntil([&] {
+        status = fetchStatus(directory, testkit::generousBound).status.value_or(GatewayStatus{});
+        return !status.links.empty() && status.links[0].accepted == 1;
+    }));
+    EXPECT_EQ(status.node, 0x0F01U);
+    EXPECT_EQ(status.refused.sum(), 0U);
+}
+
 TEST_F(GatewayTest, TableWithAnotherKeyForTheOwnNodeIsRefused)
 {
     const TestNet net(2);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "gateway/Link.hpp"
 
+#include "NoMemory.hpp"
 #include "NodeTest.hpp"
 
 #include <gmock/gmock.h>
@@ -81,6 +82,15 @@ protected:
         welcome(session, expected, epoch);
         ASSERT_TRUE(m_link.isUp());
     }
+    /// Nothing goes wrong, and heartbeats are answered, for so long.
+    void stayUpFor(Nanoseconds time)
+    {
+        for (const Nanoseconds end = m_now + time; m_now < end;) {
+            tickAt(m_now + m_options.heartbeat);
+            m_link.onMessage(Confirmation{}, m_now);
+        }
+        ASSERT_TRUE(m_link.isUp());
+    }
     LinkStatus status() const
     {
         LinkStatus status;
@@ -96,12 +106,13 @@ protected:
         return numbers;
     }
 
-    GatewayOptions m_options{.queueMessages = 10};
+    GatewayOptions m_options{.queueMessages = 100};
     TableRow m_row{0x0102, "192.0.2.1", 5670, {}};
     PeerLife m_life;
     TestWire m_wire;
     Nanoseconds m_now = 100s;
-    Link m_link{m_row, 0x0101, ownEpoch, m_options, m_life, m_wire, m_now};
+    QueueRoom m_room{m_options.allQueuesBytes};
+    Link m_link{m_row, 0x0101, ownEpoch, m_options, m_life, m_wire, m_room, m_now};
 };
 
 TEST_F(LinkTest, ItIsTriedAtOnceWithAGreeting)
@@ -180,13 +191,19 @@ TEST_F(LinkTest, ConfirmationOfAnotherSessionIsPassedOver)
 
 TEST_F(LinkTest, ParcelsCarryWhatIsToBeConfirmed)
 {
-    m_link.setPiggyback([] { return Confirmation{55, 66}; });
+    int said = 0;
+    m_link.setPiggyback([] { return Confirmation{55, 66}; }, [&said] { ++said; });
     accept(1);
     bringUp(77);
 
     const Parcel parcel = m_wire.take<Parcel>().at(0);
     EXPECT_EQ(parcel.confirmation.session, 55U);
     EXPECT_EQ(parcel.confirmation.expected, 66U);
+    EXPECT_EQ(said, 1);
+    m_wire.hasRoom = false;
+    accept(2);
+    m_link.flush();
+    EXPECT_EQ(said, 1); // it has not been said again
 }
 
 TEST_F(LinkTest, AfterACutItGoesOnWhereTheOtherIs)
@@ -284,8 +301,39 @@ TEST_F(LinkTest, BackOffIsDoubledUpToItsGreatest)
 
     EXPECT_THAT(waits, ElementsAre(100ms, 200ms, 400ms, 800ms, 1600ms, 3200ms, 5000ms, 5000ms));
     bringUp(77);
+    stayUpFor(2s);
     m_link.onFault(LinkFault::Cut, m_now);
     EXPECT_EQ(m_link.deadline() - m_now, 100ms);
+}
+
+TEST_F(LinkTest, LinkThatIsLostAsSoonAsItIsUpIsTriedMoreAndMoreRarely)
+{
+    std::vector<Nanoseconds> waits;
+    for (std::uint64_t session = 1; session <= 4; ++session) {
+        bringUp(session);
+        m_link.onMessage(Refusal{RefusalCode::NoSession, session}, m_now);
+        waits.push_back(m_link.deadline() - m_now);
+    }
+
+    EXPECT_THAT(waits, ElementsAre(100ms, 200ms, 400ms, 800ms));
+}
+
+TEST_F(LinkTest, PeerThatIsKnownToBeThereIsTriedSoon)
+{
+    for (int attempt = 0; attempt < 8; ++attempt) {
+        tickAt(m_link.deadline());
+        m_link.onFault(LinkFault::Unreachable, m_now);
+    }
+    EXPECT_EQ(m_link.deadline(), m_now + 5s);
+
+    m_link.tryNow(m_now);
+
+    EXPECT_EQ(m_link.deadline(), m_now + 100ms);
+    m_link.tryNow(m_now + 50ms); // no later than it was
+    EXPECT_EQ(m_link.deadline(), m_now + 100ms);
+    bringUp(77);
+    m_link.tryNow(m_now);
+    EXPECT_TRUE(m_link.isUp());
 }
 
 TEST_F(LinkTest, AttemptThatTakesTooLongIsGivenUp)
@@ -342,6 +390,32 @@ TEST_F(LinkTest, HeartbeatMeasuresTheRoundTrip)
     EXPECT_FALSE(status().roundTrip);
 }
 
+TEST_F(LinkTest, StampThatWasNeverSentMeasuresNothing)
+{
+    bringUp(77);
+    const Ping ping = m_wire.take<Ping>().at(0);
+    for (const std::uint64_t stamp : {std::uint64_t{0}, ~std::uint64_t{0}, std::uint64_t{1} << 63, ping.stamp + 1}) {
+        m_link.onMessage(Pong{{77, 1}, stamp}, m_now + 3ms);
+        EXPECT_FALSE(status().roundTrip) << stamp;
+    }
+    m_link.onMessage(Pong{{77, 1}, ping.stamp}, m_now + 3ms);
+    m_link.onMessage(Pong{{77, 1}, ping.stamp}, m_now + 9ms); // once more
+
+    EXPECT_EQ(status().roundTrip, 3ms);
+}
+
+TEST_F(LinkTest, LatePongMeasuresItsOwnPing)
+{
+    bringUp(77);
+    const Nanoseconds begin = m_now;
+    const Ping first = m_wire.take<Ping>().at(0);
+    tickAt(begin + 500ms);
+
+    m_link.onMessage(Pong{{77, 1}, first.stamp}, begin + 700ms);
+
+    EXPECT_EQ(status().roundTrip, 700ms);
+}
+
 TEST_F(LinkTest, PongOfAnotherSessionMeasuresNothing)
 {
     bringUp(77);
@@ -353,24 +427,66 @@ TEST_F(LinkTest, PongOfAnotherSessionMeasuresNothing)
 
 TEST_F(LinkTest, OverflowDropsTheOldestAndIsLoggedOncePerBurst)
 {
-    m_options.queueMessages = 10;
-    for (std::uint32_t id = 1; id <= 25; ++id) {
+    for (std::uint32_t id = 1; id <= 115; ++id) {
         accept(id);
     }
-    EXPECT_EQ(status().accepted, 25U);
+    EXPECT_EQ(status().accepted, 115U);
     EXPECT_EQ(status().dropped[DropReason::QueueFull], 15U);
-    EXPECT_EQ(status().waiting, 10U);
-    const std::string line = "Warning 0x0 The queue to node 0x0102 is full (10 messages, 160 bytes): the oldest are "
+    EXPECT_EQ(status().waiting, 100U);
+    const std::string line = "Warning 0x0 The queue to node 0x0102 is full (100 messages, 1600 bytes): the oldest are "
                              "dropped";
     EXPECT_EQ(m_log.texts(), std::vector{line});
 
-    bringUp(77); // the burst is over
-    m_link.onConfirmation({77, 2});
+    bringUp(77);
+    for (std::uint64_t expected = 2; status().waiting > 0; ++expected) {
+        m_link.onConfirmation({77, expected});
+        m_link.flush(); // until the burst is over
+    }
     m_wire.hasRoom = false;
-    for (std::uint32_t id = 1; id <= 12; ++id) {
+    for (std::uint32_t id = 1; id <= 102; ++id) {
         accept(id);
     }
     EXPECT_EQ(m_log.texts(), (std::vector{line, line}));
+}
+
+TEST_F(LinkTest, MessageForWhichThereIsNoMemoryIsDroppedAndCounted)
+{
+    accept(1);
+    {
+        const NoMemory noMemory;
+        m_link.accept({2, 0x01010042, 0x01020300, 0}, {});
+    }
+    accept(3);
+
+    EXPECT_EQ(status().accepted, 3U);
+    EXPECT_EQ(status().waiting, 2U);
+    EXPECT_EQ(status().dropped[DropReason::QueueFull], 1U);
+}
+
+TEST_F(LinkTest, FullestQueueGivesWayWhereAllTakeTooMuch)
+{
+    QueueRoom room(10 * RecordHeader::size);
+    TestWire otherWire;
+    PeerLife otherLife;
+    TableRow otherRow{0x0103, "192.0.2.2", 5670, {}};
+    Link one(m_row, 0x0101, ownEpoch, m_options, m_life, m_wire, room, m_now);
+    Link other(otherRow, 0x0101, ownEpoch, m_options, otherLife, otherWire, room, m_now);
+    for (std::uint32_t id = 1; id <= 30; ++id) {
+        one.accept({id, 0x01010042, 0x01020300, 0}, {});
+    }
+    for (std::uint32_t id = 1; id <= 3; ++id) {
+        other.accept({id, 0x01010042, 0x01030300, 0}, {});
+    }
+
+    LinkStatus ofOne;
+    LinkStatus ofOther;
+    one.describe(ofOne, m_now);
+    other.describe(ofOther, m_now);
+    EXPECT_EQ(ofOne.waiting, 7U);
+    EXPECT_EQ(ofOne.dropped[DropReason::QueueFull], 23U);
+    EXPECT_EQ(ofOther.waiting, 3U);
+    EXPECT_EQ(ofOther.dropped[DropReason::QueueFull], 0U);
+    EXPECT_EQ(m_log.texts().size(), 1U);
 }
 
 TEST_F(LinkTest, WhatTheWireDoesNotTakeWaits)
@@ -381,7 +497,24 @@ TEST_F(LinkTest, WhatTheWireDoesNotTakeWaits)
     m_link.flush();
     EXPECT_EQ(status().waiting, 1U);
     m_wire.hasRoom = true;
+    m_link.flush();
+    EXPECT_THAT(parcelNumbers(), IsEmpty()); // not tried on and on
 
+    m_link.onMessage(Confirmation{77, 1}, m_now);
+    m_link.flush();
+
+    EXPECT_THAT(parcelNumbers(), ElementsAre(1));
+}
+
+TEST_F(LinkTest, HeartbeatFindsOutWhetherTheWireTakesMessagesAgain)
+{
+    bringUp(77);
+    m_wire.hasRoom = false;
+    accept(1);
+    m_link.flush();
+    m_wire.hasRoom = true;
+
+    tickAt(m_now + 500ms);
     m_link.flush();
 
     EXPECT_THAT(parcelNumbers(), ElementsAre(1));
@@ -408,6 +541,33 @@ TEST_F(LinkTest, RefusedVersionIsTold)
 
     EXPECT_EQ(status().fault, LinkFault::Version);
     EXPECT_EQ(status().state, LinkState::Waiting);
+}
+
+TEST_F(LinkTest, TableThatIsAtOddsWithTheOthersIsTold)
+{
+    m_link.tick(m_now);
+    const std::uint64_t attempt = m_wire.take<Greeting>().at(0).attempt;
+
+    m_link.onMessage(Refusal{RefusalCode::WrongNode, attempt}, m_now);
+
+    EXPECT_EQ(status().fault, LinkFault::WrongNode);
+    EXPECT_EQ(nameOf(status().fault), "wrong node");
+}
+
+TEST_F(LinkTest, WelcomeThatExpectsWhatWasNeverSentIsGarbage)
+{
+    accept(1);
+    bringUp(77);
+    m_link.onFault(LinkFault::Cut, m_now);
+    tickAt(m_link.deadline());
+
+    welcome(78, 3);
+
+    EXPECT_FALSE(m_link.isUp());
+    EXPECT_EQ(status().fault, LinkFault::Garbage);
+    EXPECT_EQ(status().waiting, 1U);
+    bringUp(79, 2);
+    EXPECT_EQ(status().confirmed, 1U);
 }
 
 TEST_F(LinkTest, AnswerOfAnotherVersionIsTold)
@@ -445,6 +605,23 @@ TEST_F(LinkTest, FaultIsLoggedOnceUntilItChanges)
                   "Warning 0x0 The link to node 0x0102 is lost: cut; 1 messages wait"}));
 }
 
+TEST_F(LinkTest, FaultsThatAlternateAreLoggedOnceEach)
+{
+    for (int attempt = 0; attempt < 10; ++attempt) {
+        tickAt(m_link.deadline());
+        m_link.onFault(attempt % 2 == 0 ? LinkFault::Unreachable : LinkFault::KeyRefused, m_now);
+    }
+    EXPECT_EQ(m_log.texts().size(), 2U);
+
+    bringUp(77);
+    stayUpFor(2s);
+    m_link.onFault(LinkFault::Cut, m_now);
+    tickAt(m_link.deadline());
+    m_link.onFault(LinkFault::Unreachable, m_now);
+
+    EXPECT_EQ(m_log.texts().size(), 4U); // lost, and unreachable anew
+}
+
 TEST_F(LinkTest, TimeInStateBeginsAtTheChange)
 {
     const Nanoseconds begin = m_now;
@@ -462,13 +639,13 @@ protected:
     NamedHostTest() { m_row.host = "board-b.example"; }
 };
 
-TEST_F(NamedHostTest, NameIsLookedUpBeforeEachAttempt)
+TEST_F(NamedHostTest, NameIsLookedUpBeforeTheAttempt)
 {
     m_link.tick(m_now);
     EXPECT_EQ(status().state, LinkState::Resolving);
     EXPECT_THAT(m_wire.takeDone(), ElementsAre("resolve board-b.example"));
 
-    m_link.onResolved("192.0.2.7", m_now);
+    m_link.onResolved({"192.0.2.7"}, m_now);
 
     EXPECT_EQ(status().state, LinkState::Connecting);
     EXPECT_THAT(m_wire.takeDone(), ElementsAre("connect 192.0.2.7 5670"));
@@ -477,7 +654,7 @@ TEST_F(NamedHostTest, NameIsLookedUpBeforeEachAttempt)
 TEST_F(NamedHostTest, UnknownNameIsAFaultAndTriedAgain)
 {
     m_link.tick(m_now);
-    m_link.onResolved(std::nullopt, m_now);
+    m_link.onResolved({}, m_now);
 
     EXPECT_EQ(status().fault, LinkFault::HostUnknown);
     EXPECT_EQ(m_log.texts(),
@@ -488,17 +665,46 @@ TEST_F(NamedHostTest, UnknownNameIsAFaultAndTriedAgain)
     EXPECT_THAT(m_wire.takeDone(), ElementsAre("resolve board-b.example"));
 }
 
-TEST_F(NamedHostTest, AddressThatComesTooLateIsPassedOver)
+TEST_F(NamedHostTest, EachAddressIsTriedBeforeTheNameIsLookedUpAgain)
+{
+    m_link.tick(m_now);
+    m_link.onResolved({"192.0.2.7", "192.0.2.8"}, m_now);
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        m_link.onFault(LinkFault::Unreachable, m_now);
+        tickAt(m_link.deadline());
+    }
+
+    EXPECT_THAT(m_wire.takeDone(), ElementsAre("resolve board-b.example", "connect 192.0.2.7 5670", "close",
+                                               "connect 192.0.2.8 5670", "close", "resolve board-b.example"));
+}
+
+TEST_F(NamedHostTest, NameIsLookedUpAnewAfterTheLinkWasUp)
+{
+    m_link.tick(m_now);
+    m_link.onResolved({"192.0.2.7", "192.0.2.8"}, m_now);
+    welcome(77);
+    m_link.onFault(LinkFault::Cut, m_now);
+    m_wire.takeDone();
+
+    tickAt(m_link.deadline());
+
+    EXPECT_THAT(m_wire.takeDone(), ElementsAre("resolve board-b.example"));
+}
+
+TEST_F(NamedHostTest, AddressThatComesTooLateIsForTheNextAttempt)
 {
     m_link.tick(m_now);
     tickAt(m_link.deadline());
     EXPECT_EQ(status().fault, LinkFault::HostUnknown);
     m_wire.takeDone();
 
-    m_link.onResolved("192.0.2.7", m_now);
-
+    m_link.onResolved({"192.0.2.7"}, m_now);
     EXPECT_EQ(status().state, LinkState::Waiting);
     EXPECT_THAT(m_wire.takeDone(), IsEmpty());
+    tickAt(m_link.deadline());
+
+    EXPECT_EQ(status().state, LinkState::Connecting);
+    EXPECT_THAT(m_wire.takeDone(), ElementsAre("connect 192.0.2.7 5670"));
 }
 
 } // namespace

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "gateway/OutgoingQueue.hpp"
 
+#include "NoMemory.hpp"
+
 #include <algorithm>
 #include <gmock/gmock.h>
+#include <numeric>
 
 namespace dorn::gateway::test {
 namespace {
@@ -10,6 +13,7 @@ namespace {
 using testing::ElementsAre;
 
 constexpr std::size_t plenty = std::size_t{1} << 30;
+constexpr OutgoingQueue::Limits roomy{1000, plenty};
 
 /// Puts messages whose id is their number.
 std::size_t push(OutgoingQueue& queue, std::uint32_t number, std::size_t size = 0)
@@ -39,7 +43,7 @@ std::vector<std::uint32_t> send(OutgoingQueue& queue, std::uint64_t number)
 
 TEST(OutgoingQueueTest, EmptyQueueHasNothingToSend)
 {
-    const OutgoingQueue queue({10, plenty});
+    const OutgoingQueue queue(roomy);
 
     EXPECT_FALSE(queue.canSend());
     EXPECT_FALSE(queue.hasUnsent());
@@ -49,7 +53,7 @@ TEST(OutgoingQueueTest, EmptyQueueHasNothingToSend)
 
 TEST(OutgoingQueueTest, WhatHasCollectedGoesInOneParcel)
 {
-    OutgoingQueue queue({10, plenty});
+    OutgoingQueue queue(roomy);
     push(queue, 1);
     push(queue, 2);
     push(queue, 3);
@@ -62,7 +66,7 @@ TEST(OutgoingQueueTest, WhatHasCollectedGoesInOneParcel)
 
 TEST(OutgoingQueueTest, ParcelIsFullAtItsTarget)
 {
-    OutgoingQueue queue({10, plenty});
+    OutgoingQueue queue(roomy);
     push(queue, 1, 40000);
     push(queue, 2, 25000);
     push(queue, 3, 65535);
@@ -83,7 +87,10 @@ TEST(OutgoingQueueTest, OldestIsDroppedWhenThereAreTooMany)
     EXPECT_EQ(push(queue, 5), 1U);
 
     EXPECT_EQ(queue.messages(), 3U);
-    EXPECT_THAT(send(queue, 1), ElementsAre(3, 4, 5));
+    for (std::uint32_t number = 3; number <= 5; ++number) {
+        EXPECT_THAT(send(queue, number - 2), ElementsAre(number));
+        EXPECT_EQ(queue.confirm(number - 1), 1U);
+    }
 }
 
 TEST(OutgoingQueueTest, AsManyAsNeededAreDroppedForBytes)
@@ -117,19 +124,91 @@ TEST(OutgoingQueueTest, WhatHasBeenSentIsNotDropped)
     OutgoingQueue queue({3, plenty});
     push(queue, 1);
     push(queue, 2);
-    send(queue, 1);
+    EXPECT_THAT(send(queue, 1), ElementsAre(1));
     EXPECT_EQ(push(queue, 3), 0U);
 
     EXPECT_EQ(push(queue, 4), 1U);
 
     EXPECT_EQ(queue.messages(), 3U);
-    EXPECT_THAT(send(queue, 2), ElementsAre(4));
-    EXPECT_EQ(queue.confirm(2), 2U);
+    EXPECT_EQ(queue.confirm(2), 1U);
+    EXPECT_THAT(send(queue, 2), ElementsAre(3));
+}
+
+/// Small messages fill a window by their count long before they do by bytes.
+TEST(OutgoingQueueTest, OldestOfAStreamThatNobodyConfirmsAreDroppedNotItsNewest)
+{
+    OutgoingQueue queue({100, plenty});
+    std::vector<std::uint32_t> inFlight;
+    std::uint64_t next = 1;
+    for (std::uint32_t number = 1; number <= 1000; ++number) {
+        push(queue, number);
+        while (queue.canSend()) {
+            const std::vector<std::uint32_t> parcel = send(queue, next++);
+            inFlight.insert(inFlight.end(), parcel.begin(), parcel.end());
+        }
+    }
+
+    EXPECT_EQ(inFlight.size(), 25U);
+    EXPECT_EQ(queue.messages(), 100U);
+    EXPECT_EQ(queue.confirm(next), 25U);
+    std::vector<std::uint32_t> survivors;
+    while (queue.canSend()) {
+        const std::vector<std::uint32_t> parcel = send(queue, next++);
+        survivors.insert(survivors.end(), parcel.begin(), parcel.end());
+        queue.confirm(next);
+    }
+    std::vector<std::uint32_t> newest(75);
+    std::iota(newest.begin(), newest.end(), 926U);
+    EXPECT_EQ(survivors, newest);
+}
+
+TEST(OutgoingQueueTest, QuarterOfTheQueueMayBeInFlightAndAQuarterOfThatInAParcel)
+{
+    EXPECT_EQ((OutgoingQueue::Limits{65536, plenty}.windowMessages()), 16384U);
+    EXPECT_EQ((OutgoingQueue::Limits{65536, plenty}.parcelMessages()), 4096U);
+    EXPECT_EQ((OutgoingQueue::Limits{3, plenty}.windowMessages()), 1U);
+    EXPECT_EQ((OutgoingQueue::Limits{3, plenty}.parcelMessages()), 1U);
+    OutgoingQueue queue({100, plenty});
+    for (std::uint32_t number = 1; number <= 7; ++number) {
+        push(queue, number);
+    }
+    EXPECT_EQ(queue.front().count, 6U);
+}
+
+TEST(OutgoingQueueTest, OldestCanBeDroppedForOthers)
+{
+    OutgoingQueue queue(roomy);
+    push(queue, 1, 84);
+    send(queue, 1);
+    push(queue, 2, 4);
+    push(queue, 3, 14);
+    EXPECT_EQ(queue.unsentBytes(), 50U);
+
+    EXPECT_EQ(queue.dropOldest(), 20U);
+
+    EXPECT_EQ(queue.unsentBytes(), 30U);
+    EXPECT_EQ(queue.bytes(), 130U);
+    EXPECT_THAT(send(queue, 2), ElementsAre(3));
+}
+
+TEST(OutgoingQueueTest, QueueStaysAsItWasWhereMemoryRunsOut)
+{
+    OutgoingQueue queue(roomy);
+    for (std::uint32_t number = 1; number <= 3; ++number) {
+        {
+            const NoMemory noMemory;
+            EXPECT_THROW(queue.push({number + 10, 1, 2, 0}, {}), std::bad_alloc);
+        }
+        EXPECT_EQ(queue.messages(), number - 1);
+        EXPECT_EQ(queue.canSend(), number > 1);
+        push(queue, number);
+    }
+    EXPECT_THAT(send(queue, 1), ElementsAre(1, 2, 3));
 }
 
 TEST(OutgoingQueueTest, ConfirmedParcelsMakeRoom)
 {
-    OutgoingQueue queue({10, plenty});
+    OutgoingQueue queue(roomy);
     push(queue, 1, 84);
     send(queue, 1);
     push(queue, 2, 84);
@@ -149,7 +228,7 @@ TEST(OutgoingQueueTest, ConfirmedParcelsMakeRoom)
 
 TEST(OutgoingQueueTest, ConfirmationOfWhatWasNeverSentIsNotBelieved)
 {
-    OutgoingQueue queue({10, plenty});
+    OutgoingQueue queue(roomy);
     push(queue, 1);
     send(queue, 1);
     push(queue, 2);
@@ -178,12 +257,13 @@ TEST(OutgoingQueueTest, OnlyAWindowIsSentUnconfirmed)
 
 TEST(OutgoingQueueTest, WindowIsAtMostFourMebibytes)
 {
+    EXPECT_EQ((OutgoingQueue::Limits{1, plenty, 70000}.window()), 70000U);
     EXPECT_EQ((OutgoingQueue::Limits{1, plenty}.window()), std::size_t{4} << 20);
 }
 
 TEST(OutgoingQueueTest, NextSessionSendsAgainWhatDidNotArrive)
 {
-    OutgoingQueue queue({10, plenty});
+    OutgoingQueue queue(roomy);
     for (std::uint32_t number = 1; number <= 3; ++number) {
         push(queue, number);
         send(queue, number);
@@ -202,7 +282,7 @@ TEST(OutgoingQueueTest, NextSessionSendsAgainWhatDidNotArrive)
 
 TEST(OutgoingQueueTest, ParcelStaysAsItIsWhenItIsSentAgain)
 {
-    OutgoingQueue queue({10, plenty});
+    OutgoingQueue queue(roomy);
     push(queue, 1);
     send(queue, 1);
     push(queue, 2);
@@ -215,7 +295,7 @@ TEST(OutgoingQueueTest, ParcelStaysAsItIsWhenItIsSentAgain)
 
 TEST(OutgoingQueueTest, EverythingHasArrivedWhenTheNextIsExpected)
 {
-    OutgoingQueue queue({10, plenty});
+    OutgoingQueue queue(roomy);
     push(queue, 1);
     send(queue, 1);
     std::size_t confirmed = 0;
@@ -229,7 +309,7 @@ TEST(OutgoingQueueTest, EverythingHasArrivedWhenTheNextIsExpected)
 
 TEST(OutgoingQueueTest, NumberOfAnotherStreamGivesUpWhatWasSent)
 {
-    OutgoingQueue queue({10, plenty});
+    OutgoingQueue queue(roomy);
     push(queue, 1);
     send(queue, 1);
     queue.confirm(2);
@@ -246,7 +326,7 @@ TEST(OutgoingQueueTest, NumberOfAnotherStreamGivesUpWhatWasSent)
 
 TEST(OutgoingQueueTest, ParcelThatCouldNotBeSentIsTheNextStill)
 {
-    OutgoingQueue queue({10, plenty});
+    OutgoingQueue queue(roomy);
     push(queue, 1);
     EXPECT_EQ(queue.front().number, 1U);
     push(queue, 2);
@@ -257,7 +337,7 @@ TEST(OutgoingQueueTest, ParcelThatCouldNotBeSentIsTheNextStill)
 
 TEST(OutgoingQueueTest, ClearTellsWhatWasSentFromWhatWasNot)
 {
-    OutgoingQueue queue({10, plenty});
+    OutgoingQueue queue(roomy);
     push(queue, 1);
     push(queue, 2);
     send(queue, 1);

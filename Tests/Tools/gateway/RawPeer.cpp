@@ -59,10 +59,25 @@ void RawPeer::sendParcel(std::uint64_t session, std::uint64_t number, TAaSysComS
     WireBytes records;
     const std::array<std::byte, 4> payload{};
     appendRecord(records, {0x55, sender, receiver, 4}, payload);
+    sendRecords(session, number, 1, records);
+}
+
+void RawPeer::sendMany(std::uint64_t session, std::uint64_t number, std::uint32_t count, TAaSysComSicad sender,
+                       std::span<const TAaSysComSicad> receivers)
+{
+    WireBytes records;
+    for (std::uint32_t index = 0; index < count; ++index) {
+        appendRecord(records, {0x55, sender, receivers[index % receivers.size()], 0}, {});
+    }
+    sendRecords(session, number, count, records);
+}
+
+void RawPeer::sendRecords(std::uint64_t session, std::uint64_t number, std::uint32_t count, const WireBytes& records)
+{
     Parcel parcel;
     parcel.session = session;
     parcel.number = number;
-    parcel.count = 1;
+    parcel.count = count;
     const auto preamble = parcelPreamble(parcel);
     WireBytes bytes(preamble.begin(), preamble.end());
     bytes.insert(bytes.end(), records.begin(), records.end());

@@ -41,7 +41,13 @@ public:
     /// Sends one message in a parcel.
     void sendParcel(std::uint64_t session, std::uint64_t number, TAaSysComSicad sender, TAaSysComSicad receiver);
 
+    /// Sends a parcel of @p count empty messages for @p receivers in turn.
+    void sendMany(std::uint64_t session, std::uint64_t number, std::uint32_t count, TAaSysComSicad sender,
+                  std::span<const TAaSysComSicad> receivers);
+
 private:
+    void sendRecords(std::uint64_t session, std::uint64_t number, std::uint32_t count, const WireBytes& records);
+
     zmq::context_t m_context{1};
     zmq::socket_t m_socket{m_context, zmq::socket_type::dealer};
     zmq::socket_t m_events{m_context, zmq::socket_type::pair};
