@@ -36,6 +36,14 @@ public:
         }
     }
 
+    /// What is there though nothing more was expected.
+    void takeSurplus()
+    {
+        while (m_receiver.take(std::chrono::milliseconds(0))) {
+            ++m_arrived;
+        }
+    }
+
     std::uint32_t nextOf(std::size_t from) const { return m_next[from].load(); }
     std::uint64_t arrived() const { return m_arrived; }
     std::uint64_t outOfOrder() const { return m_outOfOrder; }
@@ -93,6 +101,9 @@ private:
         std::mt19937 random(m_plan.seed);
         const std::size_t routes = m_plan.nodes * (m_plan.nodes - 1);
         for (std::uint32_t count = 0; count < m_plan.cuts; ++count) {
+            // All through the traffic, not before or after it.
+            const std::uint64_t begin = std::uint64_t{count} * m_plan.messagesPerPair / m_plan.cuts;
+            [[maybe_unused]] const bool hasBegun = waitUntil([&] { return m_progress.load() >= begin; });
             const std::size_t route = random() % routes;
             m_proxy.cut(route);
             std::this_thread::sleep_for(std::chrono::milliseconds(random() % 20)); // chance, nothing waits for it
@@ -112,6 +123,7 @@ private:
         }
         std::mt19937 random(m_plan.seed);
         for (std::uint32_t number = 0; number < m_plan.messagesPerPair; ++number) {
+            m_progress.store(number);
             for (const auto& [pair, sender] : senders) {
                 const std::size_t from = pair.first;
                 const std::size_t to = pair.second;
@@ -136,13 +148,18 @@ private:
                     result.complaint = "messages stayed unconfirmed";
                 }
             }
-            for (const LinkStatus& link : m_net.status(from).links) {
+        }
+        for (std::size_t place = 0; place < m_plan.nodes; ++place) {
+            for (const LinkStatus& link : m_net.status(place).links) {
                 result.confirmed += link.confirmed;
+                result.received += link.received;
+                result.delivered += link.delivered;
                 result.dropped += link.dropped.sum();
                 result.ups += link.ups;
             }
-            result.arrived += m_receivers[from]->arrived();
-            result.outOfOrder += m_receivers[from]->outOfOrder();
+            m_receivers[place]->takeSurplus();
+            result.arrived += m_receivers[place]->arrived();
+            result.outOfOrder += m_receivers[place]->outOfOrder();
         }
     }
 
@@ -150,19 +167,22 @@ private:
     TestNet m_net;
     CutProxy m_proxy;
     std::vector<std::unique_ptr<SoakReceiver>> m_receivers;
+    std::atomic<std::uint32_t> m_progress{0}; ///< message of each pair that is being sent
 };
 
 } // namespace
 
 bool SoakResult::isGood() const
 {
-    return complaint.empty() && sent == arrived && sent == confirmed && dropped == 0 && outOfOrder == 0;
+    return complaint.empty() && sent == arrived && sent == confirmed && sent == received && sent == delivered &&
+           dropped == 0 && outOfOrder == 0;
 }
 
 std::string SoakResult::text() const
 {
     return "sent " + std::to_string(sent) + ", arrived " + std::to_string(arrived) + ", confirmed " +
-           std::to_string(confirmed) + ", dropped " + std::to_string(dropped) + ", out of order " +
+           std::to_string(confirmed) + ", received " + std::to_string(received) + ", delivered " +
+           std::to_string(delivered) + ", dropped " + std::to_string(dropped) + ", out of order " +
            std::to_string(outOfOrder) + ", links up " + std::to_string(ups) + " times" +
            (complaint.empty() ? "" : "; " + complaint);
 }

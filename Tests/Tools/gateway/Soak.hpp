@@ -20,6 +20,8 @@ struct SoakResult {
     std::uint64_t sent = 0;
     std::uint64_t arrived = 0;
     std::uint64_t confirmed = 0;
+    std::uint64_t received = 0;   ///< by gateways, from others
+    std::uint64_t delivered = 0;  ///< by gateways, to receivers
     std::uint64_t dropped = 0;    ///< for whatever reason
     std::uint64_t outOfOrder = 0; ///< or twice, or with a gap
     std::uint64_t ups = 0;        ///< how often links came up
