@@ -645,6 +645,15 @@ TEST_F(GatewayFaultsTest, WhatWaitsForAllNodesIsBoundedThoughMuchIsInFlight)
     EXPECT_LE(link.waitingBytes, options.allQueuesBytes);
     EXPECT_GE(link.waitingBytes, options.allQueuesBytes - 2000);
     expectSum(link);
+
+    // What was in flight comes first, and then the newest.
+    CpidReceiver receiver(m_net.directory(1), receiverCpid);
+    m_proxy.restore(m_route);
+    const std::vector<std::uint32_t> numbers = numbersOf(receiver.takeAll(link.waiting));
+    ASSERT_EQ(numbers.size(), link.waiting);
+    EXPECT_EQ(numbers.front(), 0U);
+    EXPECT_EQ(numbers.back(), 999U);
+    EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
 }
 
 TEST_F(GatewayFaultsTest, HostThatCannotBeResolvedHoldsUpNobody)
