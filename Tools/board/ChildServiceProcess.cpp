@@ -61,7 +61,7 @@ ChildServiceProcess::ChildServiceProcess(pid_t pid, host::Descriptor output)
 ChildServiceProcess::~ChildServiceProcess()
 {
     if (!m_status) {
-        kill(m_pid, SIGKILL);
+        kill(-m_pid, SIGKILL);
         while (waitpid(m_pid, nullptr, 0) < 0 && errno == EINTR) {
         }
     }
@@ -70,7 +70,8 @@ ChildServiceProcess::~ChildServiceProcess()
 void ChildServiceProcess::signal(int number)
 {
     if (!m_status) {
-        kill(m_pid, number); // not reaped, so no other process can have its number
+        // Not reaped, so no other process can have its number. Killed, it cannot end what it has started itself.
+        kill(number == SIGKILL ? -m_pid : m_pid, number);
     }
 }
 

@@ -24,7 +24,7 @@ private:
 /// A child.
 class ChildServiceProcess : public ServiceProcess {
 public:
-    /// @param pid a child that has not been reaped
+    /// @param pid a child that has not been reaped, and leads a process group
     /// @param output what it writes, not blocking
     ChildServiceProcess(pid_t pid, host::Descriptor output);
     ~ChildServiceProcess() override;

@@ -19,7 +19,7 @@ public:
     virtual ~ServiceProcess() = default;
 
     virtual pid_t pid() const = 0;
-    /// Sends a signal; does nothing when the process has ended.
+    /// Sends a signal; SIGKILL also to what the process has started itself. Does nothing when the process has ended.
     virtual void signal(int number) = 0;
     /// Its exit status, 0 to 255, or the negative number of the signal that ended it; nothing while it runs.
     virtual std::optional<int> status() = 0;

@@ -118,6 +118,19 @@ TEST_F(ChildServiceProcessTest, LeadsAGroupOfItsOwn)
     EXPECT_EQ(getpgid(process->pid()), process->pid());
 }
 
+/// Its output ends when nobody holds it any more.
+TEST_F(ChildServiceProcessTest, KillReachesWhatItHasStarted)
+{
+    const auto process = start("sleep 1000 & echo ready; wait");
+    linesOf(*process, 1);
+    process->signal(SIGKILL);
+    EXPECT_TRUE(comesTrue(*process, [&process] {
+        process->status();
+        process->takeLines();
+        return process->descriptors().empty();
+    }));
+}
+
 TEST_F(ChildServiceProcessTest, IsKilledWithItsObject)
 {
     auto process = start("echo ready; exec sleep 1000");
