@@ -71,6 +71,8 @@ private:
 
     void checkAttributes(const AaGpuXmlNode& element, const Names& known);
     void refuseElement(const AaGpuXmlNode& element);
+    void refuseElementsIn(const AaGpuXmlNode& element);
+    void wantPath(const AaGpuXmlNode& element, const std::string& path, bool isThere);
     std::optional<std::string> attribute(const AaGpuXmlNode& element, std::string_view name) const;
     std::string required(const AaGpuXmlNode& element, std::string_view name);
     template <std::size_t count>
@@ -139,6 +141,9 @@ void DescriptionReader::readBoard(const AaGpuXmlNode& element)
     m_board.tree = path(attribute(element, "tree").value_or(""));
     m_board.root = path(attribute(element, "root").value_or(""));
     m_board.files = path(attribute(element, "files").value_or(""));
+    std::error_code error;
+    wantPath(element, m_board.tree, std::filesystem::is_regular_file(m_board.tree, error));
+    wantPath(element, m_board.files, std::filesystem::is_directory(m_board.files, error));
     forElementsOf(element, [this](const AaGpuXmlNode& child) {
         if (isCalled(child, "service")) {
             readService(child);
@@ -161,10 +166,12 @@ void DescriptionReader::readService(const AaGpuXmlNode& element)
     checkAttributes(element, {"name", "program", "after", "ready"});
     ServiceDescription service{required(element, "name"), ""};
     const auto isOfThisName = [&service](const ServiceDescription& other) { return other.name == service.name; };
-    if (std::any_of(m_board.services.begin(), m_board.services.end(), isOfThisName)) {
-        complain(element, "there is a service " + inQuotes(service.name) + " above");
+    if (!service.name.empty()) {
+        if (std::any_of(m_board.services.begin(), m_board.services.end(), isOfThisName)) {
+            complain(element, "there is a service " + inQuotes(service.name) + " above");
+        }
+        service.program = programPath(element, attribute(element, "program").value_or("Dorn" + service.name + "Exe"));
     }
-    service.program = programPath(element, attribute(element, "program").value_or("Dorn" + service.name + "Exe"));
     service.restart = m_restart;
     readAfter(element, service);
     service.ready = static_cast<Readiness>(word(element, "ready", readyWords).value_or(0));
@@ -176,6 +183,7 @@ void DescriptionReader::readServicePart(const AaGpuXmlNode& element, ServiceDesc
 {
     if (isCalled(element, "argument")) {
         checkAttributes(element, {});
+        refuseElementsIn(element);
         service.arguments.emplace_back(element.AaGpuXmlGetValue());
     } else if (isCalled(element, "environment")) {
         readVariable(element, service.environment);
@@ -191,6 +199,7 @@ void DescriptionReader::readServicePart(const AaGpuXmlNode& element, ServiceDesc
 void DescriptionReader::readRestart(const AaGpuXmlNode& element, RestartPolicy& policy)
 {
     checkAttributes(element, {"when", "first", "greatest", "limit", "within"});
+    refuseElementsIn(element);
     if (const auto when = word(element, "when", restartWords)) {
         policy.when = static_cast<RestartWhen>(*when);
     }
@@ -208,6 +217,7 @@ void DescriptionReader::readRestart(const AaGpuXmlNode& element, RestartPolicy& 
 void DescriptionReader::readEnd(const AaGpuXmlNode& element, ServiceDescription& service)
 {
     checkAttributes(element, {"status", "within"});
+    refuseElementsIn(element);
     seconds(element, "within", service.endWithin);
     if (const auto status = number(element, "status", 255)) {
         service.goodStatus = static_cast<int>(*status);
@@ -217,6 +227,7 @@ void DescriptionReader::readEnd(const AaGpuXmlNode& element, ServiceDescription&
 void DescriptionReader::readVariable(const AaGpuXmlNode& element, std::vector<Variable>& variables)
 {
     checkAttributes(element, {"name", "value"});
+    refuseElementsIn(element);
     const std::string name = required(element, "name");
     if (name.find('=') != std::string::npos) {
         complain(element, inQuotes(name) + " is no name of a variable");
@@ -253,6 +264,18 @@ void DescriptionReader::checkAttributes(const AaGpuXmlNode& element, const Names
 void DescriptionReader::refuseElement(const AaGpuXmlNode& element)
 {
     complain(element, shown(element) + " does not belong here");
+}
+
+void DescriptionReader::refuseElementsIn(const AaGpuXmlNode& element)
+{
+    forElementsOf(element, [this](const AaGpuXmlNode& child) { refuseElement(child); });
+}
+
+void DescriptionReader::wantPath(const AaGpuXmlNode& element, const std::string& path, bool isThere)
+{
+    if (!path.empty() && !isThere) {
+        complain(element, "there is no " + inQuotes(path));
+    }
 }
 
 std::optional<std::string> DescriptionReader::attribute(const AaGpuXmlNode& element, std::string_view name) const
@@ -322,13 +345,24 @@ std::string DescriptionReader::path(const std::string& text) const
     return text.empty() ? "" : std::filesystem::absolute(m_folder / text).lexically_normal().string();
 }
 
+bool isProgram(const std::filesystem::path& path)
+{
+    std::error_code error;
+    return std::filesystem::is_regular_file(path, error) && access(path.c_str(), X_OK) == 0;
+}
+
+/// Without a folder it lies beside this command, or, where that is installed, where packages have their services.
 std::string DescriptionReader::programPath(const AaGpuXmlNode& element, const std::string& text)
 {
-    const bool hasFolder = text.find('/') != std::string::npos;
-    const std::string program = hasFolder ? path(text) : (m_programs / text).string();
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(program, error) || access(program.c_str(), X_OK) != 0) {
-        complain(element, "there is no program '" + program + "'");
+    if (text.find('/') == std::string::npos) {
+        const std::filesystem::path installed = m_programs.parent_path() / "libexec" / "dorn" / text;
+        if (isProgram(installed) && !isProgram(m_programs / text)) {
+            return installed;
+        }
+    }
+    const std::string program = text.find('/') != std::string::npos ? path(text) : (m_programs / text).string();
+    if (!isProgram(program)) {
+        complain(element, "there is no program " + inQuotes(program));
     }
     return program;
 }

@@ -45,7 +45,8 @@ struct BoardDescription {
     std::vector<ServiceDescription> services = {}; ///< in the order in which they start
 };
 
-/// Reads a description. Paths in it are relative to its folder; a program without a slash lies in @p programs.
+/// Reads a description. Paths in it are relative to its folder; a program without a slash lies in @p programs, or, when
+/// it is not there, in `libexec/dorn` beside that folder.
 /// @param path as a person named it; complaints name it so
 /// @param programs folder
 /// @throws Failure with every complaint on a line of its own, each as "file:line: what is wrong".

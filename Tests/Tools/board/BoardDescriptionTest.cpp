@@ -80,6 +80,8 @@ TEST_F(BoardDescriptionTest, ServiceNeedsNoMoreThanItsName)
 
 TEST_F(BoardDescriptionTest, EverythingCanBeSaid)
 {
+    std::ofstream(m_folder / "a.dtb") << "tree";
+    std::filesystem::create_directory(m_folder / "files");
     const BoardDescription board = read(R"(<board name="whole" tree="a.dtb" root="../root" files="files">
   <environment name="COLOUR" value="red"/>
   <service name="A"><argument>-v</argument><argument>two words</argument></service>
@@ -133,6 +135,21 @@ TEST_F(BoardDescriptionTest, ProgramWithASlashIsRelativeToTheFile)
     EXPECT_EQ(board.services.front().program, m_folder / "bin" / "tool");
 }
 
+TEST_F(BoardDescriptionTest, InstalledServiceIsFoundWherePackagesHaveThem)
+{
+    std::filesystem::create_directories(m_folder / "libexec" / "dorn");
+    std::filesystem::create_directory(m_folder / "bin");
+    addProgram("libexec/dorn/DornAExe");
+    addProgram("libexec/dorn/DornBExe");
+    addProgram("bin/DornBExe");
+    std::ofstream(path()) << R"(<board name="b"><service name="A"/><service name="B"/></board>)";
+
+    const BoardDescription board = readBoardDescription(path(), m_folder / "bin");
+
+    EXPECT_EQ(board.services[0].program, m_folder / "libexec" / "dorn" / "DornAExe");
+    EXPECT_EQ(board.services[1].program, m_folder / "bin" / "DornBExe") << "what lies beside the command comes first";
+}
+
 struct BadText {
     const char* text;
     const char* complaint;
@@ -167,6 +184,13 @@ TEST_F(BoardDescriptionTest, EveryMistakeIsToldWithItsLine)
          ":2: 'A=B' is no name of a variable"},
         {"<board name='b'>\n<environment value='x'/><service name='A'/></board>",
          ":2: <environment> needs the attribute 'name'"},
+        {"<board name='b'>\n<environment name='A' value='x'><b/></environment><service name='A'/></board>",
+         ":2: <b> does not belong here"},
+        {"<board name='b'>\n<service name='A'>\n<argument>-v<b/></argument></service></board>",
+         ":3: <b> does not belong here"},
+        {"<board name='b'>\n<service name='A'>\n<restart><b/></restart></service></board>",
+         ":3: <b> does not belong here"},
+        {"<board name='b'>\n<service name='A'>\n<end><b/></end></service></board>", ":3: <b> does not belong here"},
     };
     for (const BadText& bad : texts) {
         const std::string complaints = complaintsOf(bad.text);
@@ -187,6 +211,26 @@ TEST_F(BoardDescriptionTest, FileThatIsNoProgramIsRefused)
 
     EXPECT_EQ(complaintsOf("<board name='b'>\n<service name='D'/></board>"),
               ":2: there is no program '" + (m_folder / "DornDExe").string() + "'");
+}
+
+TEST_F(BoardDescriptionTest, ServiceWithoutANameIsOneMistake)
+{
+    EXPECT_EQ(complaintsOf("<board name='b'>\n<service/>\n<service name=''/></board>"),
+              ":2: <service> needs the attribute 'name'\n:3: <service> needs the attribute 'name'");
+}
+
+TEST_F(BoardDescriptionTest, MissingTreeAndFilesAreToldWithTheirPaths)
+{
+    EXPECT_EQ(complaintsOf("<board name='b' tree='t.dtb' files='f'><service name='A'/></board>"),
+              ":1: there is no '" + (m_folder / "t.dtb").string() + "'\n:1: there is no '" + (m_folder / "f").string() +
+                  "'");
+}
+
+TEST_F(BoardDescriptionTest, ComplaintStaysOnItsLine)
+{
+    const std::string complaints = complaintsOf("<board name='b'><service name='D&#10;E'/></board>");
+    EXPECT_TRUE(complaints.starts_with(":1: there is no program '")) << complaints;
+    EXPECT_EQ(complaints.find('\n'), std::string::npos) << complaints;
 }
 
 TEST_F(BoardDescriptionTest, AllMistakesAreToldAtOnce)
