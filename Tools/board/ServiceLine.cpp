@@ -8,9 +8,6 @@
 namespace dorn::tool {
 namespace {
 
-/// From when on a start is worth a look.
-constexpr auto longStart = std::chrono::seconds(10);
-
 /// What a running service says of itself.
 std::string publishedText(const SupervisedService& service)
 {
@@ -25,6 +22,9 @@ Cell runningCell(const SupervisedService& service)
         return {"stopped", Colour::Red};
     case ServiceHealth::Hangs:
         return {"hangs", Colour::Red};
+    case ServiceHealth::Lingers:
+        return {publishedText(service), Colour::Red};
+    case ServiceHealth::Late:
     case ServiceHealth::Fine:
         break;
     }
@@ -47,7 +47,7 @@ Cell stateCell(const SupervisedService& service, host::Nanoseconds now)
         if (service.health == ServiceHealth::Stopped) {
             return runningCell(service);
         }
-        return {word, now - service.since > longStart ? Colour::Red : Colour::Yellow};
+        return {word, service.health == ServiceHealth::Late ? Colour::Red : Colour::Yellow};
     case ServicePhase::BackOff:
         return {word + " " + ageText(service.due - now + std::chrono::milliseconds(999)), Colour::Yellow};
     case ServicePhase::Held:

@@ -15,6 +15,7 @@ namespace {
 constexpr auto lookPeriod = std::chrono::milliseconds(250);
 constexpr auto startLookPeriod = std::chrono::milliseconds(20); // while somebody waits for a service to run
 constexpr auto handlingLimit = std::chrono::milliseconds(1500);
+constexpr auto startLimit = std::chrono::seconds(10); // from then on a start is worth a look
 /// In which a reset kills the services of the node; those that had not entered its list yet are killed then.
 constexpr auto resetTime = std::chrono::milliseconds(500);
 
@@ -36,15 +37,23 @@ bool hasComeUp(const SupervisedService& service)
     return state && state->value > startingState && state->value != endedState && state->value != failedState;
 }
 
-ServiceHealth healthOf(const SupervisedService& service)
+ServiceHealth healthOf(const SupervisedService& service, host::Nanoseconds now)
 {
     if (service.process->isStopped()) {
         return ServiceHealth::Stopped;
     }
+    if (service.phase == ServicePhase::Starting) {
+        return now - service.since > startLimit ? ServiceHealth::Late : ServiceHealth::Fine;
+    }
     const auto state = service.info ? stateOf(*service.info) : std::nullopt;
-    const bool isHandling = state && state->value == handlingState;
-    const host::Nanoseconds moved(isHandling ? state->when : 0);
-    return isHandling && host::Clock::get().wall() - moved > handlingLimit ? ServiceHealth::Hangs : ServiceHealth::Fine;
+    if (!state || host::Clock::get().wall() - host::Nanoseconds(state->when) <= handlingLimit) {
+        return ServiceHealth::Fine;
+    }
+    const bool isOver = state->value == endedState || state->value == failedState;
+    if (isOver && service.phase == ServicePhase::Running) {
+        return ServiceHealth::Lingers;
+    }
+    return state->value == handlingState ? ServiceHealth::Hangs : ServiceHealth::Fine;
 }
 
 bool hasEndedWell(const SupervisedService& service)
@@ -221,9 +230,10 @@ void Supervisor::lookAt(SupervisedService& service)
 {
     if (service.phase == ServicePhase::Starting && hasComeUp(service)) {
         enter(service, ServicePhase::Running);
+        service.health = ServiceHealth::Fine;
         tell(&service, "runs", News::Good);
     }
-    setHealth(service, healthOf(service));
+    setHealth(service, healthOf(service, m_now));
 }
 
 void Supervisor::setHealth(SupervisedService& service, ServiceHealth health)
@@ -239,8 +249,16 @@ void Supervisor::setHealth(SupervisedService& service, ServiceHealth health)
     case ServiceHealth::Hangs:
         tell(&service, "hangs: it has been handling a message for longer than " + delayText(handlingLimit), News::Bad);
         break;
+    case ServiceHealth::Late:
+        tell(&service, "has been starting for longer than " + delayText(startLimit), News::Bad);
+        break;
+    case ServiceHealth::Lingers:
+        tell(&service, "says that it has ended, but its process stays", News::Bad);
+        break;
     case ServiceHealth::Fine:
-        tell(&service, "goes on", News::Good);
+        if (service.phase != ServicePhase::Ending) {
+            tell(&service, "goes on", News::Good);
+        }
         break;
     }
 }
@@ -281,6 +299,7 @@ void Supervisor::goOnWithReset()
     m_resetUntil.reset();
     for (SupervisedService& service : m_services) {
         service.record.clear();
+        service.lastStatus.reset();
         enter(service, ServicePhase::Held);
     }
 }
@@ -330,10 +349,9 @@ void Supervisor::end()
     m_isEnding = true;
     m_resetUntil.reset();
     for (SupervisedService& service : m_services) {
-        if (service.phase == ServicePhase::Held) {
-            enter(service, ServicePhase::Ended);
-        } else if (service.phase == ServicePhase::BackOff) {
-            enter(service, hasEndedWell(service) ? ServicePhase::Ended : ServicePhase::Failed);
+        if (service.phase == ServicePhase::Held || service.phase == ServicePhase::BackOff) {
+            const bool isWell = !service.lastStatus || hasEndedWell(service);
+            enter(service, isWell ? ServicePhase::Ended : ServicePhase::Failed);
         }
     }
     m_nextLook = m_now;

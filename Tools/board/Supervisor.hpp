@@ -33,7 +33,9 @@ const char* phaseWord(ServicePhase phase);
 enum class ServiceHealth {
     Fine,
     Stopped, ///< a signal has stopped it
-    Hangs    ///< it has been handling one message for too long
+    Hangs,   ///< it has been handling one message for too long
+    Late,    ///< it has been starting for too long
+    Lingers  ///< it has published its end a while ago, and has not ended
 };
 
 /// A service under supervision.
@@ -49,7 +51,7 @@ struct SupervisedService {
     host::Nanoseconds since{};     ///< when the phase began, monotonic
     host::Deadline due{};          ///< of BackOff the restart, of Ending the kill
     std::uint32_t restarts = 0;    ///< starts but for the first
-    std::optional<int> lastStatus; ///< with which its latest process ended
+    std::optional<int> lastStatus; ///< with which its latest process ended, since the board was reset
     bool isStarted = false;        ///< whether it ever was
 };
 
@@ -84,6 +86,8 @@ public:
     void end();
     /// Kills what still runs.
     void endNow();
+    /// Whether all have been asked to end.
+    bool isEnding() const { return m_isEnding; }
     /// Sends a signal to a service. @return false when it has no process.
     bool signal(std::size_t service, int number);
 

@@ -316,6 +316,40 @@ TEST_F(SupervisorTest, RestartWaitsForThoseBeforeIt)
 
 // -------------------------------------------------------------------------------------------------------------- health
 
+TEST_F(SupervisorTest, StartThatTakesLongIsToldOnce)
+{
+    supervise({serviceOf("A")});
+    m_node.publish("A", 1);
+    pass(10s);
+    EXPECT_EQ(service(0).health, ServiceHealth::Fine);
+
+    pass(1s);
+    pass(1s);
+
+    EXPECT_EQ(service(0).health, ServiceHealth::Late);
+    EXPECT_EQ(service(0).phase, ServicePhase::Starting);
+    EXPECT_EQ(std::count(m_events.begin(), m_events.end(), "A: has been starting for longer than 10 s"), 1);
+    bringUp({"A"});
+    EXPECT_EQ(service(0).health, ServiceHealth::Fine);
+    EXPECT_EQ(m_events.back(), "A: runs");
+}
+
+TEST_F(SupervisorTest, ServiceThatHasSaidItsEndAndStaysIsTold)
+{
+    for (const std::uint32_t state : {4U, 5U}) {
+        supervise({serviceOf("A")});
+        bringUp({"A"});
+        m_node.publish("A", state);
+        pass(1500ms);
+        EXPECT_EQ(service(0).health, ServiceHealth::Fine) << state;
+
+        pass(250ms);
+
+        EXPECT_EQ(service(0).health, ServiceHealth::Lingers) << state;
+        EXPECT_EQ(m_events.back(), "A: says that it has ended, but its process stays");
+    }
+}
+
 TEST_F(SupervisorTest, StoppedProcessIsToldWithinTwoSeconds)
 {
     supervise({serviceOf("A")});
@@ -515,6 +549,64 @@ TEST_F(SupervisorTest, WhoFailedBeforeAllWereToEndHasNotEndedWell)
     EXPECT_TRUE(m_supervisor->hasEnded());
     EXPECT_EQ(service(0).phase, ServicePhase::Failed);
     EXPECT_FALSE(m_supervisor->haveAllEndedWell());
+}
+
+TEST_F(SupervisorTest, WhoFailedAndWaitsForAnotherHasNotEndedWell)
+{
+    supervise({serviceOf("A"), serviceOf("B", {0})});
+    bringUp({"A"});
+    bringUp({"B"});
+    endProcess("A", -SIGSEGV);
+    endProcess("B", -SIGSEGV);
+    pass(200ms);
+    ASSERT_EQ(service(1).phase, ServicePhase::Held);
+
+    m_supervisor->end();
+    m_supervisor->step();
+    m_supervisor->step();
+
+    ASSERT_TRUE(m_supervisor->hasEnded());
+    EXPECT_EQ(service(0).phase, ServicePhase::Ended);
+    EXPECT_EQ(service(1).phase, ServicePhase::Failed);
+    EXPECT_FALSE(m_supervisor->haveAllEndedWell());
+}
+
+TEST_F(SupervisorTest, WhoWasKilledByAResetAndIsNotStartedAgainYetHasEndedWell)
+{
+    supervise({serviceOf("A"), serviceOf("B", {0})});
+    bringUp({"A"});
+    bringUp({"B"});
+    m_node.resets = 1;
+    endProcess("A", -SIGKILL);
+    endProcess("B", -SIGKILL);
+    ASSERT_EQ(service(1).phase, ServicePhase::Held);
+
+    m_supervisor->end();
+    m_supervisor->step();
+    m_supervisor->step();
+
+    EXPECT_TRUE(m_supervisor->haveAllEndedWell());
+}
+
+TEST_F(SupervisorTest, WhoIsLateDoesNotGoOnWhenItIsToEnd)
+{
+    supervise({serviceOf("A")});
+    pass(11s);
+    ASSERT_EQ(service(0).health, ServiceHealth::Late);
+    m_node.of("A").isDeaf = true;
+    m_supervisor->end();
+    m_supervisor->step();
+    pass(250ms);
+    EXPECT_EQ(service(0).health, ServiceHealth::Fine);
+    EXPECT_EQ(m_events.back(), "A: has been starting for longer than 10 s");
+}
+
+TEST_F(SupervisorTest, KnowsWhetherAllAreToEnd)
+{
+    supervise({serviceOf("A")});
+    EXPECT_FALSE(m_supervisor->isEnding());
+    m_supervisor->end();
+    EXPECT_TRUE(m_supervisor->isEnding());
 }
 
 TEST_F(SupervisorTest, EndAtOnceKillsAll)
