@@ -19,9 +19,12 @@ using namespace examples;
 constexpr std::size_t hardwareColumn = 50; ///< the services take what is left of it
 constexpr std::size_t hardwareRows = 18;   ///< what the hardware of a usual board takes
 constexpr std::size_t gutter = 7;          ///< of the lines below: "event  "
+constexpr std::size_t eventsColumn = 84;   ///< where the terminal is wide; the hardware takes what is left of it
+constexpr std::size_t wideColumns = 132;   ///< of a terminal that is
+constexpr const char* endingText = "all services end; q once more kills what still runs";
 constexpr const char* keysText = "s SFP  l link  c clock  f fault  r reset  o switch over  k kill  h help  q quit";
 
-constexpr std::array<const char*, 15> helpText{
+constexpr std::array<const char*, 16> helpText{
     "s  plug a module into an SFP cage, or pull it",
     "l  break both fibres of a link, or mend them",
     "c  lose the clock reference, or restore it",
@@ -29,7 +32,8 @@ constexpr std::array<const char*, 15> helpText{
     "r  have the watchdog reset the board: all services are killed, and start again",
     "o  switch over to the other half of the pair: active or standby",
     "k  kill a service; its restart policy says what happens then",
-    "q  end all services, and quit; once more: kill what does not end",
+    "q  end all services, and quit, as Ctrl-C does; once more: kill what does not end",
+    "Ctrl-L  draw the picture anew",
     "",
     "STATE  what the service publishes: waiting for messages, or handling one",
     "       back-off: has ended, and starts again; held: waits for another one",
@@ -39,11 +43,16 @@ constexpr std::array<const char*, 15> helpText{
     "Other terminals: dorn service list, dorn alarm list, dorn msg watch, dorn log -f",
 };
 
+bool isWide(const Frame& frame)
+{
+    return frame.size().columns >= wideColumns;
+}
+
 /// Lines of a part of the picture, one behind the other.
 class Pane {
 public:
-    Pane(Frame& frame, std::size_t row, std::size_t end, std::size_t column)
-        : m_frame(frame), m_row(row), m_end(end), m_column(column)
+    Pane(Frame& frame, std::size_t row, std::size_t end, std::size_t column, std::size_t endColumn)
+        : m_frame(frame), m_row(row), m_end(end), m_column(column), m_endColumn(endColumn)
     {
     }
 
@@ -56,8 +65,8 @@ public:
             return;
         }
         const Colour first = more.empty() ? colour : Colour::None;
-        const std::size_t behind = m_frame.put(m_row, m_column, text, first);
-        m_frame.put(m_row, behind, more, colour);
+        const std::size_t behind = m_frame.put(m_row, m_column, text, first, m_endColumn - m_column);
+        m_frame.put(m_row, behind, more, colour, m_endColumn - behind);
         ++m_row;
     }
 
@@ -66,6 +75,7 @@ private:
     std::size_t m_row;
     std::size_t m_end;
     std::size_t m_column;
+    std::size_t m_endColumn;
 };
 
 template <class... Arguments>
@@ -174,7 +184,8 @@ void putClock(Pane& pane, const Answered<SClockShowResp>& clock)
 
 void putHardware(Frame& frame, const BoardPicture& picture, std::size_t end)
 {
-    Pane pane(frame, 1, end, hardwareColumn);
+    constexpr std::size_t gap = 2;
+    Pane pane(frame, 1, end, hardwareColumn, isWide(frame) ? eventsColumn - gap : frame.size().columns);
     const bool isRoomScarce = end < hardwareRows + 2;
     putAlarms(pane, picture.alarms, isRoomScarce ? 1 : 3);
     putLinks(pane, picture.links);
@@ -190,17 +201,23 @@ struct NewsLine {
     Colour colour = Colour::None;
 };
 
-/// The last lines of something, the oldest first, as many as there is room for; its name in front of the first.
-void putLatest(Frame& frame, std::size_t row, std::size_t room, const char* name, const std::vector<NewsLine>& lines)
+/// The last lines of something, the oldest first, as many as there is room for.
+void putLatest(Frame& frame, std::size_t row, std::size_t column, std::size_t room, const std::vector<NewsLine>& lines)
 {
     const std::size_t count = std::min(room, lines.size());
+    for (std::size_t place = 0; place < count; ++place) {
+        const NewsLine& line = lines[lines.size() - count + place];
+        frame.put(row + place, column, line.text, line.colour);
+    }
+}
+
+/// The same with its name in front of the first line.
+void putNamed(Frame& frame, std::size_t row, std::size_t room, const char* name, const std::vector<NewsLine>& lines)
+{
     if (room != 0) {
         frame.put(row, 0, name, Colour::Faint);
     }
-    for (std::size_t place = 0; place < count; ++place) {
-        const NewsLine& line = lines[lines.size() - count + place];
-        frame.put(row + place, gutter, line.text, line.colour);
-    }
+    putLatest(frame, row, gutter, room, lines);
 }
 
 /// A time of the log's form with everything behind it, without the date and the micro-seconds.
@@ -242,7 +259,8 @@ std::vector<NewsLine> logLines(const std::deque<host::LogLine>& log)
     for (const host::LogLine& line : log) {
         const bool isBad = line.severity == EAaSysLogSeverityLevel_Error || line.severity == EAaSysLogSeverityLevel_Vip;
         const bool isDoubtful = line.severity == EAaSysLogSeverityLevel_Warning;
-        const std::string from = line.eeName + " " + (line.featureName.empty() ? "-" : line.featureName);
+        const bool isFeatureTold = !line.featureName.empty() && line.featureName != line.eeName;
+        const std::string from = line.eeName + (isFeatureTold ? " " + line.featureName : "");
         lines.push_back({withoutDate(host::formatLogLine(line)).substr(0, sizeof("09:18:01")) + from + "  " + line.text,
                          isBad        ? Colour::Red
                          : isDoubtful ? Colour::Yellow
@@ -251,19 +269,27 @@ std::vector<NewsLine> logLines(const std::deque<host::LogLine>& log)
     return lines;
 }
 
-/// Below the services: a quarter for events, a third of the rest for messages, the others for the log.
+/// On the right of a wide terminal.
+void putEvents(Frame& frame, const std::deque<SupervisorEvent>& events, std::size_t end)
+{
+    const std::size_t room = end > 2 ? end - 2 : 0;
+    frame.put(1, eventsColumn, "EVENTS", Colour::Faint);
+    putLatest(frame, 2, eventsColumn, room, eventLines(events, room));
+}
+
+/// Below the services: a quarter for events, if they do not stand above; of the rest one half each for messages and
+/// log.
 void putLines(Frame& frame, const BoardContent& content, std::size_t begin, std::size_t end)
 {
     const std::size_t room = end > begin ? end - begin : 0;
-    const std::size_t events = (room + 2) / 4;
+    const std::size_t events = isWide(frame) ? 0 : (room + 2) / 4;
     const std::size_t messages = (room - events) / 2;
-    putLatest(frame, begin, events, "events", eventLines(content.events, events));
-    putLatest(frame, begin + events, messages, "msgs", messageLines(content.picture.messages));
-    putLatest(frame, begin + events + messages, room - events - messages, "log", logLines(content.picture.log));
+    putNamed(frame, begin, events, "events", eventLines(content.events, events));
+    putNamed(frame, begin + events, messages, "msgs", messageLines(content.picture.messages));
+    putNamed(frame, begin + events + messages, room - events - messages, "log", logLines(content.picture.log));
 }
 
-// --------------------------------------------------------------------------------------------------------------
-// choices
+// ------------------------------------------------------------------------------------------------------------- choices
 
 /// The columns of a menu are as wide as what stands in them.
 void putMenu(Frame& frame, const Menu& menu)
@@ -306,8 +332,11 @@ Frame boardFrame(const BoardContent& content, FrameSize size)
     const std::size_t top = std::min(wanted, std::max<std::size_t>(most, 2));
     putServices(frame, content.services, top);
     putHardware(frame, content.picture, top);
+    if (isWide(frame)) {
+        putEvents(frame, content.events, top);
+    }
     putLines(frame, content, top, keysRow);
-    frame.put(keysRow, 0, keysText, Colour::Faint);
+    frame.put(keysRow, 0, content.isEnding ? endingText : keysText, Colour::Faint);
     return frame;
 }
 

@@ -22,6 +22,7 @@ struct BoardContent {
     std::string age;       ///< how long it has been running
     std::string condition; ///< "15 of 15 run", "ending"
     bool isWell = false;   ///< whether that is as it is to be
+    bool isEnding = false; ///< whether all have been asked to end
     std::vector<ServiceLine> services;
     BoardPicture picture;
     std::deque<SupervisorEvent> events; ///< the oldest first

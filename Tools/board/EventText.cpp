@@ -9,10 +9,14 @@
 
 namespace dorn::tool {
 
+std::string sentence(const SupervisorEvent& event)
+{
+    return (event.service.empty() ? "board" : printable(event.service)) + ": " + printable(event.text);
+}
+
 std::string eventLine(const SupervisorEvent& event)
 {
-    return timeText(event.wall) + " " + (event.service.empty() ? "board" : event.service) + ": " +
-           printable(event.text);
+    return timeText(event.wall) + " " + sentence(event);
 }
 
 std::string endText(int status)

@@ -27,6 +27,8 @@ struct SupervisorEvent {
 
 using EventSink = std::function<void(const SupervisorEvent&)>;
 
+/// "LedS: runs", "board: reset"; on one line, and nothing in it speaks to a terminal.
+std::string sentence(const SupervisorEvent& event);
 /// "2026-11-21T09:18:01.123456Z LedS: runs"
 std::string eventLine(const SupervisorEvent& event);
 

@@ -9,10 +9,11 @@
 
 namespace dorn::tool {
 
-/// A key by its letter; escape and Ctrl-C by their control characters.
+/// A key by its letter; escape, Ctrl-C and Ctrl-L by their control characters.
 using Key = char;
 constexpr Key escapeKey = '\033';
 constexpr Key interruptKey = '\003';
+constexpr Key redrawKey = '\014';
 
 /// Takes bytes as they come, and gives keys. Keys that send a sequence (arrows, F1) are not used here and give nothing,
 /// wherever the sequence was cut. An escape by itself is one that nothing follows.

@@ -72,10 +72,11 @@ BoardContent LiveView::content() const
     content.board = m_supervisor.board().name;
     content.node = m_node;
     content.age = ageText(now - m_begin);
-    content.condition = isEndWanted() ? "ending"
-                                      : std::to_string(running) + " of " + std::to_string(content.services.size()) +
-                                            (running == 1 ? " runs" : " run");
-    content.isWell = !isEndWanted() && running == content.services.size();
+    content.isEnding = isEndWanted() || m_supervisor.isEnding();
+    content.condition = content.isEnding ? "ending"
+                                         : std::to_string(running) + " of " + std::to_string(content.services.size()) +
+                                               (running == 1 ? " runs" : " run");
+    content.isWell = !content.isEnding && running == content.services.size();
     content.picture = m_observer.picture();
     content.events = m_events;
     content.menu = m_menu ? &*m_menu : nullptr;
@@ -88,7 +89,9 @@ BoardContent LiveView::content() const
 void LiveView::handle(Key key)
 {
     if (key == interruptKey) {
-        ++m_endRequests;
+        askForEnd();
+    } else if (key == redrawKey) {
+        m_screen.forget();
     } else if (m_isHelpWanted) {
         m_isHelpWanted = false;
     } else if (m_menu) {
@@ -117,12 +120,17 @@ void LiveView::handle(Key key)
             m_isHelpWanted = true;
             break;
         case 'q':
-            ++m_endRequests;
-            break;
+            return askForEnd();
         default:
             break;
         }
     }
+}
+
+void LiveView::askForEnd()
+{
+    m_isEndUrgent = m_isEndWanted || m_supervisor.isEnding();
+    m_isEndWanted = true;
 }
 
 void LiveView::open(const std::string& title, std::vector<Menu::Item> items)
@@ -186,8 +194,9 @@ void LiveView::offerKills()
 {
     std::vector<Menu::Item> items;
     for (std::size_t place = 0; place < m_supervisor.services().size(); ++place) {
-        items.push_back(
-            {m_supervisor.services()[place].description.name, [this, place] { m_supervisor.signal(place, SIGKILL); }});
+        const SupervisedService& service = m_supervisor.services()[place];
+        const std::string without = service.process ? "" : "  (has no process)";
+        items.push_back({service.description.name + without, [this, place] { m_supervisor.signal(place, SIGKILL); }});
     }
     open("Which service is to be killed?", std::move(items));
 }

@@ -32,14 +32,15 @@ public:
     /// Whether the terminal is to be waited for until it takes more.
     bool isWriting() const { return m_screen.isBusy(); }
     /// Whether a key has asked for the end.
-    bool isEndWanted() const { return m_endRequests != 0; }
-    /// Whether it has asked a second time.
-    bool isEndUrgent() const { return m_endRequests > 1; }
+    bool isEndWanted() const { return m_isEndWanted; }
+    /// Whether it has asked although all were to end already.
+    bool isEndUrgent() const { return m_isEndUrgent; }
     /// Whether the terminal is gone.
     bool isBroken() const { return m_screen.isBroken(); }
 
 private:
     void handle(Key key);
+    void askForEnd();
     void draw();
     BoardContent content() const;
     void open(const std::string& title, std::vector<Menu::Item> items);
@@ -62,7 +63,8 @@ private:
     std::string m_node;
     host::Nanoseconds m_begin;
     host::Deadline m_nextDrawing{};
-    unsigned m_endRequests = 0;
+    bool m_isEndWanted = false;
+    bool m_isEndUrgent = false;
     bool m_isHelpWanted = false;
 };
 

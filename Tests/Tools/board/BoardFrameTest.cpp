@@ -96,6 +96,51 @@ TEST(BoardFrameTest, GreatTerminalShowsMoreLines)
     EXPECT_GT(linesWith(great, "event") + linesWith(great, "word"), linesWith(small, "event") + 5);
 }
 
+TEST(BoardFrameTest, WideTerminalShowsEventsBesideTheHardware)
+{
+    BoardContent content = contentOf(15);
+    content.picture.alarms.value.clear();
+    const Frame frame = boardFrame(content, {60, 200});
+
+    EXPECT_EQ(frame.rowText(1).find("EVENTS"), 84U) << textOf(frame);
+    EXPECT_EQ(frame.rowText(19).find("00:00:00 LedS: says: word 59"), 84U) << textOf(frame);
+    EXPECT_EQ(frame.rowText(20).find("msgs"), 0U) << textOf(frame);
+    EXPECT_FALSE(has(boardFrame(content, {60, 131}), "EVENTS"));
+}
+
+TEST(BoardFrameTest, LongHardwareDoesNotRunIntoTheEvents)
+{
+    BoardContent content = contentOf(1);
+    SAlarm alarm{};
+    alarm.number = 4'000'000'000;
+    alarm.faultId = 4'000'000'000;
+    alarm.count = 4'000'000'000;
+    content.picture.alarms = {Answering::Yes, {alarm}};
+
+    const Frame frame = boardFrame(content, {60, 200});
+
+    EXPECT_EQ(frame.at(2, 82).character, U' ') << textOf(frame);
+    EXPECT_EQ(frame.at(2, 83).character, U' ') << textOf(frame);
+}
+
+TEST(BoardFrameTest, EndIsShownWithWhatAKeyDoesThen)
+{
+    BoardContent content = contentOf(2);
+    content.isEnding = true;
+    const Frame frame = boardFrame(content, {24, 80});
+    EXPECT_TRUE(has(frame, "q once more kills what still runs"));
+    EXPECT_FALSE(has(frame, "s SFP"));
+}
+
+TEST(BoardFrameTest, FeatureWithTheNameOfItsServiceIsToldOnce)
+{
+    BoardContent content = contentOf(2);
+    content.picture.log.back().featureName = "LedS";
+    const Frame frame = boardFrame(content, {24, 80});
+    EXPECT_TRUE(has(frame, "00:00:00 LedS LED  line 58")) << textOf(frame);
+    EXPECT_TRUE(has(frame, "00:00:00 LedS  line 59")) << textOf(frame);
+}
+
 TEST(BoardFrameTest, WhereThereIsLittleRoomMinorNewsAreLeftOut)
 {
     EXPECT_FALSE(has(boardFrame(contentOf(15), {24, 80}), "says: word"));

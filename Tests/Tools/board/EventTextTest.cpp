@@ -19,6 +19,7 @@ TEST(EventTextTest, LineSaysNothingToTheTerminal)
 {
     EXPECT_EQ(eventLine({1'735'689'600s, "A", "says: \033[2J", News::Plain}),
               "2025-01-01T00:00:00.000000Z A: says: \\x1b[2J");
+    EXPECT_EQ(sentence({1'735'689'600s, "A\033[2J", "runs", News::Plain}), "A\\x1b[2J: runs");
 }
 
 TEST(EventTextTest, EndIsAStatusOrASignal)

@@ -13,6 +13,7 @@ TEST(KeyboardTest, LettersAreKeys)
     EXPECT_EQ(Keyboard().keysOf("sq"), (Keys{'s', 'q'}));
     EXPECT_EQ(Keyboard().keysOf(""), Keys());
     EXPECT_EQ(Keyboard().keysOf("\003"), Keys{interruptKey});
+    EXPECT_EQ(Keyboard().keysOf("\014"), Keys{redrawKey});
 }
 
 TEST(KeyboardTest, EscapeAloneIsAKey)

@@ -50,6 +50,16 @@ TEST_F(ScreenTest, FirstPictureIsDrawnOnAnEmptyPage)
     EXPECT_EQ(written(), "\033[0m\033[2J\033[2;3Habc");
 }
 
+TEST_F(ScreenTest, ForgottenPictureIsDrawnFromTheBeginning)
+{
+    Screen screen(m_toWrite.get(), false);
+    screen.show(frameOf("abc"));
+    const std::string first = written();
+    screen.forget();
+    screen.show(frameOf("abc"));
+    EXPECT_EQ(written(), first);
+}
+
 TEST_F(ScreenTest, OnlyWhatHasChangedIsWritten)
 {
     Screen screen(m_toWrite.get(), false);
