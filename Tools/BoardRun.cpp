@@ -83,7 +83,6 @@ private:
     Supervisor m_supervisor;
     std::unique_ptr<BoardObserver> m_observer;
     std::unique_ptr<LiveView> m_view;
-    bool m_isEnding = false;
 };
 
 bool isDrawn(const RunOptions& options)
@@ -99,6 +98,7 @@ BoardRun::BoardRun(const BoardDescription& board, Console& console, const RunOpt
       m_launcher(serviceEnvironment()),
       m_supervisor(board, m_launcher, nodeSight(), [this](const SupervisorEvent& event) { tell(event); })
 {
+    putBoardFiles(board);
     if (isDrawn(options)) {
         m_terminal = std::make_unique<Terminal>();
         m_observer = std::make_unique<BoardObserver>();
@@ -118,7 +118,7 @@ void BoardRun::tell(const SupervisorEvent& event)
     } else if (!m_options.isOnce) {
         m_console.printLine(eventLine(event));
     } else if (event.news == News::Bad) {
-        m_console.remark((event.service.empty() ? "board" : event.service) + ": " + printable(event.text));
+        m_console.remark(sentence(event));
     }
 }
 
@@ -126,7 +126,7 @@ void BoardRun::tell(const SupervisorEvent& event)
 void BoardRun::waitAndStep(host::Deadline until)
 {
     std::vector<pollfd> entries{{m_wakeUp.descriptor(), POLLIN, 0}};
-    if (m_view) {
+    if (m_view && !m_view->isBroken()) { // a terminal that is gone is always ready
         entries.push_back({m_terminal->input(), POLLIN, 0});
         entries.push_back({m_view->isWriting() ? m_terminal->output() : -1, POLLOUT, 0});
         until = std::min(until, m_view->nextUpdate());
@@ -152,7 +152,7 @@ void BoardRun::endAll()
     m_supervisor.end();
     bool isUrgent = false;
     const auto becomesUrgent = [&] {
-        if (!isUrgent && m_view && (m_view->isEndUrgent() || m_view->isBroken())) {
+        if (!isUrgent && m_view && m_view->isEndUrgent()) {
             isUrgent = true;
             m_supervisor.endNow();
         }
@@ -161,13 +161,21 @@ void BoardRun::endAll()
     runUntil(becomesUrgent, host::noDeadline);
 }
 
-/// What stays on the terminal when the picture is gone.
+/// What stays on the terminal when the picture is gone: who has not ended well, and how many have.
 void BoardRun::sumUp()
 {
+    std::size_t well = 0;
     for (const SupervisedService& service : m_supervisor.services()) {
+        if (service.phase == ServicePhase::Ended) {
+            ++well;
+            continue;
+        }
         const std::string what = service.lastStatus ? endText(*service.lastStatus) : "never ran";
-        m_console.print(service.description.name + " " + what + "\n");
+        const char* const more = service.phase == ServicePhase::GivenUp ? ", and was given up" : "";
+        m_console.print(printable(service.description.name) + " " + what + more + "\n");
     }
+    m_console.print("Dorn board " + printable(m_supervisor.board().name) + " has ended, " + std::to_string(well) +
+                    " of " + std::to_string(m_supervisor.services().size()) + " well\n");
 }
 
 Outcome BoardRun::runLive()

@@ -38,6 +38,7 @@ tool::BoardDescription boardThatEndures()
 BoardSoak::BoardSoak(std::uint32_t seed) : m_chance(seed), m_board(boardThatEndures())
 {
     tool::settleBoard(m_board);
+    tool::putBoardFiles(m_board);
     const tool::NodeSight sight{[] { return host::PerNode<host::EeTable>::get().list(); }, board::resetCount};
     m_supervisor = std::make_unique<Supervisor>(m_board, m_launcher, sight, [this](const tool::SupervisorEvent& event) {
         m_lastEvents.push_back(tool::eventLine(event));

@@ -73,7 +73,7 @@ Usage usageOf(const std::vector<pid_t>& services, const std::string& runDirector
 
 std::string growth(const Usage& before, const Usage& now)
 {
-    constexpr std::size_t someDescriptors = 100;     // the log of processes that have ended stays open for a while
+    constexpr std::size_t someDescriptors = 100;     // the logs of 64 processes that have ended are kept, and read
     constexpr std::size_t someKilobytes = 16 * 1024; // logs and tables are mapped as they fill
     constexpr std::size_t someFiles = 64;            // the logs of the latest processes are kept
     return grown("own descriptors", before.descriptors, now.descriptors, someDescriptors) +

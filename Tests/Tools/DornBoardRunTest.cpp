@@ -145,6 +145,23 @@ TEST_F(DornBoardRunTest, SecondForTheSameNodeIsRefused)
     EXPECT_EQ(first.waitForEnd(), 0);
 }
 
+TEST_F(DornBoardRunTest, SecondForTheSameNodeLeavesTheFilesOfTheFirstAlone)
+{
+    m_node.writeBoardFile("/delivered/greeting", "hello");
+    m_node.writeBoardFile("/board.xml", "<board name=\"test\" files=\"delivered\">\n" + echoElement() + "</board>\n");
+    const std::vector<std::string> arguments{"board", "run", m_node.boardPath("/board.xml")};
+    DornCommand first(arguments);
+    ASSERT_NE(awaitWaiting("EchoS"), 0);
+    EXPECT_EQ(m_node.readBoardFile("/greeting"), "hello");
+    m_node.writeBoardFile("/greeting", "changed while it ran");
+
+    EXPECT_EQ(dorn(arguments).status, 1);
+
+    EXPECT_EQ(m_node.readBoardFile("/greeting"), "changed while it ran");
+    first.signal(SIGTERM);
+    EXPECT_EQ(first.waitForEnd(), 0);
+}
+
 TEST_F(DornBoardRunTest, ServicesDoNotSurviveTheSupervisorAndTheNextOneSaysSo)
 {
     DornCommand first(runArguments(echoElement()));

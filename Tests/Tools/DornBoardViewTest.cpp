@@ -43,7 +43,7 @@ TEST_F(DornBoardViewTest, BoardLivesInTheTerminalUntilQ)
     terminal.type("q");
 
     EXPECT_EQ(terminal.waitForEnd(), 0);
-    EXPECT_TRUE(terminal.comesToShow("EchoS ended with status 0")) << terminal.text();
+    EXPECT_TRUE(terminal.comesToShow("Dorn board test has ended, 1 of 1 well")) << terminal.text();
     expectGivenBack(terminal);
 }
 
@@ -53,7 +53,7 @@ TEST_F(DornBoardViewTest, InterruptKeyEndsItAndPassesTheServicesBy)
     ASSERT_TRUE(terminal.comesToShow("1 of 1 runs"));
     terminal.type("\003");
     EXPECT_EQ(terminal.waitForEnd(), 0);
-    EXPECT_TRUE(terminal.comesToShow("EchoS ended with status 0")) << terminal.text();
+    EXPECT_TRUE(terminal.comesToShow("Dorn board test has ended, 1 of 1 well")) << terminal.text();
     expectGivenBack(terminal);
 }
 
@@ -63,6 +63,24 @@ TEST_F(DornBoardViewTest, TerminationGivesTheTerminalBack)
     ASSERT_TRUE(terminal.comesToShow("1 of 1 runs"));
     kill(terminal.pid(), SIGTERM);
     EXPECT_EQ(terminal.waitForEnd(), 0);
+    expectGivenBack(terminal);
+}
+
+TEST_F(DornBoardViewTest, EndIsShownAndAKeyHastensIt)
+{
+    const std::string deaf =
+        scriptElement("Deaf", "trap '' TERM; echo ready; while :; do sleep 1; done", R"(<end within="100000"/>)");
+    PseudoTerminal terminal(DORN_COMMAND, arguments(deaf), 60, 80);
+    ASSERT_TRUE(terminal.comesToShow("says: ready")) << terminal.text();
+    kill(terminal.pid(), SIGTERM);
+    ASSERT_TRUE(terminal.comesToShow("Dorn board test  ending")) << terminal.text();
+    EXPECT_TRUE(terminal.comesToShow("q once more kills")) << terminal.text();
+
+    terminal.type("q");
+
+    EXPECT_EQ(terminal.waitForEnd(), 1);
+    EXPECT_TRUE(terminal.comesToShow("Deaf killed by signal 9 (Killed)")) << terminal.text();
+    EXPECT_TRUE(terminal.comesToShow("Dorn board test has ended, 0 of 1 well")) << terminal.text();
     expectGivenBack(terminal);
 }
 

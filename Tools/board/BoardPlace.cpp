@@ -20,7 +20,8 @@ void putFiles(const std::string& from, const std::string& root)
         std::filesystem::copy(from, root, copy_options::recursive | copy_options::overwrite_existing, error);
     }
     if (error) {
-        throw Failure("the board's files cannot be put into '" + root + "': " + error.message());
+        throw Failure("the board's files cannot be put into '" + root + "': " + error.message() +
+                      " (DORN_ROOT chooses another place)");
     }
 }
 
@@ -37,6 +38,10 @@ void settleBoard(const BoardDescription& board)
     for (const auto& [name, value] : board.environment) {
         setenv(name.c_str(), value.c_str(), unlessSet);
     }
+}
+
+void putBoardFiles(const BoardDescription& board)
+{
     const char* const root = std::getenv("DORN_ROOT");
     if (root && *root) {
         putFiles(board.files, root);
