@@ -53,6 +53,11 @@ int FailingFilePort::rename(int fromDirectory, const char* from, int toDirectory
     return fails(FileOperation::Rename) ? -m_error : m_files.rename(fromDirectory, from, toDirectory, to);
 }
 
+int FailingFilePort::renameNew(int fromDirectory, const char* from, int toDirectory, const char* to)
+{
+    return fails(FileOperation::Rename) ? -m_error : m_files.renameNew(fromDirectory, from, toDirectory, to);
+}
+
 int FailingFilePort::remove(int directory, const char* path)
 {
     return fails(FileOperation::Remove) ? -m_error : m_files.remove(directory, path);

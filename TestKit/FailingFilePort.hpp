@@ -39,6 +39,7 @@ public:
     int truncate(int descriptor, off_t size) override;
     int sync(int descriptor) override;
     int rename(int fromDirectory, const char* from, int toDirectory, const char* to) override;
+    int renameNew(int fromDirectory, const char* from, int toDirectory, const char* to) override;
     int remove(int directory, const char* path) override;
     int makeDirectory(int directory, const char* path, mode_t mode) override;
     /// @}

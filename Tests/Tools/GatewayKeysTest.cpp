@@ -5,12 +5,17 @@
 #include "TestNode.hpp"
 #include "gateway/KeyText.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <functional>
 #include <gmock/gmock.h>
 #include <ostream>
+#include <string>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace dorn::gateway {
 namespace {
@@ -196,9 +201,8 @@ TEST_F(GatewayKeyFileTest, FailureLeavesNoFirstKeysEither)
         FileOperation operation;
         unsigned nth;
     };
-    for (const auto& [operation, nth] :
-         {Failure{FileOperation::Open, 1}, Failure{FileOperation::Write, 1}, Failure{FileOperation::Sync, 1},
-          Failure{FileOperation::Open, 2}, Failure{FileOperation::Rename, 1}}) {
+    for (const auto& [operation, nth] : {Failure{FileOperation::Open, 1}, Failure{FileOperation::Write, 1},
+                                         Failure{FileOperation::Sync, 1}, Failure{FileOperation::Rename, 1}}) {
         const FailingFilePort files(operation, nth, EIO);
 
         EXPECT_THROW(writeKeyFile(m_path, m_keys), KeyError);
@@ -206,6 +210,86 @@ TEST_F(GatewayKeyFileTest, FailureLeavesNoFirstKeysEither)
         EXPECT_TRUE(files.hasFailed());
         EXPECT_EQ(fileCount(), 0U);
     }
+}
+
+/// Runs something before the first keys get their place.
+class RenamingFilePort : public host::PosixFilePort {
+public:
+    explicit RenamingFilePort(std::function<void()> action) : m_action(std::move(action)) {}
+    int renameNew(int fromDirectory, const char* from, int toDirectory, const char* to) override
+    {
+        m_action();
+        return PosixFilePort::renameNew(fromDirectory, from, toDirectory, to);
+    }
+
+private:
+    std::function<void()> m_action;
+    host::FilePortScope m_scope{*this};
+};
+
+/// Whoever is killed before has left no empty file that has to be replaced by force.
+TEST_F(GatewayKeyFileTest, FirstKeysGetTheirPlaceWhole)
+{
+    bool wasThere = true;
+    const RenamingFilePort files([&] { wasThere = std::filesystem::exists(m_path); });
+
+    writeKeyFile(m_path, m_keys);
+
+    EXPECT_FALSE(wasThere);
+    EXPECT_EQ(readKeyFile(m_path).publicKey, m_keys.publicKey);
+}
+
+TEST_F(GatewayKeyFileTest, OfTwoThatMakeFirstKeysOneFails)
+{
+    std::string others;
+    const RenamingFilePort files([&] {
+        writeContent("# of the other one\n");
+        others = objection(); // no key pair
+    });
+
+    try {
+        writeKeyFile(m_path, m_keys);
+        FAIL() << "the others' keys are gone";
+    } catch (const KeyError& error) {
+        EXPECT_STREQ(error.what(), ("key file '" + m_path + "' cannot be written: File exists").c_str());
+    }
+
+    EXPECT_EQ(objection(), others);
+    EXPECT_EQ(fileCount(), 1U);
+}
+
+TEST_F(GatewayKeyFileTest, WhatKilledWritersHaveLeftGoes)
+{
+    const pid_t dead = fork();
+    if (dead == 0) {
+        _exit(0);
+    }
+    ASSERT_EQ(waitpid(dead, nullptr, 0), dead);
+    const std::string file(defaultKeyFile);
+    for (const std::string& left : {std::to_string(dead), std::to_string(getpid())}) {
+        m_node.writeBoardFile(file + "." + left + ".part", "secret\n");
+    }
+    const std::vector<std::string> kept{file + "." + std::to_string(getppid()) + ".part", // its writer lives
+                                        file + ".part", file + "..part", file + ".1x.part", "/opt/dorn/a.1.part"};
+    for (const std::string& name : kept) {
+        m_node.writeBoardFile(name, "");
+    }
+
+    writeKeyFile(m_path, m_keys);
+
+    EXPECT_EQ(fileCount(), kept.size() + 1);
+    EXPECT_TRUE(std::all_of(kept.begin(), kept.end(), [this](const std::string& name) {
+        return std::filesystem::exists(m_node.boardPath(name.c_str()));
+    }));
+}
+
+TEST_F(GatewayKeyFileTest, PlaceIsStoredAsWell)
+{
+    FailingFilePort files(FileOperation::Sync, 100, EIO);
+
+    writeKeyFile(m_path, m_keys);
+
+    EXPECT_EQ(files.calls(FileOperation::Sync), 2U) << "the file and its folder";
 }
 
 TEST_F(GatewayKeyFileTest, MissingFileSaysWhatToDo)

@@ -6,8 +6,11 @@
 #include "port/FilePort.hpp"
 
 #include <cerrno>
+#include <charconv>
+#include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,6 +25,7 @@ constexpr std::string_view comment = "# The keys of a node's gateway. The secret
                                      "# into the table of nodes.\n";
 constexpr std::string_view publicLabel = "public ";
 constexpr std::string_view secretLabel = "secret ";
+constexpr std::string_view unfinishedEnd = ".part";
 constexpr std::size_t maxKeyFileSize = 4096;
 constexpr mode_t othersRights = S_IRWXG | S_IRWXO;
 
@@ -55,12 +59,51 @@ void requireNewOrRegular(const std::string& path, OldKey oldKey)
     }
 }
 
+std::filesystem::path folderOf(const std::string& path)
+{
+    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    return folder.empty() ? "." : folder;
+}
+
+std::string unfinishedName(const std::string& path, pid_t process)
+{
+    return (path + "." + std::to_string(process)).append(unfinishedEnd);
+}
+
+/// The process that has named a file as unfinishedName() does; nothing for other names.
+std::optional<pid_t> writerOf(std::string_view file, std::string_view keyFile)
+{
+    if (!file.starts_with(keyFile) || !file.ends_with(unfinishedEnd) ||
+        file.size() <= keyFile.size() + unfinishedEnd.size()) {
+        return std::nullopt;
+    }
+    const std::string_view name = file.substr(keyFile.size(), file.size() - keyFile.size() - unfinishedEnd.size());
+    pid_t process = 0;
+    const auto [end, error] = std::from_chars(name.data() + 1, name.data() + name.size(), process);
+    const bool isNumber = error == std::errc() && end == name.data() + name.size();
+    return name.front() == '.' && isNumber && process > 0 ? std::optional(process) : std::nullopt;
+}
+
+/// Removes what writers have left that were killed: there are secret keys in it.
+void removeLeftovers(const std::string& path)
+{
+    const std::string keyFile = std::filesystem::path(path).filename();
+    std::error_code ignored; // what is wrong with the place is told by the writing
+    for (std::filesystem::directory_iterator entry(folderOf(path), ignored), end; !ignored && entry != end;
+         entry.increment(ignored)) {
+        const std::optional<pid_t> writer = writerOf(entry->path().filename().native(), keyFile);
+        if (writer && (*writer == getpid() || (kill(*writer, 0) != 0 && errno == ESRCH))) {
+            FilePort::get().remove(AT_FDCWD, entry->path().c_str());
+        }
+    }
+}
+
 /// A file beside its place until it is kept; 0600.
 class UnfinishedKeyFile {
 public:
-    explicit UnfinishedKeyFile(const std::string& path)
-        : m_path(path), m_unfinished(path + "." + std::to_string(getpid()) + ".part")
+    explicit UnfinishedKeyFile(const std::string& path) : m_path(path), m_unfinished(unfinishedName(path, getpid()))
     {
+        removeLeftovers(path);
         const int result =
             FilePort::get().open(AT_FDCWD, m_unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
         requireSuccess(result);
@@ -89,25 +132,24 @@ public:
 
     void keep(OldKey oldKey)
     {
-        if (oldKey == OldKey::Kept) {
-            takePlace();
+        FilePort& files = FilePort::get();
+        if (oldKey == OldKey::Kept) { // of two that write a first key at the same time one fails here
+            requireSuccess(files.renameNew(AT_FDCWD, m_unfinished.c_str(), AT_FDCWD, m_path.c_str()));
+        } else {
+            requireSuccess(files.rename(AT_FDCWD, m_unfinished.c_str(), AT_FDCWD, m_path.c_str()));
         }
-        const int result = FilePort::get().rename(AT_FDCWD, m_unfinished.c_str(), AT_FDCWD, m_path.c_str());
-        if (result < 0 && oldKey == OldKey::Kept) {
-            FilePort::get().remove(AT_FDCWD, m_path.c_str());
-        }
-        requireSuccess(result);
         m_descriptor.reset();
+        storePlace();
     }
 
 private:
-    /// Of two that write a first key at the same time one fails here.
-    void takePlace() const
+    /// What other nodes' tables get is there after a power cut, too. Not every file system can promise it.
+    void storePlace() const
     {
-        const int result =
-            FilePort::get().open(AT_FDCWD, m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
-        requireSuccess(result);
-        Descriptor(result).reset();
+        const Descriptor folder(FilePort::get().open(AT_FDCWD, folderOf(m_path).c_str(), O_RDONLY | O_DIRECTORY, 0));
+        if (folder) {
+            FilePort::get().sync(folder.get());
+        }
     }
 
     void requireSuccess(int result) const

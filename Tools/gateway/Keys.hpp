@@ -93,7 +93,7 @@ enum class OldKey {
 };
 
 /// Stores the secret key of @p keys in the file @p path of this machine: mode 0600, written beside its place, stored
-/// and moved there, so that the file is whole or not there. A comment in it says the public key.
+/// and moved there, so that the file is whole or not there. What a process that was killed has left beside it goes.
 /// @throws KeyError when a file is there and is to be kept, or it cannot be written.
 void writeKeyFile(const std::string& path, const KeyPair& keys, OldKey oldKey = OldKey::Kept);
 

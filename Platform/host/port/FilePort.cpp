@@ -52,6 +52,11 @@ int PosixFilePort::rename(int fromDirectory, const char* from, int toDirectory, 
     return orError(::renameat(fromDirectory, from, toDirectory, to));
 }
 
+int PosixFilePort::renameNew(int fromDirectory, const char* from, int toDirectory, const char* to)
+{
+    return orError(::renameat2(fromDirectory, from, toDirectory, to, RENAME_NOREPLACE));
+}
+
 int PosixFilePort::remove(int directory, const char* path)
 {
     return orError(::unlinkat(directory, path, 0));

@@ -24,6 +24,8 @@ public:
     virtual int truncate(int descriptor, off_t size) = 0;
     virtual int sync(int descriptor) = 0;
     virtual int rename(int fromDirectory, const char* from, int toDirectory, const char* to) = 0;
+    /// As rename(), but fails with `EEXIST` when @p to is there (`renameat2` with `RENAME_NOREPLACE`).
+    virtual int renameNew(int fromDirectory, const char* from, int toDirectory, const char* to) = 0;
     virtual int remove(int directory, const char* path) = 0;
     virtual int makeDirectory(int directory, const char* path, mode_t mode) = 0;
 
@@ -44,6 +46,7 @@ public:
     int truncate(int descriptor, off_t size) override;
     int sync(int descriptor) override;
     int rename(int fromDirectory, const char* from, int toDirectory, const char* to) override;
+    int renameNew(int fromDirectory, const char* from, int toDirectory, const char* to) override;
     int remove(int directory, const char* path) override;
     int makeDirectory(int directory, const char* path, mode_t mode) override;
 };
