@@ -169,6 +169,37 @@ TEST(GatewayTableTest, FirstOfTwoRowsAtOddsHolds)
                 ElementsAre(TableRow{0x0F01, "a", 1, keyOf(1)}, TableRow{0x0F04, "a", 2, keyOf(4)}));
 }
 
+struct PlaceTwice {
+    const char* first;
+    const char* second;
+    bool isSame;
+};
+
+constexpr std::array placesTwice{
+    PlaceTwice{"board-2", "BOARD-2", true},
+    PlaceTwice{"Board.Example", "board.example", true},
+    PlaceTwice{"::1", "0:0::0001", true},
+    PlaceTwice{"FE80::A%eth0", "fe80::a%eth0", true},
+    PlaceTwice{"fe80::a%eth0", "fe80::a%ETH0", false}, // names of interfaces have a case
+    PlaceTwice{"fe80::a%eth0", "fe80::a", false},
+    PlaceTwice{"board-2", "board-3", false},
+};
+
+TEST(GatewayTableTest, PlaceIsTheSameHoweverItsHostIsWritten)
+{
+    for (const auto& [first, second, isSame] : placesTwice) {
+        const std::vector<std::string> complaints = complaintsAbout("1 " + std::string(first) + " 1 " + keyText(1) +
+                                                                    "\n2 " + second + " 1 " + keyText(2) + "\n");
+
+        EXPECT_EQ(complaints.size(), isSame ? 1U : 0U) << first << " " << second;
+        EXPECT_THAT(complaintsAbout("1 " + std::string(first) + " 1 " + keyText(1) + "\n2 " + second + " 2 " +
+                                    keyText(2) + "\n"),
+                    IsEmpty())
+            << "another port";
+    }
+    EXPECT_THROW(Table({{1, "a", 1, keyOf(1)}, {2, "A", 1, keyOf(2)}}), std::invalid_argument);
+}
+
 TEST(GatewayTableTest, LongestLineIsTakenAndALongerOneNot)
 {
     std::string line = "1 a 1 " + keyText(1) + " #";

@@ -4,6 +4,8 @@
 #include "log/Descriptor.hpp"
 
 #include <algorithm>
+#include <arpa/inet.h>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -18,9 +20,26 @@ bool isBefore(const TableRow& left, const TableRow& right)
     return left.node < right.node;
 }
 
+/// A host in the form that all ways of writing it have in common: names know no case, IPv6 addresses many forms.
+std::string plainHost(const std::string& host)
+{
+    const std::size_t zone = std::min(host.find('%'), host.size());
+    in6_addr address{};
+    if (inet_pton(AF_INET6, host.substr(0, zone).c_str(), &address) == 1) {
+        std::array<char, INET6_ADDRSTRLEN> text{};
+        inet_ntop(AF_INET6, &address, text.data(), text.size());
+        return text.data() + host.substr(zone); // interfaces have a case
+    }
+    std::string name = host;
+    std::transform(name.begin(), name.end(), name.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+    return name;
+}
+
 bool areAtOdds(const TableRow& left, const TableRow& right)
 {
-    return left.node == right.node || left.key == right.key || (left.host == right.host && left.port == right.port);
+    return left.node == right.node || left.key == right.key || isSamePlace(left, right);
 }
 
 [[noreturn]] void fail(const std::string& path, const std::string& what)
@@ -55,6 +74,11 @@ std::string wholeFile(const std::string& path)
 }
 
 } // namespace
+
+bool isSamePlace(const TableRow& left, const TableRow& right)
+{
+    return left.port == right.port && plainHost(left.host) == plainHost(right.host);
+}
 
 Table::Table(std::vector<TableRow> rows) : m_rows(std::move(rows))
 {

@@ -44,6 +44,10 @@ struct TableRow {
     friend bool operator==(const TableRow& left, const TableRow& right) = default;
 };
 
+/// Whether both nodes are to be reached at one port of one host: in whatever case its name is written, and in whatever
+/// form its IPv6 address. That a name has an address only its resolving tells.
+bool isSamePlace(const TableRow& left, const TableRow& right);
+
 /// The nodes, by node id. No two have the same id, the same host and port, or the same key.
 class Table {
 public:

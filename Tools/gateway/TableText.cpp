@@ -204,7 +204,7 @@ private:
             throw BadLine{"key is that of node " + nodeText(other.node) + where +
                           ": for each node a key of its own is expected"};
         }
-        if (row.host == other.host && row.port == other.port) {
+        if (isSamePlace(row, other)) {
             throw BadLine{"host and port are those of node " + nodeText(other.node) + where +
                           ": for each node a place of its own is expected"};
         }
