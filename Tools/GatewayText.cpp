@@ -55,12 +55,21 @@ std::string placeText(const LinkStatus& link)
     return (isIpv6 ? "[" + link.host + "]" : link.host) + ":" + std::to_string(link.port);
 }
 
+/// The reasons of one half of a sum, from @p first up to but without @p end.
+struct DropReasons {
+    DropReason first;
+    std::size_t end;
+};
+constexpr DropReasons outgoing{DropReason::QueueFull, static_cast<std::size_t>(DropReason::NoReceiver)};
+constexpr DropReasons incoming{DropReason::NoReceiver, dropReasonCount};
+static_assert(outgoing.end == 3 && incoming.end == 7, "each reason belongs to what is accepted or to what is received");
+
 /// "queue full 3, no receiver 1"; empty when all counts are 0.
 template <class Reason, std::size_t count>
-std::string countsText(const Counts<Reason, count>& counts)
+std::string countsText(const Counts<Reason, count>& counts, std::size_t first = 0, std::size_t end = count)
 {
     std::string text;
-    for (std::size_t index = 0; index < count; ++index) {
+    for (std::size_t index = first; index < end; ++index) {
         const auto reason = static_cast<Reason>(index);
         if (counts[reason] != 0) {
             text.append(text.empty() ? "" : ", ").append(nameOf(reason)).append(" ");
@@ -71,14 +80,25 @@ std::string countsText(const Counts<Reason, count>& counts)
 }
 
 template <class Reason, std::size_t count>
-Json countsJson(const Counts<Reason, count>& counts)
+Json countsJson(const Counts<Reason, count>& counts, std::size_t first = 0, std::size_t end = count)
 {
     Json json = Json::object();
-    for (std::size_t index = 0; index < count; ++index) {
+    for (std::size_t index = first; index < end; ++index) {
         const auto reason = static_cast<Reason>(index);
         json[std::string(nameOf(reason))] = counts[reason];
     }
     return json;
+}
+
+Json droppedJson(const LinkStatus& link, const DropReasons& reasons)
+{
+    return countsJson(link.dropped, static_cast<std::size_t>(reasons.first), reasons.end);
+}
+
+Cell droppedCell(const LinkStatus& link, const DropReasons& reasons)
+{
+    const std::string text = countsText(link.dropped, static_cast<std::size_t>(reasons.first), reasons.end);
+    return {text.empty() ? "-" : text, text.empty() ? Colour::None : Colour::Yellow};
 }
 
 Json linkJson(const LinkStatus& link, host::Nanoseconds now)
@@ -96,10 +116,11 @@ Json linkJson(const LinkStatus& link, host::Nanoseconds now)
             {"sent", link.confirmed},
             {"waiting", link.waiting},
             {"waitingBytes", link.waitingBytes},
+            {"droppedOut", droppedJson(link, outgoing)},
             {"received", link.received},
             {"delivered", link.delivered},
             {"pending", link.pending},
-            {"dropped", countsJson(link.dropped)}};
+            {"droppedIn", droppedJson(link, incoming)}};
 }
 
 } // namespace
@@ -108,18 +129,22 @@ std::string gatewayText(const GatewayStatus& status, host::Nanoseconds now, cons
 {
     std::string text = "gateway of node " + hexNumber(status.node, 4) + ": process " + std::to_string(status.pid) +
                        ", since " + shortTimeText(now - status.age) + ", epoch " + epochText(status.epoch) + "\n";
-    Table table({"NODE", "PLACE", "STATE", "SINCE", "ROUND TRIP", "SENT", "WAITING", "RECEIVED", "DROPPED"});
+    Table table({"NODE", "PLACE", "STATE", "SINCE", "ROUND TRIP", "ACCEPTED", "SENT", "WAITING", "DROPPED OUT",
+                 "RECEIVED", "DELIVERED", "PENDING", "DROPPED IN"});
     for (const LinkStatus& link : status.links) {
-        const std::string dropped = countsText(link.dropped);
         table.add({hexNumber(link.node, 4),
                    placeText(link),
                    {stateText(link), link.state == LinkState::Up ? Colour::Green : Colour::Red},
                    shortTimeText(now - link.inState),
                    roundTripText(link),
+                   std::to_string(link.accepted),
                    std::to_string(link.confirmed),
                    waitingText(link),
+                   droppedCell(link, outgoing),
                    std::to_string(link.received),
-                   {dropped.empty() ? "-" : dropped, dropped.empty() ? Colour::None : Colour::Yellow}});
+                   std::to_string(link.delivered),
+                   std::to_string(link.pending),
+                   droppedCell(link, incoming)});
     }
     if (!status.links.empty()) {
         text += table.text(console);

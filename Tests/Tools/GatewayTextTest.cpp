@@ -72,12 +72,12 @@ TEST(GatewayTextTest, LinksAreATable)
 
     EXPECT_EQ(gatewayText(status, noon, console),
               "gateway of node 0x0F01: process 4711, since 2026-11-21T10:00:00Z, epoch 0xFEDCBA9876543210\n"
-              "NODE    PLACE                STATE                 SINCE                 ROUND TRIP  SENT  WAITING      "
-              "RECEIVED  DROPPED\n"
-              "0x0F02  192.168.10.2:5670    up                    2026-11-21T11:58:30Z  0.213 ms    120   3 (1.5 KiB)  "
-              "118       queue full 7, no receiver 1\n"
-              "0x0F03  [fe80::1%eth0]:5671  waiting, unreachable  2026-11-21T11:00:00Z  -           0     0            "
-              "0         -\n"
+              "NODE    PLACE                STATE                 SINCE                 ROUND TRIP  ACCEPTED  "
+              "SENT  WAITING      DROPPED OUT   RECEIVED  DELIVERED  PENDING  DROPPED IN\n"
+              "0x0F02  192.168.10.2:5670    up                    2026-11-21T11:58:30Z  0.213 ms    130       "
+              "120   3 (1.5 KiB)  queue full 7  118       116        1        no receiver 1\n"
+              "0x0F03  [fe80::1%eth0]:5671  waiting, unreachable  2026-11-21T11:00:00Z  -           0         "
+              "0     0            -             0         0          0        -\n"
               "refused: unknown key 3, stale 1\n");
 }
 
@@ -97,7 +97,8 @@ TEST(GatewayTextTest, LinkIsGreenOrRedAndDropsAreYellow)
 
     EXPECT_THAT(text, HasSubstr("\x1B[32mup\x1B[0m"));
     EXPECT_THAT(text, HasSubstr("\x1B[31mwaiting, unreachable\x1B[0m"));
-    EXPECT_THAT(text, HasSubstr("\x1B[33mqueue full 7, no receiver 1\x1B[0m"));
+    EXPECT_THAT(text, HasSubstr("\x1B[33mqueue full 7\x1B[0m"));
+    EXPECT_THAT(text, HasSubstr("\x1B[33mno receiver 1\x1B[0m"));
 }
 
 TEST(GatewayTextTest, JsonHasEverything)
@@ -142,11 +143,35 @@ TEST(GatewayTextTest, JsonHasACountForEveryReason)
 
     EXPECT_EQ(json["refused"].size(), refusalReasonCount);
     EXPECT_EQ(json["refused"]["garbage"], 5);
-    const Json& dropped = json["links"][0]["dropped"];
-    EXPECT_EQ(dropped.size(), dropReasonCount);
-    EXPECT_EQ(dropped["queue full"], 7);
-    EXPECT_EQ(dropped["no receiver"], 1);
-    EXPECT_EQ(dropped["forged"], 0);
+    const Json& link = json["links"][0];
+    EXPECT_EQ(link["droppedOut"], (Json{{"queue full", 7}, {"peer restarted", 0}, {"unconfirmed", 0}}));
+    EXPECT_EQ(link["droppedIn"],
+              (Json{{"no receiver", 1}, {"receiver full", 0}, {"sender restarted", 0}, {"forged", 0}}));
+}
+
+/// Every reason stands in the sum that it belongs to.
+TEST(GatewayTextTest, BothSumsCanBeAddedUp)
+{
+    LinkStatus status = linkThatIsUp();
+    for (std::size_t index = 0; index < dropReasonCount; ++index) {
+        status.dropped[static_cast<DropReason>(index)] = std::uint64_t{1} << index;
+    }
+    status.accepted = status.confirmed + status.waiting + 0b111;
+    status.received = status.delivered + status.pending + 0b1111000;
+
+    const Json link = gatewayJson(gatewayWith({status}), noon)["links"][0];
+
+    const auto sumOf = [](const Json& counts) {
+        std::uint64_t sum = 0;
+        for (const Json& count : counts) {
+            sum += count.get<std::uint64_t>();
+        }
+        return sum;
+    };
+    EXPECT_EQ(link["accepted"],
+              link["sent"].get<std::uint64_t>() + link["waiting"].get<std::uint64_t>() + sumOf(link["droppedOut"]));
+    EXPECT_EQ(link["received"],
+              link["delivered"].get<std::uint64_t>() + link["pending"].get<std::uint64_t>() + sumOf(link["droppedIn"]));
 }
 
 TEST(GatewayTextTest, LinkThatIsDownIsNamedWithItsFault)
