@@ -19,12 +19,15 @@
 #include "node/RunDirectory.hpp"
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <memory>
 
 namespace dorn::tool {
 namespace {
 
 constexpr const char* tableHelp = "Table of nodes; /opt/dorn/gateway.table of the board without one";
+constexpr const char* checkKeyHelp =
+    "Key file of this node; /opt/dorn/gateway.key of the board without one, if it is there";
 constexpr const char* keyHelp = "Key file of this node; /opt/dorn/gateway.key of the board without one";
 
 struct RunOptions {
@@ -230,14 +233,27 @@ std::string tableText(const gateway::Table& nodes, const Console& console)
     return nodes.rows().empty() ? "" : table.text(console);
 }
 
+/// Where a table is written, as on a PC, there need be no node with keys of its own. What cannot be looked at is there.
+bool isThere(const std::string& file)
+{
+    std::error_code ignored;
+    return std::filesystem::symlink_status(file, ignored).type() != std::filesystem::file_type::not_found;
+}
+
 Outcome check(const CheckOptions& options, Console& console)
 {
     const std::string path = placeOf(options.table, gateway::defaultTableFile);
-    const gateway::KeyPair own = gateway::readKeyFile(placeOf(options.key, gateway::defaultKeyFile));
-    const gateway::TableReading reading = readOwnTable(path, own.publicKey);
+    const std::string keyFile = placeOf(options.key, gateway::defaultKeyFile);
+    const bool isNode = !options.key.empty() || isThere(keyFile);
+    const gateway::TableReading reading =
+        isNode ? readOwnTable(path, gateway::readKeyFile(keyFile).publicKey) : gateway::readTable(path);
     console.print(options.asJson ? jsonText(tableJson(reading)) : tableText(reading.table, console));
     for (const gateway::TableComplaint& complaint : reading.complaints) {
         console.remark(complaintText(path, complaint));
+    }
+    if (!isNode) {
+        console.remark("no key file '" + keyFile +
+                       "' here: whether the table has the row of this node was not checked");
     }
     return reading.complaints.empty() ? Outcome::Fine : Outcome::No;
 }
@@ -250,7 +266,7 @@ void addCheck(Program& program, CLI::App& noun)
                                       "dorn gateway check /opt/dorn/gateway.table", "", 1},
                                      [options](Console& console) { return check(*options, console); });
     verb.add_option("TABLE", options->table, tableHelp);
-    verb.add_option("--key", options->key, keyHelp)->type_name("FILE");
+    verb.add_option("--key", options->key, checkKeyHelp)->type_name("FILE");
     verb.add_flag("--json", options->asJson, "Prints JSON");
 }
 

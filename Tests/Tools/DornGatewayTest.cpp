@@ -147,12 +147,39 @@ TEST_F(DornGatewayTest, CheckMissesTheOwnKey)
 
 TEST_F(DornGatewayTest, CheckWithoutAnythingSaysWhatIsMissing)
 {
-    EXPECT_EQ(dorn({"gateway", "check"}).remarks,
-              "dorn: key file '" + m_keyFile +
-                  "' cannot be read: No such file or directory; 'dorn gateway keys' makes it\n");
+    const CommandResult noTable{1, "", "dorn: table '" + m_tableFile + "' cannot be read: No such file or directory\n"};
+
+    EXPECT_EQ(dorn({"gateway", "check"}), noTable);
     makeKeys();
+    EXPECT_EQ(dorn({"gateway", "check"}), noTable);
+}
+
+/// A table is written on a PC, which is none of the nodes.
+TEST_F(DornGatewayTest, TableIsCheckedWhereNoKeysAre)
+{
+    const std::string key = gateway::makeKeyPair().publicKey.text();
+    m_node.writeBoardFile(gateway::defaultTableFile, row("0x0F02", key));
+    const std::string remark =
+        "dorn: no key file '" + m_keyFile + "' here: whether the table has the row of this node was not checked\n";
+
+    EXPECT_EQ(
+        dorn({"gateway", "check"}),
+        (CommandResult{0, "NODE    HOST       PORT  PUBLIC KEY\n0x0F02  127.0.0.1  5670  " + key + "\n", remark}));
+    m_node.writeBoardFile(gateway::defaultTableFile, "1 a\n");
     EXPECT_EQ(dorn({"gateway", "check"}),
-              (CommandResult{1, "", "dorn: table '" + m_tableFile + "' cannot be read: No such file or directory\n"}));
+              (CommandResult{1, "",
+                             "dorn: " + m_tableFile + ":1: 2 columns, and no PORT: 'NODE HOST PORT KEY' is expected\n" +
+                                 remark}));
+}
+
+TEST_F(DornGatewayTest, KeyFileThatIsNamedHasToBeThere)
+{
+    m_node.writeBoardFile(gateway::defaultTableFile, row("0x0F01", gateway::makeKeyPair().publicKey.text()));
+
+    EXPECT_EQ(dorn({"gateway", "check", "--key", "/nowhere/key"}),
+              (CommandResult{1, "",
+                             "dorn: key file '/nowhere/key' cannot be read: No such file or directory; 'dorn gateway "
+                             "keys' makes it\n"}));
 }
 
 // -------------------------------------------------------------------------------------------------------- run, status
