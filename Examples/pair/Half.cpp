@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -29,10 +30,14 @@ std::string commandPath()
     return (programs() / "dorn").string();
 }
 
-std::string lineWith(const std::string& text, const std::string& all)
+/// The first whole line behind @p passed, the begin of a line, that contains @p text.
+std::optional<std::string> lineWith(const std::string& text, const std::string& all, std::size_t passed)
 {
-    const std::size_t at = all.find(text);
-    const std::size_t begin = all.rfind('\n', at);
+    const std::size_t at = all.find(text, passed);
+    if (at == std::string::npos || all.find('\n', at) == std::string::npos) {
+        return std::nullopt;
+    }
+    const std::size_t begin = at == 0 ? std::string::npos : all.rfind('\n', at - 1);
     const std::size_t first = begin == std::string::npos ? 0 : begin + 1;
     return all.substr(first, all.find('\n', at) - first);
 }
@@ -85,6 +90,13 @@ void Half::followLog()
 {
     enter();
     m_log = std::make_unique<testkit::Process>(commandPath(), std::vector<std::string>{"log", "-f"});
+    m_logPassed = 0;
+}
+
+void Half::passLog()
+{
+    const std::size_t end = m_log->standardOutput().rfind('\n');
+    m_logPassed = end == std::string::npos ? 0 : end + 1;
 }
 
 CommandResult Half::command(const std::vector<std::string>& arguments) const
@@ -122,10 +134,16 @@ std::string Half::askUntil(const std::vector<std::string>& arguments, const std:
 
 std::string Half::awaitLine(const std::string& text) const
 {
-    if (!m_log || !m_log->waitForOutput(text, stepBound)) {
-        throw std::runtime_error("half " + m_name + " logs no \"" + text + "\"\n" + lastWords());
+    const auto end = std::chrono::steady_clock::now() + stepBound;
+    for (;;) {
+        if (const std::optional<std::string> line = lineWith(text, m_log->standardOutput(), m_logPassed)) {
+            return *line;
+        }
+        if (std::chrono::steady_clock::now() >= end) {
+            throw std::runtime_error("half " + m_name + " logs no \"" + text + "\"\n" + lastWords());
+        }
+        std::this_thread::sleep_for(pauseBetweenQuestions);
     }
-    return lineWith(text, m_log->standardOutput());
 }
 
 /// What those have said that have ended.

@@ -5,6 +5,7 @@
 
 #include "Process.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -51,7 +52,9 @@ public:
     /// Asks again and again. @return the answer when its status is 0 and it contains @p text.
     /// @throws std::runtime_error when it does not within a bound.
     std::string askUntil(const std::vector<std::string>& arguments, const std::string& text) const;
-    /// Waits for a line of the log that contains @p text; the first one since followLog().
+    /// What the log has said so far is looked at no more.
+    void passLog();
+    /// Waits for a line of the log that contains @p text; the first one since followLog() or passLog().
     /// @throws std::runtime_error when none comes within a bound.
     std::string awaitLine(const std::string& text) const;
 
@@ -71,6 +74,7 @@ private:
     std::filesystem::path m_directory;
     std::map<std::string, std::unique_ptr<testkit::Process>> m_processes;
     std::unique_ptr<testkit::Process> m_log;
+    std::size_t m_logPassed = 0; ///< bytes of the log, whole lines
 };
 
 } // namespace dorn::pair
