@@ -19,8 +19,6 @@ namespace {
 using host::FrameHeader;
 using host::UnixSocket;
 
-/// Messages that one call hands over.
-constexpr std::size_t messagesAtOnce = 64;
 constexpr int sendBufferBytes = 1 << 20;
 constexpr std::chrono::milliseconds retryTime{10};
 /// A receiver that comes back while it is sent to is connected to again, so often.
@@ -41,35 +39,6 @@ FrameHeader frameHeader(const RecordHeader& header)
             header.receiver,
             0};
 }
-
-/// Records as they are handed to the kernel, header and payload from where they lie.
-class FrameBatch {
-public:
-    explicit FrameBatch(std::span<const Record> records) : m_count(std::min(records.size(), messagesAtOnce))
-    {
-        for (std::size_t index = 0; index < m_count; ++index) {
-            const Record& record = records[index];
-            m_headers[index] = frameHeader(record.header);
-            m_parts[2 * index] = {&m_headers[index], sizeof(FrameHeader)};
-            m_parts[2 * index + 1] = {const_cast<std::byte*>(record.payload.data()), record.payload.size()};
-            m_messages[index] = {};
-            m_messages[index].msg_hdr.msg_iov = &m_parts[2 * index];
-            m_messages[index].msg_hdr.msg_iovlen = 2;
-        }
-    }
-
-    /// @return messages sent; -1 with `errno` set when none was.
-    int send(int descriptor)
-    {
-        return sendmmsg(descriptor, m_messages.data(), static_cast<unsigned>(m_count), MSG_NOSIGNAL | MSG_DONTWAIT);
-    }
-
-private:
-    std::size_t m_count;
-    std::array<FrameHeader, messagesAtOnce> m_headers;
-    std::array<iovec, 2 * messagesAtOnce> m_parts;
-    std::array<mmsghdr, messagesAtOnce> m_messages;
-};
 
 bool isShortage(int error)
 {
@@ -153,9 +122,10 @@ Receivers::Outcome Receivers::send(TAaSysComCpid cpid, Receiver& receiver, std::
                 return outcome;
             }
         }
-        const int count = FrameBatch(run.subspan(sent)).send(receiver.socket.get());
-        if (count >= 0) {
-            sent += static_cast<std::size_t>(count);
+        pack(run.subspan(sent));
+        const std::span<const std::byte> packet = m_pack.packet();
+        if (::send(receiver.socket.get(), packet.data(), packet.size(), MSG_NOSIGNAL | MSG_DONTWAIT) >= 0) {
+            sent += m_pack.count();
         } else if (isShortage(errno)) {
             return Outcome::Full;
         } else if (errno != EINTR) {
@@ -163,6 +133,17 @@ Receivers::Outcome Receivers::send(TAaSysComCpid cpid, Receiver& receiver, std::
         }
     }
     return Outcome::Done;
+}
+
+/// Packs as many of a run as one packet takes.
+void Receivers::pack(std::span<const Record> run)
+{
+    m_pack.clear();
+    for (const Record& record : run) {
+        if (!m_pack.add(frameHeader(record.header), record.payload)) {
+            return;
+        }
+    }
 }
 
 void Receivers::loseConnection(Receiver& receiver)

@@ -7,7 +7,7 @@
 #include "gateway/Gateway.hpp"
 #include "gateway/Status.hpp"
 #include "log/Descriptor.hpp"
-#include "syscom/Message.hpp"
+#include "syscom/Pack.hpp"
 #include "syscom/UnixSocket.hpp"
 #include "syscom/WaitSet.hpp"
 
@@ -73,6 +73,7 @@ private:
     void deliverRun(DeliveryAccount& account, TAaSysComCpid cpid, std::span<const Record> run);
     Outcome connect(TAaSysComCpid cpid, Receiver& receiver);
     Outcome send(TAaSysComCpid cpid, Receiver& receiver, std::span<const Record> run, std::size_t& sent);
+    void pack(std::span<const Record> run);
     Outcome sendKept(TAaSysComCpid cpid, Receiver& receiver);
     void flush(TAaSysComCpid cpid, Receiver& receiver);
     void keep(DeliveryAccount& account, TAaSysComCpid cpid, Receiver& receiver, std::span<const Record> run);
@@ -90,6 +91,7 @@ private:
     host::WaitSet& m_waitSet;
     host::Descriptor m_poll;
     std::unordered_map<TAaSysComCpid, Receiver> m_receivers;
+    host::Pack m_pack;
     std::size_t m_keptBytes = 0;
     std::unordered_set<TAaSysComCpid> m_nobody; ///< cpids that nobody held since the last tick
     Nanoseconds m_retryAt{host::noDeadline};    ///< for receivers that could not be connected to

@@ -4,13 +4,25 @@
 #include "AaSysLog.h"
 #include "syscom/CpidRegistry.hpp"
 #include "syscom/Node.hpp"
+#include "syscom/Pack.hpp"
 
 #include <bit>
 #include <cstring>
 
 namespace dorn::host {
 
-void FrameInlet::onFrame(std::span<const std::byte> frame, bool isCut, const Peer& peer)
+void FrameInlet::onFrame(std::span<const std::byte> packet, bool isCut, const Peer& peer)
+{
+    if (isCut || !isPack(packet)) {
+        take(packet, isCut, peer);
+        return;
+    }
+    for (std::span<const std::byte> frames = framesOf(packet); !frames.empty();) {
+        take(takeFrame(frames), false, peer);
+    }
+}
+
+void FrameInlet::take(std::span<const std::byte> frame, bool isCut, const Peer& peer)
 {
     FrameHeader header{};
     if (const char* const reason = whyBad(frame, isCut, peer, header)) {

@@ -215,24 +215,44 @@ std::optional<Arrived> CpidReceiver::take(std::chrono::milliseconds patience)
     const auto end = std::chrono::steady_clock::now() + patience;
     static thread_local std::vector<std::byte> buffer(host::maxFrameSize);
     for (;;) {
+        if (!m_arrived.empty()) {
+            Arrived first = std::move(m_arrived.front());
+            m_arrived.pop_front();
+            return first;
+        }
         acceptSome();
         std::vector<pollfd> entries{{m_listener.get(), POLLIN, 0}};
         for (const host::UnixSocket& connection : m_connections) {
             const ssize_t size = recv(connection.get(), buffer.data(), buffer.size(), MSG_DONTWAIT);
-            if (size >= static_cast<ssize_t>(sizeof(host::FrameHeader))) {
-                Arrived arrived;
-                std::memcpy(&arrived.header, buffer.data(), sizeof arrived.header);
-                arrived.payload.assign(buffer.begin() + sizeof arrived.header, buffer.begin() + size);
-                return arrived;
+            if (size > 0) {
+                arrive(std::span(buffer).first(static_cast<std::size_t>(size)));
+                break;
             }
             if (size < 0) {
                 entries.push_back({connection.get(), POLLIN, 0});
             }
         }
+        if (!m_arrived.empty()) {
+            continue;
+        }
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
         if (left.count() < 0 || ::poll(entries.data(), entries.size(), static_cast<int>(left.count())) <= 0) {
             return std::nullopt;
         }
+    }
+}
+
+void CpidReceiver::arrive(std::span<const std::byte> packet)
+{
+    std::span<const std::byte> frames = host::isPack(packet) ? host::framesOf(packet) : packet;
+    while (!frames.empty()) {
+        const std::span<const std::byte> frame = host::takeFrame(frames);
+        if (frame.size() < sizeof(host::FrameHeader)) {
+            throw std::runtime_error("a packet that ends within a frame");
+        }
+        Arrived& arrived = m_arrived.emplace_back();
+        std::memcpy(&arrived.header, frame.data(), sizeof arrived.header);
+        arrived.payload.assign(frame.begin() + sizeof arrived.header, frame.end());
     }
 }
 

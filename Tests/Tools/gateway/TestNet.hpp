@@ -6,11 +6,12 @@
 #include "Bound.hpp"
 #include "gateway/Gateway.hpp"
 #include "node/RunDirectory.hpp"
-#include "syscom/Message.hpp"
+#include "syscom/Pack.hpp"
 #include "syscom/UnixSocket.hpp"
 
 #include <chrono>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
@@ -142,11 +143,13 @@ public:
 
 private:
     bool acceptSome();
+    void arrive(std::span<const std::byte> packet);
 
     const host::RunDirectory& m_directory;
     std::string m_name;
     host::UnixSocket m_listener;
     std::vector<host::UnixSocket> m_connections;
+    std::deque<Arrived> m_arrived;
 };
 
 } // namespace dorn::gateway::test

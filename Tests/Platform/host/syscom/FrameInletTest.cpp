@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "syscom/FrameInlet.hpp"
+#include "syscom/Pack.hpp"
 
 #include "PeerProcess.hpp"
 #include "RawSender.hpp"
@@ -71,6 +72,73 @@ TEST_F(FrameInletTest, GreatestFrameBecomesAMessage)
 
     EXPECT_EQ(AaSysComMsgGetPayloadSize(message), 65535);
     AaSysComMsgDestroy(&message);
+}
+
+Pack packOf(const std::vector<FrameHeader>& headers)
+{
+    Pack pack;
+    for (const FrameHeader& header : headers) {
+        EXPECT_TRUE(pack.add(header, Bytes(header.payloadSize, std::byte{'P'})));
+    }
+    return pack;
+}
+
+std::vector<std::uint16_t> arrivedSizes()
+{
+    std::vector<std::uint16_t> sizes;
+    while (void* message = AaSysComMsgReceive(AA_NO_WAIT)) {
+        sizes.push_back(AaSysComMsgGetPayloadSize(message));
+        AaSysComMsgDestroy(&message);
+    }
+    return sizes;
+}
+
+TEST_F(FrameInletTest, FramesOfAPackBecomeMessagesInTheirOrder)
+{
+    const Pack pack = packOf({header(3), header(0), header(2)});
+    arrive(Bytes(pack.packet().begin(), pack.packet().end()));
+
+    EXPECT_EQ(arrivedSizes(), (std::vector<std::uint16_t>{3, 0, 2}));
+    EXPECT_TRUE(m_log.texts().empty());
+}
+
+TEST_F(FrameInletTest, LoneFrameOfAPackTravelsAsItIs)
+{
+    const Pack pack = packOf({header(65535)});
+
+    EXPECT_EQ(pack.packet().size(), maxFrameSize);
+    EXPECT_FALSE(isPack(pack.packet()));
+}
+
+TEST_F(FrameInletTest, PackTakesNoMoreThanTheGreatestFrameHas)
+{
+    Pack pack = packOf({header(100)});
+
+    EXPECT_FALSE(pack.add(header(65535), Bytes(65535)));
+    EXPECT_EQ(pack.count(), 1U);
+    const std::size_t room = maxFrameSize - sizeof(PackHeader) - 2 * sizeof(FrameHeader) - 100;
+    EXPECT_TRUE(pack.add(header(static_cast<std::uint16_t>(room)), Bytes(room)));
+    EXPECT_EQ(pack.packet().size(), maxFrameSize);
+}
+
+TEST_F(FrameInletTest, BadFrameOfAPackIsDroppedAlone)
+{
+    FrameHeader forged = header(1);
+    forged.magic ^= 1;
+    const Pack pack = packOf({header(3), forged, header(2)});
+    arrive(Bytes(pack.packet().begin(), pack.packet().end()));
+
+    EXPECT_EQ(arrivedSizes(), (std::vector<std::uint16_t>{3, 2}));
+    EXPECT_EQ(m_log.texts().size(), 1U);
+}
+
+TEST_F(FrameInletTest, PackThatEndsTooSoonBringsWhatIsWhole)
+{
+    const Pack pack = packOf({header(3), header(9)});
+    arrive(Bytes(pack.packet().begin(), pack.packet().end() - 1));
+
+    EXPECT_EQ(arrivedSizes(), (std::vector<std::uint16_t>{3}));
+    EXPECT_EQ(m_log.texts().size(), 1U);
 }
 
 TEST_F(FrameInletTest, EmptyFrameIsDropped)
