@@ -17,6 +17,7 @@
 #include "node/BoardRoot.hpp"
 #include "node/PerNode.hpp"
 #include "node/RunDirectory.hpp"
+#include "syscom/Node.hpp"
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
@@ -65,7 +66,7 @@ std::string placeOf(const std::string& named, const char* onBoard)
 /// The table as a gateway of this node takes it, with what there is to complain about.
 gateway::TableReading readOwnTable(const std::string& path, const gateway::PublicKey& ownKey)
 {
-    const TAaSysComNid ownNode = host::nodeIdFromEnvironment();
+    const TAaSysComNid ownNode = host::idInAddresses(host::nodeIdFromEnvironment());
     gateway::TableReading reading = gateway::readTable(path, ownNode);
     const gateway::TableRow* const own = reading.table.find(ownNode);
     if (own && own->key != ownKey) {
@@ -147,8 +148,8 @@ gateway::GatewayStatus fetchOwnStatus()
     if (fetched.holder == 0) {
         throw Failure("no gateway runs on " + node.nodeName() + "; start 'dorn gateway run'");
     }
-    throw Failure("the gateway of " + node.nodeName() + ", process " + std::to_string(fetched.holder) +
-                  ", does not answer");
+    const std::string process = fetched.holder > 0 ? ", process " + std::to_string(fetched.holder) + "," : "";
+    throw Failure("the gateway of " + node.nodeName() + process + " does not answer");
 }
 
 Outcome status(const StatusOptions& options, Console& console)

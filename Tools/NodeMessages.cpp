@@ -4,6 +4,7 @@
 #include "AaPro.h"
 #include "Outcome.hpp"
 #include "node/PerNode.hpp"
+#include "syscom/Node.hpp"
 
 #include <algorithm>
 
@@ -16,9 +17,7 @@ BytesView payloadOf(void* message)
 
 TAaSysComNid ownNode()
 {
-    constexpr TAaSysComNid nodeWithoutId = 0x0F01;
-    const TAaSysComNid id = AaSysComGetOwnNid();
-    return id != 0 ? id : nodeWithoutId;
+    return host::idInAddresses(AaSysComGetOwnNid());
 }
 
 MessageHandle receive(host::Deadline until)

@@ -7,6 +7,7 @@
 #include "gateway/Peer.hpp"
 #include "gateway/StatusServer.hpp"
 #include "syscom/CpidStore.hpp"
+#include "syscom/Node.hpp"
 #include "syscom/UnixSocket.hpp"
 
 #include <algorithm>
@@ -32,9 +33,6 @@ constexpr int inletStepsAtOnce = 4;
 /// So many at once are a stream: less than an endpoint takes from a connection in one step.
 constexpr std::uint64_t framesInAStream = 8;
 
-/// Half of the addresses of a node that has not been given an id.
-constexpr TAaSysComNid nodeWithoutId = 0x0F01;
-
 /// What a gateway without other nodes has open, the receivers of its node included.
 constexpr rlim_t ownDescriptors = 256;
 /// Connections that have not proven who they are.
@@ -59,7 +57,7 @@ GatewayOptions withShares(GatewayOptions options, std::size_t nodes)
 
 const TableRow& ownRow(const host::RunDirectory& directory, const Table& table, const KeyPair& keys)
 {
-    const TAaSysComNid own = directory.nodeId() != 0 ? directory.nodeId() : nodeWithoutId;
+    const TAaSysComNid own = host::idInAddresses(directory.nodeId());
     const TableRow* const row = table.find(own);
     if (!row) {
         throw host::EnvironmentError("the table has no row for this node, " + nodeName(own));

@@ -11,8 +11,6 @@
 namespace dorn::host {
 namespace {
 
-constexpr TAaSysComNid nodeWithoutId = 0x0F01;
-
 /// The own id as the environment gave it when it was first asked for; 0 when it is no node id.
 struct OwnNode {
     std::uint16_t id = 0;
@@ -40,7 +38,7 @@ std::uint32_t nodeMapEntry(TAaSysComSicad sicad, const char* property)
 bool isOwnNode(TAaSysComNid nid)
 {
     const TAaSysComNid own = AaSysComGetOwnNid();
-    return nid == own || (own == 0 && nid == nodeWithoutId);
+    return nid == own || nid == idInAddresses(own);
 }
 
 } // namespace dorn::host
