@@ -196,7 +196,7 @@ Outcome BoardRun::runLive()
 
 Outcome BoardRun::runOnce()
 {
-    host::Clock& clock = host::Clock::get();
+    const host::Clock& clock = host::Clock::get();
     const host::Deadline until = clock.monotonic() + parseSeconds("--timeout", m_options.timeout);
     const auto isDecided = [this] {
         return m_supervisor.areAllRunning() || m_supervisor.isAnyLost() || m_stop.hasCome();

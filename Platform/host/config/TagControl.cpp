@@ -66,7 +66,7 @@ bool TagControl::forgetIfDead(std::size_t index)
 
 std::optional<std::uint64_t> TagControl::oldestCursor(std::uint64_t sequence)
 {
-    Content& all = content();
+    const Content& all = content();
     std::optional<std::uint64_t> oldest;
     for (std::size_t index = 0, end = all.usedCount(); index < end; ++index) {
         const TagSlot& slot = all.slots[index];
