@@ -4,5 +4,7 @@
 extern "C" const char* __tsan_default_suppressions();
 extern "C" const char* __tsan_default_suppressions()
 {
-    return "called_from_lib:libzmq.so";
+    return "called_from_lib:libzmq.so\n"
+           "race:libzmq.so\n"
+           "race:libsodium.so";
 }
