@@ -111,7 +111,7 @@ void PostS::HandleRun(PostRunReqMsg request)
             const std::string text = "POST: " + std::to_string(answer->failedLatest) + " of " +
                                      std::to_string(mcuTestCount) + " tests failed";
             AaSysLogPrintE(EAaSysLogSeverityLevel_Info, GetRadId(), "%s", text.c_str());
-            tellSupervisor(text);
+            tellSupervisor(text + '\n'); // the pipe keeps no bounds between messages
         }
     });
 }

@@ -7,6 +7,8 @@
 #include <array>
 #include <climits>
 #include <poll.h>
+#include <sstream>
+#include <string>
 #include <unistd.h>
 
 namespace dorn::examples {
@@ -36,11 +38,14 @@ void SupervisorS::Init()
 
 void SupervisorS::HandleEvent(int fd)
 {
-    std::array<char, PIPE_BUF> message{}; // what is written at once and is no longer arrives in one piece
-    const ssize_t size = read(fd, message.data(), message.size());
-    if (size > 0) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Info, GetRadId(), "Supervisor is told: %.*s", static_cast<int>(size),
-                       message.data());
+    std::array<char, PIPE_BUF> buffer{}; // what is written at once and is no longer arrives in one piece
+    const ssize_t size = read(fd, buffer.data(), buffer.size());
+    if (size <= 0) {
+        return;
+    }
+    std::istringstream messages(std::string(buffer.data(), static_cast<std::size_t>(size)));
+    for (std::string line; std::getline(messages, line);) {
+        AaSysLogPrintE(EAaSysLogSeverityLevel_Info, GetRadId(), "Supervisor is told: %s", line.c_str());
     }
 }
 

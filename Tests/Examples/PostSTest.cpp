@@ -99,7 +99,7 @@ TEST_F(PostSTest, SupervisorIsTold)
     std::string text(100, '\0');
     text.resize(static_cast<std::size_t>(read(descriptor, text.data(), text.size())));
     close(descriptor);
-    EXPECT_EQ(text, "POST: 2 of 14 tests failed");
+    EXPECT_EQ(text, "POST: 2 of 14 tests failed\n");
 }
 
 TEST_F(PostSTest, ItsLinesAreCollectedAlthoughTheyAreNotPrinted)

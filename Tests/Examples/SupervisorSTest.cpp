@@ -34,6 +34,10 @@ TEST_F(SupervisorSTest, WhatServicesTellIsLogged)
 
     EXPECT_EQ(SupervisorFifoWrite(5, "again"), 0);
     EXPECT_TRUE(m_lines.waitFor("Info 0x20040 Supervisor is told: again"));
+
+    EXPECT_EQ(SupervisorFifoWrite(10, "two\nlines\n"), 0); // two messages that are read together
+    EXPECT_TRUE(m_lines.waitFor("Info 0x20040 Supervisor is told: two"));
+    EXPECT_TRUE(m_lines.waitFor("Info 0x20040 Supervisor is told: lines"));
 }
 
 } // namespace
