@@ -19,7 +19,7 @@ constexpr int messagesAtOnce = 64;
 constexpr std::size_t recordsAtOnce = 4096;
 constexpr int connectionsWaiting = 1024;
 constexpr int handshakeMilliseconds = 2000;
-/// A connection that does not even answer for so many times the silence of a link is gone, whatever the network says.
+/// A connection whose other end does not even answer so many questions of the kernel, a silence apart, is gone.
 constexpr int silencesUntilGone = 3;
 constexpr int events = ZMQ_EVENT_HANDSHAKE_FAILED_NO_DETAIL | ZMQ_EVENT_HANDSHAKE_FAILED_PROTOCOL;
 constexpr const char* keyCheckDomain = "dorn";
@@ -63,10 +63,12 @@ Entrance::Entrance(zmq::context_t& context, host::WaitSet& waitSet, const Table&
     socket.set(zmq::sockopt::maxmsgsize, static_cast<std::int64_t>(greatestEncrypted));
     socket.set(zmq::sockopt::backlog, connectionsWaiting);
     socket.set(zmq::sockopt::handshake_ivl, handshakeMilliseconds);
-    const auto silence =
-        static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(options.silence).count());
-    socket.set(zmq::sockopt::heartbeat_ivl, silence);
-    socket.set(zmq::sockopt::heartbeat_timeout, silencesUntilGone * silence);
+    // Not ZeroMQ's own heartbeats: one that falls due when the connection of a full pipe has failed ends the process.
+    const auto silence = static_cast<int>(std::chrono::ceil<std::chrono::seconds>(options.silence).count());
+    socket.set(zmq::sockopt::tcp_keepalive, 1);
+    socket.set(zmq::sockopt::tcp_keepalive_idle, silence);
+    socket.set(zmq::sockopt::tcp_keepalive_intvl, silence);
+    socket.set(zmq::sockopt::tcp_keepalive_cnt, silencesUntilGone);
     socket.set(zmq::sockopt::zap_domain, keyCheckDomain);
     socket.set(zmq::sockopt::curve_server, true);
     m_socket.set(ZMQ_CURVE_SECRETKEY, keys.secretKey.bytes());
