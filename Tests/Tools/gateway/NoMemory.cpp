@@ -19,6 +19,11 @@ void* operator new(std::size_t size)
     return block;
 }
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return hasNoMemory ? nullptr : std::malloc(size > 0 ? size : 1);
+}
+
 void operator delete(void* block) noexcept
 {
     std::free(block);
