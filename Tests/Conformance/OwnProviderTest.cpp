@@ -13,10 +13,20 @@ using ::testing::IsEmpty;
 
 class OwnProviderTest : public SuiteTest {};
 
-/// Rules that sanitizers get in the way of.
+#if defined(DORN_COMMAND)
+constexpr bool hasCommand = true;
+#else
+constexpr bool hasCommand = false;
+#define DORN_COMMAND ""
+#endif
+
+/// Rules that sanitizers get in the way of, and one that needs the operator's command.
 std::set<std::string> skippedHere()
 {
     std::set<std::string> skipped;
+    if (!hasCommand) {
+        skipped.insert("trouble.callbacks-are-called");
+    }
     if (test::hasAddressSanitizer) {
         skipped.insert({"sem.take-is-cancelled", "eu.receive-is-cancelled"});
     }
@@ -35,9 +45,11 @@ TEST_F(OwnProviderTest, EveryRuleIsKept)
     m_node.writeBoardFile("/opt/image", std::string(1000, 'i'));
     std::vector<std::string> arguments = boardArguments();
     arguments.insert(arguments.end(), {"--destructive", "--tag-file", "/opt/conformance.xml", "--boot-image",
-                                       "/opt/image", "--fpga-image", "/opt/image", "--collect",
-                                       "'" DORN_COMMAND "' snapshot --timeout 20 '" +
-                                           m_node.boardPath("/opt/s.tar.gz") + "' >/dev/null"});
+                                       "/opt/image", "--fpga-image", "/opt/image"});
+    if (hasCommand) {
+        arguments.insert(arguments.end(), {"--collect", "'" DORN_COMMAND "' snapshot --timeout 20 '" +
+                                                            m_node.boardPath("/opt/s.tar.gz") + "' >/dev/null"});
+    }
 
     const SuiteRun run = runSuite(DORN_CONFORMANCE, arguments);
 

@@ -15,13 +15,12 @@ constexpr int events = ZMQ_EVENT_CLOSED | ZMQ_EVENT_DISCONNECTED | ZMQ_EVENT_HAN
 } // namespace
 
 DealerWire::DealerWire(zmq::context_t& context, host::WaitSet& waitSet, Resolver& resolver, const TableRow& row,
-                       const KeyPair& keys, const GatewayOptions& options, std::size_t ticket)
+                       const KeyPair& keys, std::size_t ticket)
     : m_context(context),
       m_waitSet(waitSet),
       m_resolver(resolver),
       m_row(row),
       m_keys(keys),
-      m_options(options),
       m_ticket(ticket)
 {
 }

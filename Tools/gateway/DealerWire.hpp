@@ -20,7 +20,7 @@ public:
     /// All arguments stay with the caller.
     /// @param ticket by which the resolver's findings are known to be this link's
     DealerWire(zmq::context_t& context, host::WaitSet& waitSet, Resolver& resolver, const TableRow& row,
-               const KeyPair& keys, const GatewayOptions& options, std::size_t ticket);
+               const KeyPair& keys, std::size_t ticket);
 
     void resolve(const std::string& host) override { m_resolver.start(m_ticket, host); }
     void connect(const std::string& address, std::uint16_t port) override;
@@ -41,7 +41,6 @@ private:
     Resolver& m_resolver;
     const TableRow& m_row;
     const KeyPair& m_keys;
-    const GatewayOptions& m_options;
     std::size_t m_ticket;
     std::unique_ptr<ZmqSocket> m_socket;
     std::unique_ptr<ZmqMonitor> m_monitor;

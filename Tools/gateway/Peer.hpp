@@ -37,7 +37,7 @@ struct Peer {
     /// @param row stays with the caller
     /// @param ticket by which the resolver's findings are known to be this peer's
     Peer(const TableRow& row, std::size_t ticket, const Surroundings& around)
-        : wire(around.context, around.waitSet, around.resolver, row, around.keys, around.options, ticket),
+        : wire(around.context, around.waitSet, around.resolver, row, around.keys, ticket),
           link(row, around.own, around.epoch, around.options, life, wire, around.room, host::Clock::get().monotonic()),
           inlet(around.own, row.node, around.store, link, around.refused, around.taken)
     {
