@@ -41,13 +41,17 @@ struct WatchOptions {
 
 // ---------------------------------------------------------------------------------------------------------------- list
 
+bool areAllWanted(const ListOptions& options)
+{
+    return options.isActiveWanted == options.isPastWanted;
+}
+
 std::vector<SAlarm> readAlarms(const ListOptions& options)
 {
     const auto answer = ask<AlarmListReqMsg, AlarmListRespMsg>(faultManager, {newTransactionId()});
     auto alarms = answer.items<SAlarm>(std::size_t{answer->activeCount} + answer->pastCount);
-    const bool areAllWanted = options.isActiveWanted == options.isPastWanted;
     std::erase_if(alarms, [&](const SAlarm& alarm) {
-        return !areAllWanted && (alarm.state == EAlarmState_Active) != options.isActiveWanted;
+        return !areAllWanted(options) && (alarm.state == EAlarmState_Active) != options.isActiveWanted;
     });
     return alarms;
 }
@@ -67,7 +71,7 @@ Outcome list(const ListOptions& options, Console& console)
     } else if (!alarms.empty()) {
         console.print(alarmsTable(alarms, book.names(), console));
     } else {
-        console.remark("no such alarms on " + node.nodeName());
+        console.remark((areAllWanted(options) ? "no alarms on " : "no such alarms on ") + node.nodeName());
     }
     return Outcome::Fine;
 }

@@ -67,7 +67,8 @@ protected:
 
 TEST_F(DornAlarmTest, NoAlarmsAreARemark)
 {
-    EXPECT_EQ(dorn({"alarm", "list"}), (CommandResult{0, "", "dorn: no such alarms on node 0x0F01\n"}));
+    EXPECT_EQ(dorn({"alarm", "list"}), (CommandResult{0, "", "dorn: no alarms on node 0x0F01\n"}));
+    EXPECT_EQ(dorn({"alarm", "list", "--past"}), (CommandResult{0, "", "dorn: no such alarms on node 0x0F01\n"}));
     EXPECT_EQ(dorn({"alarm", "list", "--json"}), (CommandResult{0, "[]\n", ""}));
 }
 
