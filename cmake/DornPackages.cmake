@@ -33,7 +33,8 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "command for the hardware services of a base-station board
 The command dorn shows and changes what runs on a node: services, parameters,
 tags, messages, log, alarms and hardware. With its manual, completion for
-shells, and a systemd unit that runs hardware services.")
+shells, and systemd units that run hardware services and the gateway to other
+boards.")
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME dorn-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)

@@ -51,7 +51,8 @@ IsWholeAndCanBeMoved() {
     for file in bin/dorn include/dorn/library/Service.hpp include/dorn/library/raml/RamlParser.hpp \
         include/dorn/library/boundaryIf/AbstractBif.hpp include/dorn/library/rad/ERadHwapi.h \
         include/dorn/testkit/FailNth.hpp lib/libdorn_common.a lib/cmake/Dorn/DornConfig.cmake \
-        lib/pkgconfig/dorn.pc lib/systemd/system/dorn-service@.service share/man/man1/dorn-rad.1 \
+        lib/pkgconfig/dorn.pc lib/systemd/system/dorn-service@.service \
+        lib/systemd/system/dorn-gateway.service share/man/man1/dorn-rad.1 \
         share/bash-completion/completions/dorn share/zsh/vendor-completions/_dorn \
         libexec/dorn/DornClimateSExe share/dorn/boards/tarn-single.dtb; do
         [ -f "$prefix/$file" ] || fail "$file is not installed"
@@ -245,12 +246,14 @@ CompletionIsSourced() {
     [ "$proposals" = $'_dorn: function\n_dorn' ] || fail "zsh knows: $proposals"
 }
 
-UnitIsVerified() {
+UnitsAreVerified() {
     command -v systemd-analyze >/dev/null || exit 77
     empty_folder unit
     cp "$prefix/lib/systemd/system/dorn-service@.service" dorn-service@ClimateS.service # verified as an instance
+    cp "$prefix/lib/systemd/system/dorn-gateway.service" .
     local complaints
-    complaints="$(systemd-analyze verify --man=no ./dorn-service@ClimateS.service 2>&1 | grep dorn || true)"
+    complaints="$(systemd-analyze verify --man=no ./dorn-service@ClimateS.service ./dorn-gateway.service 2>&1 |
+        grep dorn || true)"
     [ -z "$complaints" ] || fail "$complaints"
     grep -qx 'SuccessExitStatus=1' dorn-service@ClimateS.service
 }
