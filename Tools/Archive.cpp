@@ -2,7 +2,7 @@
 #include "Archive.hpp"
 
 #include "Outcome.hpp"
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <archive.h>
 #include <archive_entry.h>

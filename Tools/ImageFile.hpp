@@ -5,7 +5,7 @@
 
 #include "Outcome.hpp"
 #include "Values.hpp"
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <cstdint>
 #include <functional>

@@ -4,7 +4,7 @@
 #include "Outcome.hpp"
 #include "ProgressBar.hpp"
 #include "Values.hpp"
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <algorithm>
 #include <cerrno>

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "Values.hpp"
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <string>
 

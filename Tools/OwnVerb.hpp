@@ -3,8 +3,8 @@
 /// A verb of this command, run beside it.
 #pragma once
 
-#include "log/Descriptor.hpp"
 #include "port/Clock.hpp"
+#include "port/Descriptor.hpp"
 
 #include <string>
 #include <sys/types.h>

@@ -2,7 +2,7 @@
 #include "TimeLimit.hpp"
 
 #include "Outcome.hpp"
-#include "node/SignalsBlocked.hpp"
+#include "port/SignalsBlocked.hpp"
 
 #include <cstdlib>
 #include <unistd.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "TroubleContent.hpp"
 
-#include "log/Descriptor.hpp"
 #include "node/BoardRoot.hpp"
+#include "port/Descriptor.hpp"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,7 +2,7 @@
 // Copying the payload out of an image, next to plain copies of as many bytes.
 #include "binary.h"
 #include "firmware/Image.hpp"
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 // Checking an image, next to nothing but zlib's crc32.
 #include "binary.h"
 #include "firmware/Image.hpp"
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>

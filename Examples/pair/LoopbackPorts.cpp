@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "LoopbackPorts.hpp"
 
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

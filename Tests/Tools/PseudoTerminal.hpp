@@ -3,7 +3,7 @@
 /// A program in a terminal that a test looks at and types on.
 #pragma once
 
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <cstddef>
 #include <string>

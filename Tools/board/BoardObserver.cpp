@@ -8,7 +8,7 @@
 #include "fault/FaultStore.hpp"
 #include "log/LogReader.hpp"
 #include "node/PerNode.hpp"
-#include "node/SignalsBlocked.hpp"
+#include "port/SignalsBlocked.hpp"
 #include "syscom/MessageTap.hpp"
 
 #include "ddal_error.h"

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "board/ServiceProcess.hpp"
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 namespace dorn::tool {
 

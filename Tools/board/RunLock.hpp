@@ -3,8 +3,8 @@
 /// One supervisor for a node.
 #pragma once
 
-#include "log/Descriptor.hpp"
 #include "node/RunDirectory.hpp"
+#include "port/Descriptor.hpp"
 
 #include <optional>
 #include <sys/types.h>

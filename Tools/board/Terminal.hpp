@@ -5,7 +5,7 @@
 
 #include "board/Frame.hpp"
 #include "board/TerminalKeeper.hpp"
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <string>
 #include <termios.h>

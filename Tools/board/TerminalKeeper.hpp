@@ -3,7 +3,7 @@
 /// Gives a terminal back for a process that no longer can.
 #pragma once
 
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <sys/types.h>
 #include <termios.h>

@@ -3,7 +3,7 @@
 /// Waking a thread that waits for descriptors.
 #pragma once
 
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 namespace dorn::tool {
 

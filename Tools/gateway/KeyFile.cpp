@@ -2,7 +2,7 @@
 #include "gateway/Keys.hpp"
 
 #include "gateway/KeyText.hpp"
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 #include "port/FilePort.hpp"
 
 #include <cerrno>

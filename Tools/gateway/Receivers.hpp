@@ -6,7 +6,7 @@
 #include "gateway/Frames.hpp"
 #include "gateway/Gateway.hpp"
 #include "gateway/Status.hpp"
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 #include "syscom/Pack.hpp"
 #include "syscom/UnixSocket.hpp"
 #include "syscom/WaitSet.hpp"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "gateway/Table.hpp"
 
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <algorithm>
 #include <arpa/inet.h>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "device/Resets.hpp"
 
-#include "log/Descriptor.hpp"
 #include "node/EeTable.hpp"
 #include "node/PerNode.hpp"
+#include "port/Descriptor.hpp"
 #include "state/StateNote.hpp"
 
 #include <algorithm>

@@ -7,7 +7,7 @@
 #include "device/Resets.hpp"
 #include "driver/DriverFunction.hpp"
 #include "fault/FaultStore.hpp"
-#include "log/CancellationOff.hpp"
+#include "port/CancellationOff.hpp"
 
 #include <cstdint>
 #include <exception>

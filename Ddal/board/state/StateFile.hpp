@@ -8,7 +8,7 @@
 #pragma once
 
 #include "description/BoardFailure.hpp"
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <cstddef>
 #include <cstdint>

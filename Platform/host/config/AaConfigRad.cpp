@@ -3,8 +3,8 @@
 
 #include "AaSysLog.h"
 #include "config/RadStore.hpp"
-#include "log/CancellationOff.hpp"
 #include "node/EeTable.hpp"
+#include "port/CancellationOff.hpp"
 
 #include <cstring>
 #include <exception>

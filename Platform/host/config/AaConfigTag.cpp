@@ -5,7 +5,7 @@
 #include "AaSysLog.h"
 #include "config/TagFile.hpp"
 #include "config/TagStore.hpp"
-#include "log/CancellationOff.hpp"
+#include "port/CancellationOff.hpp"
 #include "port/StandardStreams.hpp"
 
 #include <algorithm>

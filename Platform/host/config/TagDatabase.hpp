@@ -3,8 +3,8 @@
 /// The tags of the node and the journal of their sets, in one LMDB environment that all processes of the node open.
 #pragma once
 
-#include "log/CancellationOff.hpp"
 #include "node/RunDirectory.hpp"
+#include "port/CancellationOff.hpp"
 
 #include <cstddef>
 #include <cstdint>

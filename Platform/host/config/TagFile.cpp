@@ -3,8 +3,8 @@
 
 #include "AaSysLog.h"
 #include "config/TagStore.hpp"
-#include "log/CancellationOff.hpp"
 #include "node/BoardRoot.hpp"
+#include "port/CancellationOff.hpp"
 
 #include <algorithm>
 #include <array>

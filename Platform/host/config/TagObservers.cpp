@@ -4,7 +4,7 @@
 #include "AaSysLog.h"
 #include "log/Log.hpp"
 #include "node/PerNode.hpp"
-#include "node/SignalsBlocked.hpp"
+#include "port/SignalsBlocked.hpp"
 
 #include <algorithm>
 #include <pthread.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "eu/Eu.hpp"
 
-#include "log/CancellationOff.hpp"
+#include "port/CancellationOff.hpp"
 #include "syscom/CpidRegistry.hpp"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 /// An open file of the target.
 #pragma once
 
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <array>
 #include <cstddef>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "log/Log.hpp"
 
-#include "log/CancellationOff.hpp"
 #include "log/LineBuilder.hpp"
 #include "log/LogObservers.hpp"
 #include "log/LogOrigin.hpp"
 #include "node/PerNode.hpp"
 #include "node/RunDirectory.hpp"
+#include "port/CancellationOff.hpp"
 #include "port/StandardStreams.hpp"
 
 #include <cstdlib>

@@ -3,8 +3,8 @@
 /// The directory `log` of a node's run directory: whose segments lie there.
 #pragma once
 
-#include "log/Descriptor.hpp"
 #include "log/LogSegment.hpp"
+#include "port/Descriptor.hpp"
 
 #include <cstddef>
 #include <string>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "log/ProcessLog.hpp"
 
-#include "log/CancellationOff.hpp"
 #include "log/LogDirectory.hpp"
 #include "log/LogLine.hpp"
 #include "node/PerNode.hpp"
 #include "node/RunDirectory.hpp"
+#include "port/CancellationOff.hpp"
 #include "port/StandardStreams.hpp"
 
 #include <cerrno>

@@ -3,8 +3,8 @@
 /// An ordinary log file of limited size, which several processes may write at once.
 #pragma once
 
-#include "log/Descriptor.hpp"
 #include "log/DropReport.hpp"
+#include "port/Descriptor.hpp"
 
 #include <cstddef>
 #include <string>

@@ -3,8 +3,8 @@
 /// The segments that a process is writing.
 #pragma once
 
-#include "log/Descriptor.hpp"
 #include "log/LogSegment.hpp"
+#include "port/Descriptor.hpp"
 
 #include <array>
 #include <cstddef>

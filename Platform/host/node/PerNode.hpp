@@ -3,7 +3,7 @@
 /// Things of which a process has one per node: opened at first use, closed together.
 #pragma once
 
-#include "log/CancellationOff.hpp"
+#include "port/CancellationOff.hpp"
 
 #include <atomic>
 #include <memory>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "node/RunDirectory.hpp"
 
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 #include "port/FilePort.hpp"
 
 #include <array>

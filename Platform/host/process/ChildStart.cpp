@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "process/ChildStart.hpp"
 
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <array>
 #include <cerrno>

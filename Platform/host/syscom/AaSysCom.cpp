@@ -3,8 +3,8 @@
 
 #include "AaSysLog.h"
 #include "eu/Eu.hpp"
-#include "log/CancellationOff.hpp"
 #include "node/PerNode.hpp"
+#include "port/CancellationOff.hpp"
 #include "syscom/CpidRegistry.hpp"
 #include "syscom/MessageTap.hpp"
 #include "syscom/Post.hpp"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "syscom/UnixSocket.hpp"
 
-#include "log/CancellationOff.hpp"
 #include "node/RunDirectory.hpp"
+#include "port/CancellationOff.hpp"
 
 #include <array>
 #include <cstdio>

@@ -3,8 +3,8 @@
 /// What one EU waits for: descriptors, and being rung by other threads.
 #pragma once
 
-#include "log/Descriptor.hpp"
 #include "port/Clock.hpp"
+#include "port/Descriptor.hpp"
 
 #include <atomic>
 #include <cstddef>

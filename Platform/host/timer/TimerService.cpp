@@ -5,7 +5,7 @@
 #include "eu/Eu.hpp"
 #include "log/Log.hpp"
 #include "node/PerNode.hpp"
-#include "node/SignalsBlocked.hpp"
+#include "port/SignalsBlocked.hpp"
 #include "syscom/Post.hpp"
 
 #include <algorithm>

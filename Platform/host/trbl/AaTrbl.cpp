@@ -2,8 +2,8 @@
 #include "AaTrbl.h"
 
 #include "AaSysLog.h"
-#include "log/CancellationOff.hpp"
 #include "node/PerNode.hpp"
+#include "port/CancellationOff.hpp"
 #include "trbl/TroubleFiles.hpp"
 
 #include <cstring>

@@ -3,7 +3,7 @@
 
 #include "log/Log.hpp"
 #include "node/PerNode.hpp"
-#include "node/SignalsBlocked.hpp"
+#include "port/SignalsBlocked.hpp"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "board/Screen.hpp"
 
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <array>
 #include <csignal>

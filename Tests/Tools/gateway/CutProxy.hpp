@@ -3,7 +3,7 @@
 /// TCP connections between gateways that a test can cut.
 #pragma once
 
-#include "log/Descriptor.hpp"
+#include "port/Descriptor.hpp"
 
 #include <atomic>
 #include <cstdint>
