@@ -3,7 +3,7 @@
 
 #include "AaPro.h"
 #include "AlarmText.hpp"
-#include "Manager.hpp"
+#include "AskedService.hpp"
 #include "Program.hpp"
 #include "TimeLimit.hpp"
 #include "Watch.hpp"
@@ -20,7 +20,7 @@ namespace {
 
 using namespace examples;
 
-constexpr Manager faultManager{faultManagerCpid, "the fault manager", "DornFaultManagerExe"};
+constexpr AskedService faultManager{faultManagerCpid, "the fault manager", "DornFaultManagerExe"};
 constexpr const char* awaited = "the fault manager";
 
 struct ListOptions {
@@ -144,7 +144,7 @@ private:
     static bool request(std::uint32_t isWanted)
     {
         const SAlarmSubscribeReq record{newTransactionId(), isWanted};
-        return sendToManager(faultManager, AlarmSubscribeReqMsg::ID, std::as_bytes(std::span(&record, 1))) !=
+        return sendToService(faultManager, AlarmSubscribeReqMsg::ID, std::as_bytes(std::span(&record, 1))) !=
                EAaSysComStatus_NoReceiver;
     }
 

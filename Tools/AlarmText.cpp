@@ -68,7 +68,7 @@ std::uint64_t timeOf(const SAlarmEventInd& event)
 
 } // namespace
 
-std::string faultText(std::uint32_t faultId)
+std::string alarmFaultText(std::uint32_t faultId)
 {
     const std::string name = nameIn(faultNames, faultId);
     return name.empty() ? "fault " + std::to_string(faultId) : name;
@@ -81,7 +81,7 @@ std::string alarmsTable(const std::vector<SAlarm>& alarms, const Names& names, c
         const std::string details = detailsText(alarm);
         table.add({std::to_string(alarm.number),
                    {orNumber(nameIn(alarmStateNames, alarm.state), alarm.state), colourOf(alarm)},
-                   faultText(alarm.faultId),
+                   alarmFaultText(alarm.faultId),
                    std::to_string(alarm.boardNumber),
                    partyText(senderOf(alarm, names), names.ownNode),
                    std::to_string(alarm.count),
@@ -110,7 +110,7 @@ std::string alarmEventText(const SAlarmEventInd& event, const Names& names)
                                  : orNumber(nameIn(alarmEventNames, event.event), event.event);
     const std::string details = detailsText(alarm);
     return timeText(wallOf(timeOf(event))) + " " + word + " " + std::to_string(alarm.number) + " " +
-           faultText(alarm.faultId) + " board " + std::to_string(alarm.boardNumber) + " " +
+           alarmFaultText(alarm.faultId) + " board " + std::to_string(alarm.boardNumber) + " " +
            partyText(senderOf(alarm, names), names.ownNode) + " count " + std::to_string(alarm.count) +
            (details.empty() ? "" : " details " + details);
 }

@@ -13,8 +13,8 @@
 
 namespace dorn::tool {
 
-/// "board-overheated"; "fault 99" where the catalogue has no name.
-std::string faultText(std::uint32_t faultId);
+/// The fault that an alarm is about: "board-overheated"; "fault 99" where the catalogue has no name.
+std::string alarmFaultText(std::uint32_t faultId);
 
 /// A table in the given order.
 std::string alarmsTable(const std::vector<examples::SAlarm>& alarms, const Names& names, const Console& console);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 /// @file BoardVerbs.hpp
-/// The verbs of the noun `board`. A verb is a source file of its own that defines the function which adds it; here it
-/// gets its line.
+/// The verbs of the noun `board`, and its parts with verbs of their own. Each is a source file of its own,
+/// BoardVerb<Verb>.cpp.
 #pragma once
 
 namespace CLI {

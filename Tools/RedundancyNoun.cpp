@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Nouns.hpp"
 
-#include "Manager.hpp"
+#include "AskedService.hpp"
 #include "Program.hpp"
 #include "RedundancyText.hpp"
 #include "TimeLimit.hpp"
@@ -14,7 +14,7 @@ namespace {
 
 using namespace examples;
 
-constexpr Manager redundancyManager{redundancyManagerCpid, "the redundancy manager", "DornRedundancyManagerExe"};
+constexpr AskedService redundancyManager{redundancyManagerCpid, "the redundancy manager", "DornRedundancyManagerExe"};
 constexpr const char* awaited = "the redundancy manager";
 
 struct ShowOptions {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "board/BoardActions.hpp"
 
+#include "AskedService.hpp"
 #include "ClockMessages.hpp"
 #include "LinkText.hpp"
-#include "Manager.hpp"
 #include "RedundancyMessages.hpp"
 #include "ResetMessages.hpp"
 #include "SfpMessages.hpp"

@@ -143,7 +143,7 @@ void putAlarms(Pane& pane, const Answered<std::vector<SAlarm>>& alarms, std::siz
     putHeading(pane, "ALARMS " + std::to_string(count), alarms.state);
     for (std::size_t place = count - std::min(count, shown); place < count; ++place) {
         const SAlarm& alarm = alarms.value[place];
-        pane.line(format("%u %s x%u", alarm.number, faultText(alarm.faultId).c_str(), alarm.count), Colour::Red);
+        pane.line(format("%u %s x%u", alarm.number, alarmFaultText(alarm.faultId).c_str(), alarm.count), Colour::Red);
     }
 }
 

@@ -3,7 +3,7 @@
 
 #include "AaConfigTag.h"
 #include "AaPro.h"
-#include "Manager.hpp"
+#include "AskedService.hpp"
 #include "RedundancyMessages.hpp"
 #include "fault/FaultStore.hpp"
 #include "log/LogReader.hpp"
@@ -60,7 +60,7 @@ public:
             return;
         }
         m_transaction = newTransactionId();
-        const std::int32_t status = sendToManager(m_manager, m_question, std::as_bytes(std::span(&m_transaction, 1)));
+        const std::int32_t status = sendToService(m_manager, m_question, std::as_bytes(std::span(&m_transaction, 1)));
         const bool wasOpen = std::exchange(m_isOpen, status == EAaSysComStatus_Ok);
         if (status == EAaSysComStatus_NoReceiver) {
             m_state = Answering::Gone;
@@ -95,7 +95,7 @@ public:
     Answering state() const { return m_state; }
 
 private:
-    Manager m_manager;
+    AskedService m_manager;
     TAaSysComMsgId m_question;
     TAaSysComMsgId m_answer;
     Answering m_state = Answering::Unknown;
@@ -248,7 +248,7 @@ private:
                 tell(action, "done", News::Good);
                 continue;
             }
-            const std::int32_t status = sendToManager({action.cpid, "", ""}, action.request, action.payload);
+            const std::int32_t status = sendToService({action.cpid, "", ""}, action.request, action.payload);
             if (status != EAaSysComStatus_Ok) {
                 tell(action, "the service for it does not run", News::Bad);
             } else {

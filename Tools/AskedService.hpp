@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-/// @file Manager.hpp
+/// @file AskedService.hpp
 /// Asking a service of the node something in its own messages.
 #pragma once
 
@@ -15,7 +15,7 @@
 namespace dorn::tool {
 
 /// A service that answers operators.
-struct Manager {
+struct AskedService {
     TAaSysComCpid cpid;
     const char* name;       ///< "the fault manager"
     const char* executable; ///< "DornFaultManagerExe"
@@ -56,24 +56,24 @@ private:
     Record m_record{};
 };
 
-/// Sends bytes to a manager. @return an EAaSysComStatus.
-std::int32_t sendToManager(const Manager& manager, TAaSysComMsgId id, BytesView payload);
+/// Sends bytes to a service. @return an EAaSysComStatus.
+std::int32_t sendToService(const AskedService& service, TAaSysComMsgId id, BytesView payload);
 
 /// The same. @throws Failure when it could not be delivered.
-void sendOrExplain(const Manager& manager, TAaSysComMsgId id, BytesView payload);
+void sendOrExplain(const AskedService& service, TAaSysComMsgId id, BytesView payload);
 
 /// Sends a request of at least 4 bytes, the first of which are its transaction id, and waits for the answer with the
 /// same transaction id. Other messages are dropped.
 /// @param leastSize bytes that the answer has at least
-/// @throws Failure when the manager is not there or does not answer in time.
-MessageHandle askManager(const Manager& manager, TAaSysComMsgId id, BytesView request, TAaSysComMsgId answerId,
+/// @throws Failure when the service is not there or does not answer in time.
+MessageHandle askService(const AskedService& service, TAaSysComMsgId id, BytesView request, TAaSysComMsgId answerId,
                          std::size_t leastSize);
 
 /// Asks with typed messages. The record's first field is the transaction id.
 template <class Request, class Response>
-Answer<RecordOf<Response>> ask(const Manager& manager, const RecordOf<Request>& request)
+Answer<RecordOf<Response>> ask(const AskedService& service, const RecordOf<Request>& request)
 {
-    return Answer<RecordOf<Response>>(askManager(manager, Request::ID, std::as_bytes(std::span(&request, 1)),
+    return Answer<RecordOf<Response>>(askService(service, Request::ID, std::as_bytes(std::span(&request, 1)),
                                                  Response::ID, sizeof(RecordOf<Response>)));
 }
 

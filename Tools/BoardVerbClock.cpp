@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "BoardVerbs.hpp"
 
+#include "AskedService.hpp"
 #include "ClockText.hpp"
-#include "Manager.hpp"
 #include "Program.hpp"
 #include "TimeLimit.hpp"
 
@@ -16,7 +16,7 @@ namespace {
 
 using namespace examples;
 
-constexpr Manager clockService{clockServiceCpid, "the clock service", "DornClockSExe"};
+constexpr AskedService clockService{clockServiceCpid, "the clock service", "DornClockSExe"};
 
 struct ShowOptions {
     bool asJson = false;

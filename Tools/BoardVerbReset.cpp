@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "BoardVerbs.hpp"
 
-#include "Manager.hpp"
+#include "AskedService.hpp"
 #include "Program.hpp"
 #include "ResetMessages.hpp"
 #include "TimeLimit.hpp"
@@ -17,7 +17,7 @@ namespace {
 
 using namespace examples;
 
-constexpr Manager resetService{resetServiceCpid, "the reset service", "DornResetSExe"};
+constexpr AskedService resetService{resetServiceCpid, "the reset service", "DornResetSExe"};
 constexpr std::chrono::milliseconds glance{10};
 
 struct ResetOptions {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "BoardVerbs.hpp"
 
+#include "AskedService.hpp"
 #include "LinkNames.hpp"
 #include "LinkText.hpp"
-#include "Manager.hpp"
 #include "Program.hpp"
 #include "TimeLimit.hpp"
 
@@ -16,7 +16,7 @@ namespace {
 
 using namespace examples;
 
-constexpr Manager linkService{linkServiceCpid, "the link service", "DornLinkSExe"};
+constexpr AskedService linkService{linkServiceCpid, "the link service", "DornLinkSExe"};
 constexpr const char* names = "dorn board link show --names";
 
 struct ShowOptions {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "BoardVerbs.hpp"
 
-#include "Manager.hpp"
+#include "AskedService.hpp"
 #include "Program.hpp"
 #include "SfpText.hpp"
 #include "TimeLimit.hpp"
@@ -15,7 +15,7 @@ namespace {
 
 using namespace examples;
 
-constexpr Manager sfpService{sfpServiceCpid, "the SFP service", "DornSfpSExe"};
+constexpr AskedService sfpService{sfpServiceCpid, "the SFP service", "DornSfpSExe"};
 constexpr const char* cageNumbers = "dorn board sfp show --names";
 
 struct ShowOptions {

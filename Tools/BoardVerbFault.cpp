@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "BoardVerbs.hpp"
-#include "FaultText.hpp"
+#include "DriverFaultText.hpp"
 #include "NodePlace.hpp"
 #include "Program.hpp"
 #include "TimeLimit.hpp"
@@ -88,10 +88,10 @@ Outcome list(const FaultOptions& options, Console& console)
     const std::vector<DriverFault> faults = readFaults();
     if (options.asJson) {
         Json json = Json::array();
-        std::transform(faults.begin(), faults.end(), std::back_inserter(json), faultJson);
+        std::transform(faults.begin(), faults.end(), std::back_inserter(json), driverFaultJson);
         console.print(jsonText(json));
     } else if (!faults.empty()) {
-        console.print(faultsTable(faults, console));
+        console.print(driverFaultsTable(faults, console));
     } else {
         console.remark("no driver function has been told to fail on " + NodePlace().nodeName());
     }
@@ -108,7 +108,7 @@ Outcome listNames(Console& console)
 
 Outcome listCodes(Console& console)
 {
-    console.print(codesTable(console));
+    console.print(driverResultsTable(console));
     return Outcome::Fine;
 }
 
@@ -137,7 +137,7 @@ Outcome set(const FaultOptions& options, Console& console)
     const DriverFault fault{functionOf(options.function), code, timesOf(options), 0, afterOf(options)};
     answerOf(awaited,
              [&fault] { host::PerNode<FaultStore>::get().set(fault.function, fault.code, fault.left, fault.after); });
-    console.print(options.asJson ? jsonText(faultJson(fault)) : faultText(fault) + "\n");
+    console.print(options.asJson ? jsonText(driverFaultJson(fault)) : driverFaultText(fault) + "\n");
     return Outcome::Fine;
 }
 

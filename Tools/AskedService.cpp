@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Manager.hpp"
+#include "AskedService.hpp"
 
 #include "TimeLimit.hpp"
 
@@ -29,12 +29,12 @@ std::string onNode(const std::string& text)
     return text + " on " + NodePlace().nodeName();
 }
 
-[[noreturn]] void explain(const Manager& manager, std::int32_t status)
+[[noreturn]] void explain(const AskedService& service, std::int32_t status)
 {
-    const std::string name = manager.name;
+    const std::string name = service.name;
     switch (status) {
     case EAaSysComStatus_NoReceiver:
-        throw Failure(onNode(name + " does not run") + "; start " + manager.executable);
+        throw Failure(onNode(name + " does not run") + "; start " + service.executable);
     case EAaSysComStatus_QueueFull:
         throw Failure(onNode(name) + " does not take its messages: its queue stays full");
     default:
@@ -50,10 +50,10 @@ std::uint32_t newTransactionId()
     return ++last;
 }
 
-std::int32_t sendToManager(const Manager& manager, TAaSysComMsgId id, BytesView payload)
+std::int32_t sendToService(const AskedService& service, TAaSysComMsgId id, BytesView payload)
 {
     void* message =
-        AaSysComMsgCreate(id, static_cast<std::uint16_t>(payload.size()), AaSysComSicadGet(manager.cpid, ownNode()));
+        AaSysComMsgCreate(id, static_cast<std::uint16_t>(payload.size()), AaSysComSicadGet(service.cpid, ownNode()));
     if (!message) {
         return EAaSysComStatus_NoResources;
     }
@@ -61,25 +61,25 @@ std::int32_t sendToManager(const Manager& manager, TAaSysComMsgId id, BytesView 
     return AaSysComMsgSend(&message);
 }
 
-void sendOrExplain(const Manager& manager, TAaSysComMsgId id, BytesView payload)
+void sendOrExplain(const AskedService& service, TAaSysComMsgId id, BytesView payload)
 {
-    if (const std::int32_t status = sendToManager(manager, id, payload); status != EAaSysComStatus_Ok) {
-        explain(manager, status);
+    if (const std::int32_t status = sendToService(service, id, payload); status != EAaSysComStatus_Ok) {
+        explain(service, status);
     }
 }
 
-MessageHandle askManager(const Manager& manager, TAaSysComMsgId id, BytesView request, TAaSysComMsgId answerId,
+MessageHandle askService(const AskedService& service, TAaSysComMsgId id, BytesView request, TAaSysComMsgId answerId,
                          std::size_t leastSize)
 {
     const host::Deadline until = host::Clock::get().monotonic() + patience;
-    sendOrExplain(manager, id, request);
+    sendOrExplain(service, id, request);
     const std::uint32_t transactionId = transactionOf(request);
     while (MessageHandle message = receive(until)) {
         if (isAnswer(message.get(), answerId, leastSize, transactionId)) {
             return message;
         }
     }
-    throw Failure(onNode(manager.name) + " does not answer");
+    throw Failure(onNode(service.name) + " does not answer");
 }
 
 } // namespace dorn::tool

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-/// @file FaultText.hpp
+/// @file DriverFaultText.hpp
 /// Driver functions that have been told to fail, as people and programs see them.
 #pragma once
 
@@ -13,12 +13,12 @@
 namespace dorn::tool {
 
 /// A table of faults, of which there is at least one.
-std::string faultsTable(const std::vector<board::DriverFault>& faults, const Console& console);
+std::string driverFaultsTable(const std::vector<board::DriverFault>& faults, const Console& console);
 /// A table of the results of functions that fail, with what each means.
-std::string codesTable(const Console& console);
+std::string driverResultsTable(const Console& console);
 /// "ddal_fpga_update_mod: the next 3 calls fail with 12 (device does not answer)"
-std::string faultText(const board::DriverFault& fault);
+std::string driverFaultText(const board::DriverFault& fault);
 /// `left` is null for a function of which every call fails, `code` where the board loses its power.
-Json faultJson(const board::DriverFault& fault);
+Json driverFaultJson(const board::DriverFault& fault);
 
 } // namespace dorn::tool

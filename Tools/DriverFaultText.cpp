@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "FaultText.hpp"
+#include "DriverFaultText.hpp"
 
 #include "Table.hpp"
 #include "ddal_error.h"
@@ -47,7 +47,7 @@ std::string afterText(const board::DriverFault& fault)
 
 } // namespace
 
-std::string faultsTable(const std::vector<board::DriverFault>& faults, const Console& console)
+std::string driverFaultsTable(const std::vector<board::DriverFault>& faults, const Console& console)
 {
     Table table({"FUNCTION", "CODE", "MEANING", "LEFT", "GIVEN"});
     for (const board::DriverFault& fault : faults) {
@@ -60,7 +60,7 @@ std::string faultsTable(const std::vector<board::DriverFault>& faults, const Con
     return table.text(console);
 }
 
-std::string codesTable(const Console& console)
+std::string driverResultsTable(const Console& console)
 {
     Table table({"CODE", "MEANING"});
     for (std::int32_t code = DDAL_OK + 1; code <= DDAL_ERROR_NOT_SUPPORTED; ++code) {
@@ -69,7 +69,7 @@ std::string codesTable(const Console& console)
     return table.text(console);
 }
 
-std::string faultText(const board::DriverFault& fault)
+std::string driverFaultText(const board::DriverFault& fault)
 {
     const std::string name(fault.function.name());
     if (losesPower(fault)) {
@@ -79,7 +79,7 @@ std::string faultText(const board::DriverFault& fault)
            afterText(fault);
 }
 
-Json faultJson(const board::DriverFault& fault)
+Json driverFaultJson(const board::DriverFault& fault)
 {
     return {{"function", fault.function.name()},
             {"code", losesPower(fault) ? Json(nullptr) : Json(fault.code)},
