@@ -5,7 +5,6 @@
 
 #include "SpawnedProcess.hpp"
 
-#include <optional>
 #include <string>
 
 namespace dorn::conformance {

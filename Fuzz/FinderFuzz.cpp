@@ -12,7 +12,6 @@
 #include "firmware.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>

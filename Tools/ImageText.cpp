@@ -4,9 +4,6 @@
 #include "Values.hpp"
 #include "binary/Unsigned32.hpp"
 
-#include <algorithm>
-#include <string_view>
-
 namespace dorn::tool {
 namespace {
 

@@ -6,11 +6,9 @@
 #include "Values.hpp"
 #include "port/Descriptor.hpp"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <limits>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -11,7 +11,6 @@
 #include "Values.hpp"
 #include "config/TagDatabase.hpp"
 
-#include <optional>
 #include <string>
 #include <vector>
 

@@ -11,7 +11,6 @@
 #include <cstdio>
 #include <cstring>
 #include <unistd.h>
-#include <vector>
 
 namespace dorn::conformance {
 namespace {

@@ -14,7 +14,6 @@
 #include <cstring>
 #include <initializer_list>
 #include <string>
-#include <vector>
 
 namespace dorn::conformance {
 namespace {

@@ -6,7 +6,6 @@
 #include "Rules.hpp"
 
 #include <array>
-#include <cstdlib>
 #include <string>
 #include <thread>
 

@@ -9,7 +9,6 @@
 #include <array>
 #include <atomic>
 #include <string>
-#include <vector>
 
 namespace dorn::conformance {
 namespace {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "SimulatedOcxo.hpp"
 
-#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdio>

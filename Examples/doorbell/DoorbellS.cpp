@@ -6,7 +6,6 @@
 #include "Answer.hpp"
 #include "OwnUnit.hpp"
 
-#include <memory>
 #include <poll.h>
 #include <string_view>
 #include <unistd.h>

@@ -7,7 +7,6 @@
 #include "boundaryIf/baseband/cpri/AbstractCpriLinkVsbEgressRegionBif.hpp"
 #include "boundaryIf/baseband/cpri/AbstractCpriLinkVsbIngressRegionBif.hpp"
 
-#include <algorithm>
 #include <cstdint>
 #include <vector>
 

@@ -7,7 +7,6 @@
 
 #include <cstdint>
 #include <map>
-#include <span>
 #include <vector>
 
 namespace dorn::examples {

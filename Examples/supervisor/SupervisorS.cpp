@@ -5,7 +5,6 @@
 #include "OwnUnit.hpp"
 
 #include <array>
-#include <climits>
 #include <poll.h>
 #include <sstream>
 #include <string>

@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <sstream>
-#include <stdexcept>
 
 namespace dorn::conformance {
 

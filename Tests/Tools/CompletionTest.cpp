@@ -7,7 +7,6 @@
 #include "TestNode.hpp"
 
 #include <gtest/gtest.h>
-#include <set>
 #include <sstream>
 
 namespace dorn::tool {

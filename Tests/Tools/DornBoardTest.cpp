@@ -11,7 +11,6 @@
 #include "SfpMessages.hpp"
 #include "rad/ERadHwapiState.h"
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <functional>

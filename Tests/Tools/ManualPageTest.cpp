@@ -5,9 +5,7 @@
 #include "Program.hpp"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <gmock/gmock.h>
-#include <sstream>
 #include <string>
 
 namespace dorn::tool {

@@ -8,7 +8,6 @@
 #include "generator/RamlGenerator.hpp"
 
 #include <gtest/gtest.h>
-#include <map>
 #include <ostream>
 
 namespace dorn::tool {

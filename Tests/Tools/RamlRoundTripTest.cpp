@@ -9,7 +9,6 @@
 #include "generator/RamlGenerator.hpp"
 
 #include <gtest/gtest.h>
-#include <set>
 #include <utility>
 
 namespace dorn::tool {

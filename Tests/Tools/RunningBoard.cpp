@@ -7,7 +7,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <csignal>
 #include <thread>
 
 namespace dorn::tool {

@@ -6,9 +6,7 @@
 #include "board/Keyboard.hpp"
 
 #include <functional>
-#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace dorn::tool {

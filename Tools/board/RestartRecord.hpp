@@ -7,7 +7,6 @@
 
 #include <cstdint>
 #include <deque>
-#include <optional>
 
 namespace dorn::tool {
 

@@ -2,7 +2,6 @@
 #include "board/BoardFrame.hpp"
 
 #include <algorithm>
-#include <cstdio>
 #include <gtest/gtest.h>
 
 namespace dorn::tool {

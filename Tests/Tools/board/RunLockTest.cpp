@@ -7,7 +7,6 @@
 
 #include <fstream>
 #include <gtest/gtest.h>
-#include <memory>
 #include <unistd.h>
 
 namespace dorn::tool {
