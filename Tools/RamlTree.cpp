@@ -2,13 +2,11 @@
 #include "RamlTree.hpp"
 
 #include "RamlFields.hpp"
+#include "Utf8.hpp"
 #include "Values.hpp"
 #include "raml/dataclasses/RAML_ListParameterType.hpp"
 #include "raml/dataclasses/RAML_ListType.hpp"
 #include "raml/dataclasses/RAML_ParameterType.hpp"
-
-#include <functional>
-#include <string_view>
 
 namespace dorn::tool {
 namespace {
@@ -23,7 +21,7 @@ std::string shownValue(const std::string& value)
         return printable(value);
     }
     std::size_t end = greatest;
-    while ((static_cast<unsigned char>(value[end]) & 0xC0U) == 0x80U && end > greatest - 3) {
+    while (isInsideCharacter(value[end]) && end > greatest - 3) {
         --end; // not in the middle of a character
     }
     return printable(value.substr(0, end)) + "... (" + std::to_string(value.size()) + " bytes)";

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "SourceLines.hpp"
 
+#include "Utf8.hpp"
 #include "Values.hpp"
 
 #include <algorithm>
@@ -12,11 +13,6 @@ namespace {
 
 constexpr std::size_t width = 100;      // bytes of a line that are shown
 constexpr std::size_t widthBefore = 40; // of these in front of the column, when the line is longer
-
-bool isInsideCharacter(char c)
-{
-    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
-}
 
 /// How many bytes the UTF-8 character at the begin of @p text has; 0 when they are none.
 std::size_t characterLength(std::string_view text)
@@ -45,11 +41,6 @@ std::string shown(std::string_view text)
         text.remove_prefix(std::max<std::size_t>(length, 1));
     }
     return line;
-}
-
-std::size_t columnsOf(const std::string& text)
-{
-    return text.size() - static_cast<std::size_t>(std::count_if(text.begin(), text.end(), isInsideCharacter));
 }
 
 } // namespace

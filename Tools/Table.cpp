@@ -1,21 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "Table.hpp"
 
+#include "Utf8.hpp"
+
 #include <algorithm>
 #include <cassert>
 
 namespace dorn::tool {
-namespace {
-
-/// Columns that UTF-8 text takes, one for each character.
-std::size_t widthOf(const std::string& text)
-{
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
-}
-
-} // namespace
-
 Table::Table(std::vector<std::string> headings)
 {
     std::vector<Cell> row;
@@ -36,7 +27,7 @@ std::string Table::text(const Console& console) const
     std::vector<std::size_t> widths(m_rows.front().size());
     for (const std::vector<Cell>& row : m_rows) {
         for (std::size_t column = 0; column < row.size(); ++column) {
-            widths[column] = std::max(widths[column], widthOf(row[column].text));
+            widths[column] = std::max(widths[column], columnsOf(row[column].text));
         }
     }
     std::string text;
@@ -48,7 +39,7 @@ std::string Table::text(const Console& console) const
                 text.append(blanks, ' ').append(console.paint(cell.colour, cell.text));
                 blanks = 0;
             }
-            blanks += widths[column] - widthOf(cell.text) + 2;
+            blanks += widths[column] - columnsOf(cell.text) + 2;
         }
         text += '\n';
     }

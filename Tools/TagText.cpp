@@ -3,6 +3,7 @@
 
 #include "Outcome.hpp"
 #include "Table.hpp"
+#include "Utf8.hpp"
 
 #include <algorithm>
 #include <array>
@@ -62,7 +63,7 @@ std::size_t characterLength(std::string_view text)
         return 0;
     }
     for (std::size_t at = 1; at <= followers; ++at) {
-        if ((static_cast<unsigned char>(text[at]) & 0xC0U) != 0x80U) {
+        if (!isInsideCharacter(text[at])) {
             return 0;
         }
     }
@@ -87,7 +88,7 @@ bool isText(BytesView value)
 BytesView beginOf(BytesView value)
 {
     std::size_t size = std::min(value.size(), longestInTable);
-    while (size < value.size() && size > 0 && (value[size] & std::byte{0xC0}) == std::byte{0x80}) {
+    while (size < value.size() && size > 0 && isInsideCharacter(static_cast<char>(value[size]))) {
         --size;
     }
     return value.first(size);

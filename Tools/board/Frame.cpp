@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "board/Frame.hpp"
 
+#include "Utf8.hpp"
+
 #include <algorithm>
 
 namespace dorn::tool {
@@ -29,7 +31,7 @@ char32_t takeCharacter(std::string_view& text)
     const std::size_t length = first < 0xC0 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
     char32_t character = length == 1 ? first : first & (0x7FU >> length);
     std::size_t taken = 1;
-    while (taken < length && (byteAt(text, taken) & 0xC0U) == 0x80U) {
+    while (taken < length && isInsideCharacter(static_cast<char>(byteAt(text, taken)))) {
         character = character << 6U | (byteAt(text, taken) & 0x3FU);
         ++taken;
     }
