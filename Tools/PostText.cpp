@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "PostText.hpp"
 
-#include "AaFile.h"
 #include "AaMem.h"
 #include "Outcome.hpp"
 #include "PostFile.h"
 #include "Table.hpp"
+#include "TargetFile.hpp"
 
 #include <algorithm>
 #include <array>
@@ -119,16 +119,13 @@ bool addResults(EStatus (*query)(const char*, Record***, std::uint32_t*), const 
     return status == EStatus_NoError;
 }
 
-const char* ageName(std::size_t index)
-{
-    return index == 0 ? "latest" : "before";
-}
-
 std::string headText(const PostResult& result, std::size_t index)
 {
-    std::string text = ageName(index);
+    std::string text = index == 0 ? "latest" : "before";
+    const char* separator = ": ";
     for (const auto& [name, value] : result.head) {
-        text += (text == ageName(index) ? ": " : ", ") + name + " " + hex(value);
+        text += separator + name + " " + hex(value);
+        separator = ", ";
     }
     return text + (result.isThere ? "\n" : ": no result\n");
 }
@@ -163,16 +160,14 @@ PostKind parseKind(const std::string& name)
 
 PostKind kindOfFile(const std::string& path)
 {
-    AaFile* const file = AaFileOpen(path.c_str(), "r");
+    const TargetFile file(AaFileOpen(path.c_str(), "r"));
     if (!file) {
         explain(path, std::strerror(errno));
     }
     std::array<char, 1024> line{};
-    const std::int32_t length = AaFileReadLine(file, line.data(), line.size());
-    const std::string reason = length < 0 ? std::strerror(errno) : "it is empty";
-    AaFileClose(file);
+    const std::int32_t length = AaFileReadLine(file.get(), line.data(), line.size());
     if (length <= 0) {
-        explain(path, reason);
+        explain(path, length < 0 ? std::strerror(errno) : "it is empty");
     }
     return kindOfLine(line.data());
 }

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "RpramFields.hpp"
 
-#include "AaFile.h"
 #include "Outcome.hpp"
 #include "RpramFiles.hpp"
+#include "TargetFile.hpp"
 #include "Values.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <memory>
 #include <string_view>
 
 namespace dorn::tool {
@@ -19,11 +18,6 @@ namespace {
 /// What stands in front of the names in the files' names, the longest first.
 constexpr std::array<std::string_view, 4> beginnings{"ERP_RAM_hdbde_", "RP_RAM_hdbde_", "RP_RAM_field_", ""};
 constexpr std::string_view ending = ".txt";
-
-struct FileCloser {
-    void operator()(AaFile* file) const { AaFileClose(file); }
-};
-using OwnedFile = std::unique_ptr<AaFile, FileCloser>;
 
 std::string nameOf(const std::string& path)
 {
@@ -80,7 +74,7 @@ std::optional<RpramValue> readRpram(const RpramField& field)
     if (ApiResetRpramGet(field.field, &value, text.data()) == 0) {
         return RpramValue{value, text.data()};
     }
-    const OwnedFile file(AaFileOpen(field.path.c_str(), "r"));
+    const TargetFile file(AaFileOpen(field.path.c_str(), "r"));
     if (!file && errno == ENOENT) {
         return std::nullopt;
     }
@@ -90,7 +84,7 @@ std::optional<RpramValue> readRpram(const RpramField& field)
 std::vector<std::string> rpramHistory(const RpramField& field)
 {
     std::vector<std::string> lines;
-    const OwnedFile file(AaFileOpen(field.path.c_str(), "r"));
+    const TargetFile file(AaFileOpen(field.path.c_str(), "r"));
     std::array<char, 4096> buffer{};
     bool isWithin = false; // a line that is longer than the buffer
     while (file && AaFileReadLine(file.get(), buffer.data(), buffer.size()) > 0) {
