@@ -227,10 +227,12 @@ Outcome run(const RunOptions& options, Console& console)
 void addBoardRun(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<RunOptions>();
-    CLI::App& verb = program.addVerb(
-        noun,
-        {"run", "Runs the services of a board and keeps them running", "dorn board run board.xml", "", everyArgument},
-        [options](Console& console) { return run(*options, console); });
+    CLI::App& verb = program.addVerb(noun,
+                                     {.name = "run",
+                                      .description = "Runs the services of a board and keeps them running",
+                                      .example = "dorn board run board.xml",
+                                      .files = everyArgument},
+                                     [options](Console& console) { return run(*options, console); });
     verb.add_option("BOARD", options->board, "File that describes the board")->required();
     CLI::Option* const once =
         verb.add_flag("--once", options->isOnce,

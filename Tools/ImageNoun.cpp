@@ -218,8 +218,10 @@ void addCreate(Program& program, CLI::App& noun)
     const auto options = std::make_shared<CreateOptions>();
     CLI::App& verb =
         program.addVerb(noun,
-                        {"create", "Makes an image of a payload",
-                         "dorn image create fpga.rbf NAX-FPGA.bin --sw-version 0x20A --hwswid 3A01", "", 2},
+                        {.name = "create",
+                         .description = "Makes an image of a payload",
+                         .example = "dorn image create fpga.rbf NAX-FPGA.bin --sw-version 0x20A --hwswid 3A01",
+                         .files = 2},
                         [options](Console& console) { return create(*options, console); });
     verb.add_option("PAYLOAD", options->payload, "The file that goes into flash")->required();
     verb.add_option("IMAGE", options->image, "The image; what bears the name is replaced")->required();
@@ -242,9 +244,12 @@ void addCreate(Program& program, CLI::App& noun)
 void addShow(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<ShowOptions>();
-    CLI::App& verb = program.addVerb(
-        noun, {"show", "Shows what the trailer of an image says", "dorn image show NAX-FPGA.bin", "", 1},
-        [options](Console& console) { return show(*options, console); });
+    CLI::App& verb = program.addVerb(noun,
+                                     {.name = "show",
+                                      .description = "Shows what the trailer of an image says",
+                                      .example = "dorn image show NAX-FPGA.bin",
+                                      .files = 1},
+                                     [options](Console& console) { return show(*options, console); });
     verb.add_option("IMAGE", options->image, "The image")->required();
     verb.add_flag("--json", options->asJson, "Prints JSON");
 }
@@ -253,8 +258,10 @@ void addVerify(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<VerifyOptions>();
     CLI::App& verb = program.addVerb(noun,
-                                     {"verify", "Checks images as a board does: trailer, CRC-32, boards",
-                                      "dorn image verify NAX-FPGA.bin --hwswid 3A02", "", everyArgument},
+                                     {.name = "verify",
+                                      .description = "Checks images as a board does: trailer, CRC-32, boards",
+                                      .example = "dorn image verify NAX-FPGA.bin --hwswid 3A02",
+                                      .files = everyArgument},
                                      [options](Console& console) { return verify(*options, console); });
     verb.add_option("IMAGE", options->images, "The images")->required();
     CLI::Option* const id =
@@ -270,9 +277,12 @@ void addVerify(Program& program, CLI::App& noun)
 void addExtract(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<ExtractOptions>();
-    CLI::App& verb = program.addVerb(
-        noun, {"extract", "Gets the payload out of an image", "dorn image extract NAX-FPGA.bin fpga.rbf", "", 2},
-        [options](Console& console) { return extract(*options, console); });
+    CLI::App& verb = program.addVerb(noun,
+                                     {.name = "extract",
+                                      .description = "Gets the payload out of an image",
+                                      .example = "dorn image extract NAX-FPGA.bin fpga.rbf",
+                                      .files = 2},
+                                     [options](Console& console) { return extract(*options, console); });
     verb.add_option("IMAGE", options->image, "The image")->required();
     verb.add_option("PAYLOAD", options->payload, "The file to write; what bears the name is replaced")->required();
     verb.add_flag("--unchecked", options->isUnchecked, "Does not look whether the trailer is right");

@@ -155,9 +155,12 @@ Outcome checkAll(const CheckOptions& options, Console& console)
 void addRamlCheck(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<CheckOptions>();
-    CLI::App& verb = program.addVerb(
-        noun, {"check", "Tells what is wrong with documents, and where", "dorn raml check plan.xml", "", everyArgument},
-        [options](Console& console) { return checkAll(*options, console); });
+    CLI::App& verb = program.addVerb(noun,
+                                     {.name = "check",
+                                      .description = "Tells what is wrong with documents, and where",
+                                      .example = "dorn raml check plan.xml",
+                                      .files = everyArgument},
+                                     [options](Console& console) { return checkAll(*options, console); });
     verb.add_option("FILE", options->files, "The documents, \"-\" for standard input")->required();
     verb.add_flag("--all", options->isAll, "All errors, not only the first " + std::to_string(screen));
     addRamlInput(verb, options->input);

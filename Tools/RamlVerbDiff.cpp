@@ -48,11 +48,13 @@ Outcome diff(const DiffOptions& options, Console& console)
 void addRamlDiff(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<DiffOptions>();
-    CLI::App& verb =
-        program.addVerb(noun,
-                        {"diff", "Compares two documents by distinguished name and parameter; status 1 if they differ",
-                         "dorn raml diff plan.xml plan-new.xml", "", everyArgument},
-                        [options](Console& console) { return diff(*options, console); });
+    CLI::App& verb = program.addVerb(
+        noun,
+        {.name = "diff",
+         .description = "Compares two documents by distinguished name and parameter; status 1 if they differ",
+         .example = "dorn raml diff plan.xml plan-new.xml",
+         .files = everyArgument},
+        [options](Console& console) { return diff(*options, console); });
     verb.add_option("BEFORE", options->before, "One document, \"-\" for standard input")->required();
     verb.add_option("AFTER", options->after, "The other")->required();
     addRamlInput(verb, options->input);

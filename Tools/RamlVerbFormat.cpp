@@ -35,8 +35,10 @@ void addRamlFormat(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<FormatOptions>();
     CLI::App& verb = program.addVerb(noun,
-                                     {"format", "Prints a document as services write it; tells what gets lost",
-                                      "dorn raml format plan.xml", "", everyArgument},
+                                     {.name = "format",
+                                      .description = "Prints a document as services write it; tells what gets lost",
+                                      .example = "dorn raml format plan.xml",
+                                      .files = everyArgument},
                                      [options](Console& console) { return format(*options, console); });
     verb.add_option("FILE", options->file, "The document, \"-\" for standard input")->required();
     addRamlInput(verb, options->input);

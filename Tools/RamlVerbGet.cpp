@@ -72,8 +72,11 @@ void addRamlGet(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<GetOptions>();
     CLI::App& verb = program.addVerb(noun,
-                                     {"get", "Prints the value of a parameter, of a list an element a line",
-                                      "dorn raml get plan.xml Board=1,Fan=2 limit", "dorn raml show --names", 1},
+                                     {.name = "get",
+                                      .description = "Prints the value of a parameter, of a list an element a line",
+                                      .example = "dorn raml get plan.xml Board=1,Fan=2 limit",
+                                      .values = "dorn raml show --names",
+                                      .files = 1},
                                      [options](Console& console) { return get(*options, console); });
     verb.add_option("FILE", options->file, "The document, \"-\" for standard input")->required();
     verb.add_option("DISTNAME", options->distName, "Distinguished name of the managed object")->required();

@@ -63,8 +63,11 @@ void addRamlShow(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<ShowOptions>();
     CLI::App& verb = program.addVerb(noun,
-                                     {"show", "Shows a document or one of its managed objects as a tree",
-                                      "dorn raml show plan.xml Board=1,Fan=2", "dorn raml show --names", 1},
+                                     {.name = "show",
+                                      .description = "Shows a document or one of its managed objects as a tree",
+                                      .example = "dorn raml show plan.xml Board=1,Fan=2",
+                                      .values = "dorn raml show --names",
+                                      .files = 1},
                                      [options](Console& console) { return show(*options, console); });
     verb.add_option("FILE", options->file, "The document, \"-\" for standard input")->required();
     CLI::Option* const name = verb.add_option("DISTNAME", options->distName, "Distinguished name of an object");

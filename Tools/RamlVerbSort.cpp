@@ -65,10 +65,13 @@ Outcome sort(const SortOptions& options, Console& console)
 void addRamlSort(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<SortOptions>();
-    CLI::App& verb = program.addVerb(noun,
-                                     {"sort", "Prints a document with its objects in the order of their classes' ranks",
-                                      "dorn raml sort plan.xml --ranks ranks.txt", "", everyArgument},
-                                     [options](Console& console) { return sort(*options, console); });
+    CLI::App& verb =
+        program.addVerb(noun,
+                        {.name = "sort",
+                         .description = "Prints a document with its objects in the order of their classes' ranks",
+                         .example = "dorn raml sort plan.xml --ranks ranks.txt",
+                         .files = everyArgument},
+                        [options](Console& console) { return sort(*options, console); });
     verb.add_option("FILE", options->file, "The document, \"-\" for standard input")->required();
     verb.add_option("--ranks", options->ranks, "The ranks: a class a line in their order, or CLASS RANK")
         ->type_name("FILE")

@@ -30,9 +30,12 @@ Outcome showStats(const StatsOptions& options, Console& console)
 void addRamlStats(Program& program, CLI::App& noun)
 {
     const auto options = std::make_shared<StatsOptions>();
-    CLI::App& verb = program.addVerb(
-        noun, {"stats", "Counts classes, parameters and sizes", "dorn raml stats plan.xml", "", everyArgument},
-        [options](Console& console) { return showStats(*options, console); });
+    CLI::App& verb = program.addVerb(noun,
+                                     {.name = "stats",
+                                      .description = "Counts classes, parameters and sizes",
+                                      .example = "dorn raml stats plan.xml",
+                                      .files = everyArgument},
+                                     [options](Console& console) { return showStats(*options, console); });
     verb.add_option("FILE", options->file, "The document, \"-\" for standard input")->required();
     addRamlInput(verb, options->input);
     verb.add_flag("--json", options->asJson, "Prints JSON");
