@@ -9,7 +9,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <limits>
 #include <memory>
 
 namespace dorn::tool {
@@ -28,8 +27,7 @@ struct ResetOptions {
 SResetReq requestOf(const ResetOptions& options)
 {
     SResetReq request{newTransactionId(), 0, {}};
-    request.reason =
-        static_cast<std::uint32_t>(parseNumber("--reason", options.reason, std::numeric_limits<std::uint32_t>::max()));
+    request.reason = parseUnsigned<std::uint32_t>("--reason", options.reason);
     const std::size_t size = std::min(options.text.size(), request.text.size() - 1);
     std::copy_n(options.text.begin(), size, request.text.begin());
     return request;

@@ -8,8 +8,6 @@
 #include "node/PerNode.hpp"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <limits>
 #include <memory>
 
 namespace dorn::tool {
@@ -34,10 +32,8 @@ struct DeviceOptions {
 
 RioAddress addressOf(const DeviceOptions& options)
 {
-    constexpr std::uint64_t greatest = std::numeric_limits<std::uint16_t>::max();
     const std::string port = options.port.empty() ? "0" : options.port;
-    return {static_cast<std::uint32_t>(parseNumber("--port", port, greatest)),
-            static_cast<std::uint32_t>(parseNumber("DEVICE", options.device, greatest))};
+    return {parseUnsigned<std::uint16_t>("--port", port), parseUnsigned<std::uint16_t>("DEVICE", options.device)};
 }
 
 /// Does something to a device.

@@ -3,6 +3,7 @@
 
 #include "ClockNames.hpp"
 #include "Table.hpp"
+#include "Values.hpp"
 
 #include <array>
 #include <cstdio>
@@ -11,12 +12,6 @@ namespace dorn::tool {
 namespace {
 
 using namespace examples;
-
-/// The name of a number, the number where there is none.
-std::string orNumber(const char* name, std::uint32_t number)
-{
-    return *name != '\0' ? name : std::to_string(number);
-}
 
 std::string decimal(double value, int digits, const char* unit)
 {
@@ -27,17 +22,17 @@ std::string decimal(double value, int digits, const char* unit)
 
 std::string phaseLockText(const SClockShowResp& clock)
 {
-    return orNumber(phaseLockStatusName(clock.phaseLockStatus), clock.phaseLockStatus);
+    return nameOrNumber(phaseLockStatusName(clock.phaseLockStatus), clock.phaseLockStatus);
 }
 
 std::string calibrationText(const SClockShowResp& clock)
 {
-    return orNumber(nameIn(calibrationStatusNames, clock.calibrationStatus), clock.calibrationStatus);
+    return nameOrNumber(nameIn(calibrationStatusNames, clock.calibrationStatus), clock.calibrationStatus);
 }
 
 std::string dacText(const SClockShowResp& clock)
 {
-    return orNumber(nameIn(dacStatusNames, clock.dacStatus), clock.dacStatus);
+    return nameOrNumber(nameIn(dacStatusNames, clock.dacStatus), clock.dacStatus);
 }
 
 double degrees(std::int32_t thousandths)
@@ -54,12 +49,12 @@ Cell goodOrBad(bool isGood, const std::string& text)
 
 std::string clockPllText(const SClockShowResp& clock)
 {
-    return orNumber(nameIn(swPllStateNames, clock.pllState), clock.pllState);
+    return nameOrNumber(nameIn(swPllStateNames, clock.pllState), clock.pllState);
 }
 
 std::string clockTimerText(const SClockShowResp& clock)
 {
-    return orNumber(nameIn(timerSyncStateNames, clock.timerState), clock.timerState);
+    return nameOrNumber(nameIn(timerSyncStateNames, clock.timerState), clock.timerState);
 }
 
 std::string clockTable(const SClockShowResp& clock, const Console& console)

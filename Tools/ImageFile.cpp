@@ -12,7 +12,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <limits>
 #include <memory>
 #include <string_view>
 #include <sys/stat.h>
@@ -23,9 +22,6 @@ namespace dorn::tool {
 namespace {
 
 namespace firmware = vel::hwapi::firmware;
-
-constexpr std::uint64_t greatestSize = std::numeric_limits<std::int32_t>::max();
-constexpr std::size_t wordSize = 4;
 
 std::string inQuotes(const std::string& path)
 {
@@ -97,16 +93,16 @@ std::optional<std::uint32_t> fittingHwSwId(const std::vector<std::uint32_t>& ids
 
 ImageFile::ImageFile(std::string path) : m_path(std::move(path)), m_file(m_path)
 {
-    if (m_file.size < wordSize) {
+    if (m_file.size < trailerWordSize) {
         throw ImageFault(BINARY_FILE_FAILED,
                          inQuotes(m_path) + " is no firmware image: it has " + std::to_string(m_file.size) + " bytes");
     }
-    if (m_file.size > greatestSize) {
+    if (m_file.size > greatestImageSize) {
         throw ImageFault(BINARY_TRAILER_OFFSET_INVALID, inQuotes(m_path) + " has " + std::to_string(m_file.size) +
                                                             " bytes; an image is smaller than 2 GiB");
     }
-    std::array<std::uint8_t, wordSize> word{};
-    read(word.data(), word.size(), m_file.size - wordSize);
+    std::array<std::uint8_t, trailerWordSize> word{};
+    read(word.data(), word.size(), m_file.size - trailerWordSize);
     for (std::size_t index = word.size(); index-- > 0;) {
         m_payloadLength = m_payloadLength << 8 | word[index];
     }

@@ -9,11 +9,17 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace dorn::tool {
+
+/// The most bytes that an image can have: it is smaller than 2 GiB.
+constexpr std::uint64_t greatestImageSize = std::numeric_limits<std::int32_t>::max();
+/// Bytes of its last word, which says where the trailer begins.
+constexpr std::size_t trailerWordSize = 4;
 
 /// Why an image is refused, in words, and as binary_validate() says it on the board.
 class ImageFault : public Failure {

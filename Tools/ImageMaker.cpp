@@ -7,20 +7,15 @@
 #include "binary/Unsigned32.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
-#include <limits>
 #include <span>
 #include <unistd.h>
 #include <zlib.h>
 
 namespace dorn::tool {
 namespace {
-
-constexpr std::uint64_t greatestSize = std::numeric_limits<std::int32_t>::max();
-constexpr std::size_t wordSize = 4;
 
 BytesView bytesIn(const std::string& text)
 {
@@ -66,14 +61,14 @@ bool readsBack(const std::string& region, const ImageFacts& facts)
 std::string trailerRegion(const ImageFacts& facts, const std::string& imagePath)
 {
     std::string region = trailerXml(facts);
-    for (unsigned index = 0; index < wordSize; ++index) {
+    for (unsigned index = 0; index < trailerWordSize; ++index) {
         region += static_cast<char>(facts.length >> 8 * index & 0xFFU);
     }
     if (!readsBack(region, facts)) {
         throw Failure("the texts of the trailer would not be read back as they are given: they have characters that "
                       "XML does not keep");
     }
-    if (facts.length + region.size() > greatestSize) {
+    if (facts.length + region.size() > greatestImageSize) {
         throw Failure("'" + imagePath + "' would have " + std::to_string(facts.length + region.size()) +
                       " bytes; an image is smaller than 2 GiB");
     }
@@ -88,11 +83,11 @@ std::string trailerRegion(const ImageFacts& facts, const std::string& imagePath)
 
 std::string parseSoftwareVersion(const std::string& what, const std::string& text)
 {
-    const std::uint64_t meant = parseNumber(what, text, std::numeric_limits<std::uint32_t>::max());
+    const auto meant = parseUnsigned<std::uint32_t>(what, text);
     const std::uint32_t read = vel::hwapi::firmware::softwareVersionOf(text.c_str());
     if (read != meant) {
         throw UsageError(what + ": a board would read '" + text + "' as " + std::to_string(read) + "; write " +
-                         hexNumber(static_cast<std::uint32_t>(meant), 1));
+                         hexNumber(meant, 1));
     }
     return text;
 }
@@ -115,7 +110,7 @@ void makeImage(const std::string& payloadPath, const std::string& imagePath, Ima
     if (payload.size == 0) {
         throw Failure("'" + payloadPath + "' is empty; an image has a payload");
     }
-    if (payload.size > greatestSize) {
+    if (payload.size > greatestImageSize) {
         throw Failure("'" + payloadPath + "' has " + std::to_string(payload.size) +
                       " bytes; an image is smaller than 2 GiB");
     }

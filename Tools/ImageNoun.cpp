@@ -101,8 +101,7 @@ std::string buildTime()
 ImageFacts factsOf(const CreateOptions& options)
 {
     ImageFacts facts;
-    facts.version = static_cast<std::uint32_t>(
-        parseNumber("--trailer-version", options.trailerVersion, std::numeric_limits<std::uint32_t>::max()));
+    facts.version = parseUnsigned<std::uint32_t>("--trailer-version", options.trailerVersion);
     facts.targetUnit = options.targetUnit;
     facts.swId = options.swId;
     facts.swVersion = parseSoftwareVersion("--sw-version", options.swVersion);

@@ -12,16 +12,11 @@ namespace {
 
 using namespace examples;
 
-/// The name of a number, the number where there is none.
-std::string orNumber(const char* name, std::uint32_t number)
-{
-    return *name != '\0' ? name : std::to_string(number);
-}
-
 /// "-" where the standard has no such states.
 std::string txText(const SLink& link)
 {
-    return link.standard == ELinkStandard_Cpri ? "-" : orNumber(nameIn(obsaiTxStateNames, link.txState), link.txState);
+    return link.standard == ELinkStandard_Cpri ? "-"
+                                               : nameOrNumber(nameIn(obsaiTxStateNames, link.txState), link.txState);
 }
 
 /// The names of the bits that are set.
@@ -55,7 +50,7 @@ std::string linkName(const SLink& link)
 
 std::string linkRxText(const SLink& link)
 {
-    return orNumber(linkRxStateName(link.standard, link.rxState), link.rxState);
+    return nameOrNumber(linkRxStateName(link.standard, link.rxState), link.rxState);
 }
 
 bool isLinkUp(const SLink& link)
@@ -90,7 +85,7 @@ Json linksJson(const std::vector<SLink>& links)
     Json list = Json::array();
     for (const SLink& link : links) {
         list.push_back({{"name", linkName(link)},
-                        {"standard", orNumber(nameIn(linkStandardNames, link.standard), link.standard)},
+                        {"standard", nameOrNumber(nameIn(linkStandardNames, link.standard), link.standard)},
                         {"id", link.uniqueId},
                         {"rx", linkRxText(link)},
                         {"tx", link.standard == ELinkStandard_Cpri ? Json(nullptr) : Json(txText(link))},

@@ -10,7 +10,6 @@
 #include "log/LogReader.hpp"
 
 #include <CLI/CLI.hpp>
-#include <limits>
 #include <memory>
 
 namespace dorn::tool {
@@ -81,8 +80,7 @@ Outcome follow(host::LogReader& reader, const LogFilter& filter, const LogOption
 Outcome showLog(const LogOptions& options, Console& console)
 {
     const LogFilter filter = filterOf(options);
-    const auto count =
-        static_cast<std::size_t>(parseNumber("--lines", options.lines, std::numeric_limits<std::uint32_t>::max()));
+    const auto count = std::size_t{parseUnsigned<std::uint32_t>("--lines", options.lines)};
     WatchProgress progress(options.limits, console);
     const NodePlace node;
     node.require(NodePart::Log);

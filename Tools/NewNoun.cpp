@@ -8,7 +8,6 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
-#include <limits>
 #include <memory>
 #include <system_error>
 
@@ -40,8 +39,7 @@ std::string installationPrefix()
 NewService wishOf(const ServiceOptions& options)
 {
     checkServiceName(options.name);
-    const auto cpid =
-        static_cast<std::uint16_t>(parseNumber("--cpid", options.cpid, std::numeric_limits<std::uint16_t>::max()));
+    const auto cpid = parseUnsigned<std::uint16_t>("--cpid", options.cpid);
     if (cpid == 0) {
         throw UsageError("--cpid: 0 is no address");
     }

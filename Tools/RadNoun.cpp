@@ -21,7 +21,6 @@ namespace {
 constexpr const char* awaited = "the node's R&D parameters";
 constexpr const char* addresses = "dorn rad list --names";
 constexpr const char* addressHelp = "Number (0x20054), DOMAIN/NAME (HWA/FIRM), or NAME where it is the only one";
-constexpr std::uint32_t greatestValue = 0xFFFFFFFF;
 
 struct ListOptions {
     std::string domain;
@@ -96,7 +95,7 @@ Outcome get(const ParameterOptions& options, Console& console)
 
 Outcome set(const ParameterOptions& options, Console& console)
 {
-    const auto value = static_cast<std::uint32_t>(parseNumber("VALUE", options.value, greatestValue));
+    const auto value = parseUnsigned<std::uint32_t>("VALUE", options.value);
     const RadChange change = answerOf(awaited, [&options, value] {
         host::RadStore& store = openStore();
         const TAaConfigRadId id = RadDirectory(store).find(options.address);

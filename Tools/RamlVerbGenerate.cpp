@@ -10,7 +10,6 @@
 
 #include <CLI/CLI.hpp>
 #include <array>
-#include <limits>
 #include <memory>
 #include <unistd.h>
 
@@ -61,7 +60,7 @@ RamlShape shapeOf(const GenerateOptions& options)
 {
     RamlShape shape;
     if (!options.seed.empty()) {
-        shape.seed = parseNumber("--seed", options.seed, std::numeric_limits<std::uint64_t>::max());
+        shape.seed = parseUnsigned<std::uint64_t>("--seed", options.seed);
     }
     if (!options.objects.empty()) {
         shape.objects = parseNumber("--objects", options.objects, greatestObjects);

@@ -3,6 +3,7 @@
 
 #include "SfpNames.hpp"
 #include "Table.hpp"
+#include "Values.hpp"
 
 namespace dorn::tool {
 namespace {
@@ -15,8 +16,7 @@ constexpr std::uint32_t noLink = 0xFF;
 
 std::string sfpModuleText(const SSfpCage& cage)
 {
-    const std::string name = nameIn(sfpModuleNames, cage.module);
-    return name.empty() ? std::to_string(cage.module) : name;
+    return nameOrNumber(nameIn(sfpModuleNames, cage.module), cage.module);
 }
 
 std::string sfpTable(const std::vector<SSfpCage>& cages, const Console& console)

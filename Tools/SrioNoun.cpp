@@ -7,7 +7,6 @@
 #include "rioDio.h"
 
 #include <CLI/CLI.hpp>
-#include <limits>
 #include <memory>
 
 namespace dorn::tool {
@@ -32,9 +31,8 @@ Transfer transferOf(const TransferOptions& options)
     if (!options.file.starts_with('/')) {
         throw UsageError("FILE: '" + options.file + "' is no path on the board, which begins with '/'");
     }
-    return {
-        static_cast<std::uint16_t>(parseNumber("DEVICE", options.device, std::numeric_limits<std::uint16_t>::max())),
-        parseNumber("ADDRESS", options.address, std::numeric_limits<std::uint64_t>::max()), options.file};
+    return {parseUnsigned<std::uint16_t>("DEVICE", options.device),
+            parseUnsigned<std::uint64_t>("ADDRESS", options.address), options.file};
 }
 
 void verify(const Transfer& transfer)

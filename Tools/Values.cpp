@@ -129,6 +129,11 @@ Bytes bytesOf(const std::string& text)
     return bytes;
 }
 
+std::string nameOrNumber(std::string_view name, std::uint32_t number)
+{
+    return name.empty() ? std::to_string(number) : std::string(name);
+}
+
 std::string hexNumber(std::uint32_t value, int digits)
 {
     std::array<char, 16> text{};

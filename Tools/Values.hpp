@@ -7,9 +7,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace dorn::tool {
@@ -23,6 +25,13 @@ std::optional<std::uint64_t> readNumber(const std::string& text);
 
 /// The number that a person gave for @p what. @throws UsageError when it is none or greater than @p greatest.
 std::uint64_t parseNumber(const std::string& what, const std::string& text, std::uint64_t greatest);
+
+/// The same for a number of an unsigned type, which says how great it may be.
+template <class Unsigned>
+Unsigned parseUnsigned(const std::string& what, const std::string& text)
+{
+    return static_cast<Unsigned>(parseNumber(what, text, std::numeric_limits<Unsigned>::max()));
+}
 
 /// The size that a person gave for @p what: "1000000", or "256M" with a unit of 1024 bytes and its powers. At most
 /// 1024G.
@@ -42,6 +51,9 @@ Bytes parseHex(const std::string& what, const std::string& text);
 
 /// The bytes of a text.
 Bytes bytesOf(const std::string& text);
+
+/// The name of a number; the number itself where it has none.
+std::string nameOrNumber(std::string_view name, std::uint32_t number);
 
 /// "0x0200": at least @p digits hexadecimal digits.
 std::string hexNumber(std::uint32_t value, int digits);

@@ -5,7 +5,6 @@
 #include "Values.hpp"
 
 #include <CLI/CLI.hpp>
-#include <limits>
 #include <thread>
 
 namespace dorn::tool {
@@ -54,7 +53,7 @@ void StopRequest::onRequest()
 WatchProgress::WatchProgress(const WatchLimits& limits, const Console& console) : m_console(console)
 {
     if (!limits.count.empty()) {
-        m_wanted = parseNumber("--count", limits.count, std::numeric_limits<std::uint64_t>::max());
+        m_wanted = parseUnsigned<std::uint64_t>("--count", limits.count);
     }
     if (!limits.timeout.empty()) {
         m_until = host::Clock::get().monotonic() + parseSeconds("--timeout", limits.timeout);
