@@ -7,17 +7,6 @@
 namespace dorn::tool {
 namespace {
 
-/// A list of what @p toJson makes of each view.
-template <class View>
-Json listOf(const std::vector<View>& views, Json (*toJson)(const View&))
-{
-    Json list = Json::array();
-    for (const View& view : views) {
-        list.push_back(toJson(view));
-    }
-    return list;
-}
-
 template <class View>
 Json orNull(const std::optional<View>& view, Json (*toJson)(const View&))
 {
@@ -86,7 +75,8 @@ Json bootLoaderJson(const BootLoaderView& loader)
 
 Json fpgaJson(const FpgaView& fpga)
 {
-    return {{"id", fpga.id}, {"label", fpga.label}, {"version", fpga.version}, {"slots", listOf(fpga.slots, slotJson)}};
+    return {
+        {"id", fpga.id}, {"label", fpga.label}, {"version", fpga.version}, {"slots", jsonArray(fpga.slots, slotJson)}};
 }
 
 Json memoryJson(const MemoryView& memory)
@@ -99,12 +89,12 @@ Json memoryJson(const MemoryView& memory)
 
 Json deviceJson(const RioDeviceView& device)
 {
-    return {{"id", device.id}, {"label", device.label}, {"memories", listOf(device.memories, memoryJson)}};
+    return {{"id", device.id}, {"label", device.label}, {"memories", jsonArray(device.memories, memoryJson)}};
 }
 
 Json portJson(const RioPortView& port)
 {
-    return {{"port", port.number}, {"ownId", port.ownId}, {"devices", listOf(port.devices, deviceJson)}};
+    return {{"port", port.number}, {"ownId", port.ownId}, {"devices", jsonArray(port.devices, deviceJson)}};
 }
 
 Json fileSystemJson(const FileSystemView& fileSystem)
@@ -141,13 +131,13 @@ Json boardJson(const BoardView& board)
             {"lastReset", board.lastReset ? Json(timeText(*board.lastReset)) : Json(nullptr)},
             {"processor", orNull(board.processor, processorJson)},
             {"transceivers", transceiversJson(board.capability)},
-            {"units", listOf(board.units, unitJson)},
-            {"modules", listOf(board.modules, moduleJson)},
+            {"units", jsonArray(board.units, unitJson)},
+            {"modules", jsonArray(board.modules, moduleJson)},
             {"bootLoader", orNull(board.bootLoader, bootLoaderJson)},
-            {"fpgas", listOf(board.fpgas, fpgaJson)},
-            {"rapidio", listOf(board.rioPorts, portJson)},
-            {"fileSystems", listOf(board.fileSystems, fileSystemJson)},
-            {"sfpCages", listOf(board.cages, cageJson)}};
+            {"fpgas", jsonArray(board.fpgas, fpgaJson)},
+            {"rapidio", jsonArray(board.rioPorts, portJson)},
+            {"fileSystems", jsonArray(board.fileSystems, fileSystemJson)},
+            {"sfpCages", jsonArray(board.cages, cageJson)}};
 }
 
 } // namespace dorn::tool

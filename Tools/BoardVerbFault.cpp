@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "BoardVerbs.hpp"
+
 #include "DriverFaultText.hpp"
 #include "NodePlace.hpp"
 #include "Program.hpp"
@@ -8,8 +9,6 @@
 #include "node/PerNode.hpp"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <charconv>
 #include <memory>
 
 namespace dorn::tool {
@@ -87,9 +86,7 @@ Outcome list(const FaultOptions& options, Console& console)
 {
     const std::vector<DriverFault> faults = readFaults();
     if (options.asJson) {
-        Json json = Json::array();
-        std::transform(faults.begin(), faults.end(), std::back_inserter(json), driverFaultJson);
-        console.print(jsonText(json));
+        console.print(jsonText(jsonArray(faults, driverFaultJson)));
     } else if (!faults.empty()) {
         console.print(driverFaultsTable(faults, console));
     } else {
@@ -127,8 +124,7 @@ Outcome clear(const FaultOptions& options)
 
 std::uint32_t afterOf(const FaultOptions& options)
 {
-    constexpr std::uint64_t greatest = 0xFFFFFFFF;
-    return options.after.empty() ? 0 : static_cast<std::uint32_t>(parseNumber("--after", options.after, greatest));
+    return options.after.empty() ? 0 : parseUnsigned<std::uint32_t>("--after", options.after);
 }
 
 Outcome set(const FaultOptions& options, Console& console)

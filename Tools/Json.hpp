@@ -11,6 +11,17 @@ namespace dorn::tool {
 /// Members keep the order in which they are added.
 using Json = nlohmann::ordered_json;
 
+/// An array of what @p toJson makes of each item.
+template <class Items, class ToJson>
+Json jsonArray(const Items& items, const ToJson& toJson)
+{
+    Json array = Json::array();
+    for (const auto& item : items) {
+        array.push_back(toJson(item));
+    }
+    return array;
+}
+
 /// A whole answer: indented, with a line feed at the end. Bytes that are no UTF-8 are replaced.
 inline std::string jsonText(const Json& json)
 {

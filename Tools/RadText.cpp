@@ -4,8 +4,6 @@
 #include "Table.hpp"
 #include "Values.hpp"
 
-#include <algorithm>
-
 namespace dorn::tool {
 
 std::string radValueText(std::uint32_t value, RadBase base)
@@ -38,11 +36,7 @@ Json radJson(const RadEntry& entry)
 
 Json radJson(const std::vector<RadEntry>& entries)
 {
-    Json json = Json::array();
-    for (const RadEntry& entry : entries) {
-        json.push_back(radJson(entry));
-    }
-    return json;
+    return jsonArray(entries, [](const RadEntry& entry) { return radJson(entry); });
 }
 
 std::string radAddresses(const std::vector<RadEntry>& entries)

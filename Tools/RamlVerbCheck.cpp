@@ -116,17 +116,13 @@ Json findingJson(const RamlFinding& finding)
 Json checkedJson(const Checked& checked)
 {
     const RamlReading& reading = checked.reading;
-    Json json{{"file", checked.file},
-              {"result", nameOf(reading.result)},
-              {"code", static_cast<int>(reading.result)},
-              {"blocks", blockCount(reading)},
-              {"managedObjects", objectCount(reading)},
-              {"errorCount", reading.findingCount},
-              {"errors", Json::array()}};
-    for (const RamlFinding& finding : reading.findings) {
-        json["errors"].push_back(findingJson(finding));
-    }
-    return json;
+    return {{"file", checked.file},
+            {"result", nameOf(reading.result)},
+            {"code", static_cast<int>(reading.result)},
+            {"blocks", blockCount(reading)},
+            {"managedObjects", objectCount(reading)},
+            {"errorCount", reading.findingCount},
+            {"errors", jsonArray(reading.findings, findingJson)}};
 }
 
 Outcome checkAll(const CheckOptions& options, Console& console)

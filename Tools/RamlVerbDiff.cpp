@@ -30,11 +30,7 @@ Outcome diff(const DiffOptions& options, Console& console)
     const RAML_Type::pointer after = readGoodRaml(options.after, options.input, console);
     const std::vector<RamlChange> changes = diffRaml(*before, *after, RamlDiffFields::All);
     if (options.asJson) {
-        Json json = Json::array();
-        for (const RamlChange& change : changes) {
-            json.push_back(ramlChangeJson(change));
-        }
-        console.print(jsonText(json));
+        console.print(jsonText(jsonArray(changes, ramlChangeJson)));
     } else {
         for (const RamlChange& change : changes) {
             console.print(ramlChangeText(change, console));

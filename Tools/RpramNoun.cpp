@@ -15,7 +15,6 @@ namespace {
 constexpr const char* awaited = "the board's storage";
 constexpr const char* names = "dorn rpram list --names";
 constexpr const char* fieldHelp = "Name or number of the field";
-constexpr std::uint32_t greatestValue = 0xFFFFFFFF;
 
 struct ListOptions {
     bool isAll = false;
@@ -53,11 +52,7 @@ Outcome list(const ListOptions& options, Console& console)
     }
     const std::vector<RpramEntry> entries = answerOf(awaited, [&options] { return readEntries(options.isAll); });
     if (options.asJson) {
-        Json json = Json::array();
-        for (const RpramEntry& entry : entries) {
-            json.push_back(rpramJson(entry));
-        }
-        console.print(jsonText(json));
+        console.print(jsonText(jsonArray(entries, rpramJson)));
     } else if (!entries.empty()) {
         console.print(rpramTable(entries, console));
     } else {
@@ -91,7 +86,7 @@ Outcome get(const FieldOptions& options, Console& console)
 Outcome set(const FieldOptions& options)
 {
     const RpramField& field = rpramFieldNamed(options.field);
-    const auto value = static_cast<std::uint32_t>(parseNumber("VALUE", options.value, greatestValue));
+    const auto value = parseUnsigned<std::uint32_t>("VALUE", options.value);
     if (options.text.find('\n') != std::string::npos) {
         throw UsageError("TEXT: a line feed in it would begin an earlier value");
     }

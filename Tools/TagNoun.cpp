@@ -70,11 +70,7 @@ Outcome list(const ListOptions& options, Console& console)
     std::vector<host::Tag> tags = answerOf(awaited, [] { return openStore().list(); });
     std::erase_if(tags, [&options](const host::Tag& tag) { return !tag.name.starts_with(options.prefix); });
     if (options.asJson) {
-        Json json = Json::array();
-        for (const host::Tag& tag : tags) {
-            json.push_back(tagJson(tag));
-        }
-        console.print(jsonText(json));
+        console.print(jsonText(jsonArray(tags, tagJson)));
     } else if (!tags.empty()) {
         console.print(options.asNames ? tagNames(tags) : tagTable(tags, console));
     }
@@ -116,12 +112,10 @@ Outcome get(const GetOptions& options, Console& console)
 Bytes valueOf(const SetOptions& options)
 {
     if (*options.asU16) {
-        const std::uint64_t number = parseNumber("--u16", options.value, 0xFFFF);
-        return numberBytes(static_cast<std::uint32_t>(number), TagForm::U16);
+        return numberBytes(parseUnsigned<std::uint16_t>("--u16", options.value), TagForm::U16);
     }
     if (*options.asU32) {
-        const std::uint64_t number = parseNumber("--u32", options.value, 0xFFFFFFFF);
-        return numberBytes(static_cast<std::uint32_t>(number), TagForm::U32);
+        return numberBytes(parseUnsigned<std::uint32_t>("--u32", options.value), TagForm::U32);
     }
     if (*options.asHex) {
         return parseHex("--hex", options.value);
