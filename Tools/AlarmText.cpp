@@ -22,16 +22,14 @@ std::string detailsText(const SAlarm& alarm)
     return missing == 0 ? text : text + "... " + std::to_string(missing) + " more";
 }
 
-/// A service of another node may hold the same cpid as one of this node.
-Party senderOf(const SAlarm& alarm, const Names& names)
+std::string stateText(const SAlarm& alarm)
 {
-    const bool isHere = alarm.sender >> 16 == names.ownNode;
-    return {isHere ? names.ofCpid(static_cast<TAaSysComCpid>(alarm.sender & 0xFFFFU)) : "", alarm.sender};
+    return nameOrNumber(nameIn(alarmStateNames, alarm.state), alarm.state);
 }
 
-std::string orNumber(const char* name, std::uint32_t number)
+std::string eventText(const SAlarmEventInd& event)
 {
-    return *name != '\0' ? name : std::to_string(number);
+    return nameOrNumber(nameIn(alarmEventNames, event.event), event.event);
 }
 
 Colour colourOf(const SAlarm& alarm)
@@ -46,13 +44,12 @@ Json timeOrNull(std::uint64_t microseconds)
 
 Json alarmJson(const SAlarm& alarm, const Names& names)
 {
-    const Party sender = senderOf(alarm, names);
     return {{"number", alarm.number},
-            {"state", orNumber(nameIn(alarmStateNames, alarm.state), alarm.state)},
+            {"state", stateText(alarm)},
             {"fault", alarm.faultId},
             {"name", nameIn(faultNames, alarm.faultId)},
             {"board", alarm.boardNumber},
-            {"sender", {{"name", sender.name}, {"node", sender.address >> 16}, {"cpid", sender.address & 0xFFFFU}}},
+            {"sender", partyJson(partyAt(alarm.sender, names))},
             {"count", alarm.count},
             {"raised", timeOrNull(alarm.raised)},
             {"reported", timeOrNull(alarm.reported)},
@@ -80,10 +77,10 @@ std::string alarmsTable(const std::vector<SAlarm>& alarms, const Names& names, c
     for (const SAlarm& alarm : alarms) {
         const std::string details = detailsText(alarm);
         table.add({std::to_string(alarm.number),
-                   {orNumber(nameIn(alarmStateNames, alarm.state), alarm.state), colourOf(alarm)},
+                   {stateText(alarm), colourOf(alarm)},
                    alarmFaultText(alarm.faultId),
                    std::to_string(alarm.boardNumber),
-                   partyText(senderOf(alarm, names), names.ownNode),
+                   partyText(partyAt(alarm.sender, names), names.ownNode),
                    std::to_string(alarm.count),
                    shortTimeText(wallOf(alarm.raised)),
                    shortTimeText(wallOf(alarm.reported)),
@@ -95,30 +92,24 @@ std::string alarmsTable(const std::vector<SAlarm>& alarms, const Names& names, c
 
 Json alarmsJson(const std::vector<SAlarm>& alarms, const Names& names)
 {
-    Json json = Json::array();
-    for (const SAlarm& alarm : alarms) {
-        json.push_back(alarmJson(alarm, names));
-    }
-    return json;
+    return jsonArray(alarms, [&names](const SAlarm& alarm) { return alarmJson(alarm, names); });
 }
 
 std::string alarmEventText(const SAlarmEventInd& event, const Names& names)
 {
     const SAlarm& alarm = event.alarm;
-    const std::string word = event.event == EAlarmEvent_Ended
-                                 ? orNumber(nameIn(alarmStateNames, alarm.state), alarm.state)
-                                 : orNumber(nameIn(alarmEventNames, event.event), event.event);
+    const std::string word = event.event == EAlarmEvent_Ended ? stateText(alarm) : eventText(event);
     const std::string details = detailsText(alarm);
     return timeText(wallOf(timeOf(event))) + " " + word + " " + std::to_string(alarm.number) + " " +
            alarmFaultText(alarm.faultId) + " board " + std::to_string(alarm.boardNumber) + " " +
-           partyText(senderOf(alarm, names), names.ownNode) + " count " + std::to_string(alarm.count) +
+           partyText(partyAt(alarm.sender, names), names.ownNode) + " count " + std::to_string(alarm.count) +
            (details.empty() ? "" : " details " + details);
 }
 
 Json alarmEventJson(const SAlarmEventInd& event, const Names& names)
 {
     return {{"time", timeText(wallOf(timeOf(event)))},
-            {"event", orNumber(nameIn(alarmEventNames, event.event), event.event)},
+            {"event", eventText(event)},
             {"alarm", alarmJson(event.alarm, names)}};
 }
 

@@ -3,19 +3,17 @@
 
 #include "Table.hpp"
 #include "syscom/MessageTap.hpp"
+#include "syscom/Node.hpp"
 
-#include <algorithm>
 #include <cstring>
 
 namespace dorn::tool {
 namespace {
 
-constexpr const char* dumpIndent = "    ";
+using host::cpidOf;
+using host::nodeOf;
 
-TAaSysComCpid cpidOf(TAaSysComSicad address)
-{
-    return static_cast<TAaSysComCpid>(address & 0xFFFFU);
-}
+constexpr const char* dumpIndent = "    ";
 
 std::string countText(std::size_t count, const std::string& one)
 {
@@ -29,29 +27,28 @@ std::string senderName(const SeenMessage& message, const Names& names)
     return name.empty() ? names.ofPid(message.pid) : name;
 }
 
-/// A service of another node may hold the same cpid as one of this node.
-std::string receiverName(const SeenMessage& message, const Names& names)
-{
-    return message.receiver >> 16 == names.ownNode ? names.ofCpid(cpidOf(message.receiver)) : "";
-}
-
-Json partyJson(const Party& party)
-{
-    return {{"name", party.name}, {"node", party.address >> 16}, {"cpid", cpidOf(party.address)}};
-}
-
 } // namespace
+
+Party partyAt(TAaSysComSicad address, const Names& names)
+{
+    return {nodeOf(address) == names.ownNode ? names.ofCpid(cpidOf(address)) : "", address};
+}
 
 std::string partyText(const Party& party, TAaSysComNid ownNode)
 {
     std::string text = printable(party.name);
     if (cpidOf(party.address) != 0) {
-        const TAaSysComNid node = party.address >> 16;
+        const TAaSysComNid node = nodeOf(party.address);
         text += text.empty() ? "" : " ";
         text += node == ownNode ? "" : hexNumber(node, 4) + ":";
         text += hexNumber(cpidOf(party.address), 4);
     }
     return text;
+}
+
+Json partyJson(const Party& party)
+{
+    return {{"name", party.name}, {"node", nodeOf(party.address)}, {"cpid", cpidOf(party.address)}};
 }
 
 std::optional<SeenMessage> readTapRecord(BytesView record)
@@ -103,7 +100,7 @@ std::string messageText(const SeenMessage& message, const Names& names, bool isD
     if (sender.name.empty()) {
         sender.name = "process " + std::to_string(message.pid);
     }
-    const Party receiver{receiverName(message, names), message.receiver};
+    const Party receiver = partyAt(message.receiver, names);
     std::string text = timeText(message.wall) + " " + hexNumber(message.id, 4) + " " +
                        partyText(sender, names.ownNode) + " -> " + partyText(receiver, names.ownNode) + " " +
                        countText(message.length, "byte");
@@ -125,7 +122,7 @@ Json messageJson(const SeenMessage& message, const Names& names, bool isDumped)
     Json json{{"time", timeText(message.wall)},
               {"id", message.id},
               {"sender", sender},
-              {"receiver", partyJson({receiverName(message, names), message.receiver})},
+              {"receiver", partyJson(partyAt(message.receiver, names))},
               {"length", message.length}};
     if (isDumped) {
         json["payload"] = hexText(message.payload);

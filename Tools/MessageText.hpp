@@ -24,6 +24,9 @@ struct Party {
 /// "LedS 0x0212"; what is not known is left out, the node is added where it is not @p ownNode.
 std::string partyText(const Party& party, TAaSysComNid ownNode);
 
+/// {"name": "LedS", "node": 3841, "cpid": 530}
+Json partyJson(const Party& party);
+
 /// What a watcher learns of a message.
 struct SeenMessage {
     host::Nanoseconds wall; ///< when it was sent
@@ -53,6 +56,9 @@ struct Names {
     std::function<std::string(TAaSysComCpid)> ofCpid; ///< the service that holds it; empty for none
     std::function<std::string(std::int32_t)> ofPid;   ///< the service that the process is; empty for none
 };
+
+/// Who has an address. A service of another node may hold the same cpid as one of this node, and has no name here.
+Party partyAt(TAaSysComSicad address, const Names& names);
 
 /// "<time> 3 messages of ClimateS missed"
 std::string missedText(const SeenMessage& message, const Names& names);

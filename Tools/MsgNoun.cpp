@@ -11,9 +11,9 @@
 #include "Watch.hpp"
 #include "node/PerNode.hpp"
 #include "syscom/MessageTap.hpp"
+#include "syscom/Node.hpp"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cstring>
 #include <memory>
 
@@ -75,10 +75,10 @@ Letter letterOf(const SendOptions& options)
 {
     Letter letter;
     if (readNumber(options.receiver)) {
-        letter.cpid = static_cast<TAaSysComCpid>(parseNumber("CPID", options.receiver, 0xFFFF));
+        letter.cpid = parseUnsigned<TAaSysComCpid>("CPID", options.receiver);
     }
     if (!options.id.empty()) {
-        letter.id = static_cast<TAaSysComMsgId>(parseNumber("--id", options.id, 0xFFFFFFFF));
+        letter.id = parseUnsigned<TAaSysComMsgId>("--id", options.id);
     }
     letter.payload = options.text.empty() ? parseHex("--payload", options.payload) : bytesOf(options.text);
     if (letter.payload.size() > AA_SYS_COM_MAX_PAYLOAD) {
@@ -89,15 +89,15 @@ Letter letterOf(const SendOptions& options)
         letter.patience = parseSeconds("--wait-reply", options.patience);
     }
     if (!options.node.empty()) {
-        letter.node = static_cast<TAaSysComNid>(parseNumber("--node", options.node, 0xFFFF));
+        letter.node = parseUnsigned<std::uint16_t>("--node", options.node);
     }
     return letter;
 }
 
 std::string reasonOf(std::int32_t status, TAaSysComSicad receiver)
 {
-    const std::string node = "node " + hexNumber(receiver >> 16, 4);
-    const std::string cpid = "cpid " + hexNumber(receiver & 0xFFFFU, 4);
+    const std::string node = "node " + hexNumber(host::nodeOf(receiver), 4);
+    const std::string cpid = "cpid " + hexNumber(host::cpidOf(receiver), 4);
     switch (status) {
     case EAaSysComStatus_NoReceiver:
         return "nobody holds " + cpid + " on " + node + "; 'dorn service list' shows who is there";
@@ -140,11 +140,8 @@ Reply awaitReply(const Letter& letter, const SendOptions& options, NameBook& nam
         throw Failure("sent, but no reply came within " + options.patience + " s");
     }
     const TAaSysComSicad sender = AaSysComMsgGetSender(message.get());
-    const bool isHere = sender >> 16 == ownNode();
     const BytesView payload = payloadOf(message.get());
-    return {AaSysComMsgGetId(message.get()),
-            {isHere ? names.ofCpid(static_cast<TAaSysComCpid>(sender & 0xFFFFU)) : "", sender},
-            Bytes(payload.begin(), payload.end())};
+    return {AaSysComMsgGetId(message.get()), {names.ofAddress(sender), sender}, Bytes(payload.begin(), payload.end())};
 }
 
 Outcome send(const SendOptions& options, Console& console)
@@ -172,10 +169,10 @@ MessageFilter filterOf(const WatchOptions& options)
 {
     MessageFilter filter;
     if (!options.id.empty()) {
-        filter.id = static_cast<TAaSysComMsgId>(parseNumber("--id", options.id, 0xFFFFFFFF));
+        filter.id = parseUnsigned<TAaSysComMsgId>("--id", options.id);
     }
     if (!options.cpid.empty()) {
-        filter.cpid = static_cast<TAaSysComCpid>(parseNumber("--cpid", options.cpid, 0xFFFF));
+        filter.cpid = parseUnsigned<TAaSysComCpid>("--cpid", options.cpid);
     }
     return filter;
 }

@@ -69,7 +69,7 @@ std::string NameBook::ofPid(std::int32_t pid)
 
 std::string NameBook::ofAddress(TAaSysComSicad address)
 {
-    return address >> 16 == ownNode() ? ofCpid(static_cast<TAaSysComCpid>(address & 0xFFFFU)) : "";
+    return host::nodeOf(address) == ownNode() ? ofCpid(host::cpidOf(address)) : "";
 }
 
 TAaSysComCpid NameBook::cpidOf(const std::string& name)

@@ -10,31 +10,25 @@ namespace {
 using namespace examples;
 using namespace vel::hwapi::common;
 
-/// The name of a number; the number where there is none; "-" for 0, which stands for nothing yet.
-std::string orNumber(const char* name, std::uint32_t number)
+/// The name of a number, the number where there is none; "-" for 0, which stands for nothing yet.
+std::string nameOrDash(const char* name, std::uint32_t number)
 {
-    return *name != '\0' ? name : number == 0 ? "-" : std::to_string(number);
+    return number == 0 ? "-" : nameOrNumber(name, number);
 }
 
 std::string stateText(const SRedundantService& service)
 {
-    return orNumber(redundancyStateName(service.state), service.state);
+    return nameOrDash(redundancyStateName(service.state), service.state);
 }
 
 std::string commandText(const SRedundantService& service)
 {
-    return orNumber(nameIn(redundancyCommandNames, service.command), service.command);
+    return nameOrDash(nameIn(redundancyCommandNames, service.command), service.command);
 }
 
 std::string modeText(const SRedundantService& service)
 {
-    return orNumber(nameIn(redundancyModeNames, service.mode), service.mode);
-}
-
-Party partyOf(const SRedundantService& service, const Names& names)
-{
-    const bool isHere = service.address >> 16 == names.ownNode;
-    return {isHere ? names.ofCpid(static_cast<TAaSysComCpid>(service.address & 0xFFFFU)) : "", service.address};
+    return nameOrDash(nameIn(redundancyModeNames, service.mode), service.mode);
 }
 
 Colour colourOf(const SRedundantService& service)
@@ -57,7 +51,7 @@ Colour colourOf(const SRedundantService& service)
 
 std::string roleText(std::uint32_t role)
 {
-    return role < unitRoleNames.size() ? unitRoleNames[role] : std::to_string(role);
+    return nameOrNumber(nameIn(unitRoleNames, role), role);
 }
 
 std::string redundancyText(std::uint32_t role, const std::vector<SRedundantService>& services, const Names& names,
@@ -69,7 +63,7 @@ std::string redundancyText(std::uint32_t role, const std::vector<SRedundantServi
     }
     Table table({"SERVICE", "MODE", "STATE", "AFTER"});
     for (const SRedundantService& service : services) {
-        table.add({partyText(partyOf(service, names), names.ownNode),
+        table.add({partyText(partyAt(service.address, names), names.ownNode),
                    modeText(service),
                    {stateText(service), colourOf(service)},
                    commandText(service)});
@@ -81,13 +75,11 @@ Json redundancyJson(std::uint32_t role, const std::vector<SRedundantService>& se
 {
     Json list = Json::array();
     for (const SRedundantService& service : services) {
-        const Party party = partyOf(service, names);
-        list.push_back({{"name", party.name},
-                        {"node", party.address >> 16},
-                        {"cpid", party.address & 0xFFFFU},
-                        {"mode", modeText(service)},
-                        {"state", service.state == 0 ? Json(nullptr) : Json(stateText(service))},
-                        {"command", service.command == 0 ? Json(nullptr) : Json(commandText(service))}});
+        Json json = partyJson(partyAt(service.address, names));
+        json["mode"] = modeText(service);
+        json["state"] = service.state == 0 ? Json(nullptr) : Json(stateText(service));
+        json["command"] = service.command == 0 ? Json(nullptr) : Json(commandText(service));
+        list.push_back(std::move(json));
     }
     return {{"unit", roleText(role)}, {"services", list}};
 }
@@ -95,7 +87,7 @@ Json redundancyJson(std::uint32_t role, const std::vector<SRedundantService>& se
 std::string failureText(const SRedundantService& service, const Names& names)
 {
     const std::string state = service.state == 0 ? "no state" : stateText(service);
-    return partyText(partyOf(service, names), names.ownNode) + " after " + commandText(service) + ": " + state;
+    return partyText(partyAt(service.address, names), names.ownNode) + " after " + commandText(service) + ": " + state;
 }
 
 } // namespace dorn::tool

@@ -57,7 +57,7 @@ const char* FrameInlet::whyBad(std::span<const std::byte> frame, bool isCut, con
     if (const char* const reason = whyNoMessage(frame, isCut, header)) {
         return reason;
     }
-    if (!isOwnNode(header.receiver >> 16) || (header.receiver & 0xFFFFU) != m_cpid) {
+    if (!isOwnNode(nodeOf(header.receiver)) || cpidOf(header.receiver) != m_cpid) {
         return "it is for another receiver";
     }
     if (!isCredible(header.sender, peer)) {
@@ -88,8 +88,8 @@ bool FrameInlet::isCredible(TAaSysComSicad sender, const Peer& peer)
 {
     const CpidRegistry* const registry = PerNode<CpidRegistry>::ifOpen(); // null only while it is being closed
     const CpidStore* const store = registry ? &registry->store() : nullptr;
-    if (sender == 0 || isOwnNode(sender >> 16)) {
-        return m_senders.isCredible(static_cast<TAaSysComCpid>(sender & 0xFFFFU), peer, store);
+    if (sender == 0 || isOwnNode(nodeOf(sender))) {
+        return m_senders.isCredible(cpidOf(sender), peer, store);
     }
     return m_senders.isGateway(peer, store);
 }

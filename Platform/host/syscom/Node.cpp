@@ -28,7 +28,7 @@ struct OwnNode {
 std::uint32_t nodeMapEntry(TAaSysComSicad sicad, const char* property)
 {
     std::array<char, 32> name{};
-    std::snprintf(name.data(), name.size(), "sys.nmap.%04x.%s", static_cast<unsigned>(sicad >> 16), property);
+    std::snprintf(name.data(), name.size(), "sys.nmap.%04x.%s", static_cast<unsigned>(nodeOf(sicad)), property);
     std::uint32_t value = 0;
     return AaConfigTagGetU32(name.data(), &value) == EAaConfigTagStatus_Ok ? value : 0;
 }

@@ -1,11 +1,23 @@
 // SPDX-License-Identifier: MIT
 /// @file Node.hpp
-/// The own node's id in addresses.
+/// Addresses: what they are made of, and which of them are the own node's.
 #pragma once
 
 #include "AaSysCom.h"
 
 namespace dorn::host {
+
+/// The node that an address leads to.
+constexpr TAaSysComNid nodeOf(TAaSysComSicad address)
+{
+    return address >> 16;
+}
+
+/// The cpid that an address leads to on its node.
+constexpr TAaSysComCpid cpidOf(TAaSysComSicad address)
+{
+    return static_cast<TAaSysComCpid>(address & 0xFFFFU);
+}
 
 /// The id by which addresses know a node: its own, or 0x0F01 when it has none.
 constexpr TAaSysComNid idInAddresses(TAaSysComNid own)

@@ -37,10 +37,10 @@ namespace {
 EAaSysComStatus sendOut(const Message& message, Nanoseconds patience)
 {
     const TAaSysComSicad receiver = message.header.receiver;
-    if (isOwnNode(receiver >> 16)) {
-        return activeTransport().send(static_cast<TAaSysComCpid>(receiver & 0xFFFFU), message.frame(), patience);
+    if (isOwnNode(nodeOf(receiver))) {
+        return activeTransport().send(cpidOf(receiver), message.frame(), patience);
     }
-    return activeTransport().sendToNode(receiver >> 16, message.frame(), patience);
+    return activeTransport().sendToNode(nodeOf(receiver), message.frame(), patience);
 }
 
 } // namespace
@@ -48,8 +48,7 @@ EAaSysComStatus sendOut(const Message& message, Nanoseconds patience)
 EAaSysComStatus post(std::unique_ptr<Message, MessageDeleter>& message, Nanoseconds patience)
 {
     const TAaSysComSicad receiver = message->header.receiver;
-    const auto cpid = static_cast<TAaSysComCpid>(receiver & 0xFFFFU);
-    if (const TAaProEuId eu = localHolder(cpid); eu != 0 && isOwnNode(receiver >> 16)) {
+    if (const TAaProEuId eu = localHolder(cpidOf(receiver)); eu != 0 && isOwnNode(nodeOf(receiver))) {
         return postToEu(message, eu, patience);
     }
     try {
