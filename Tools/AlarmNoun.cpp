@@ -5,13 +5,11 @@
 #include "AlarmText.hpp"
 #include "AskedService.hpp"
 #include "Program.hpp"
-#include "TimeLimit.hpp"
 #include "Watch.hpp"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstring>
-#include <limits>
 #include <memory>
 #include <optional>
 
@@ -21,7 +19,6 @@ namespace {
 using namespace examples;
 
 constexpr AskedService faultManager{faultManagerCpid, "the fault manager", "DornFaultManagerExe"};
-constexpr const char* awaited = "the fault manager";
 
 struct ListOptions {
     bool isActiveWanted = false;
@@ -48,7 +45,7 @@ bool areAllWanted(const ListOptions& options)
 
 std::vector<SAlarm> readAlarms(const ListOptions& options)
 {
-    const auto answer = ask<AlarmListReqMsg, AlarmListRespMsg>(faultManager, {newTransactionId()});
+    const auto answer = askOnce<AlarmListReqMsg, AlarmListRespMsg>(faultManager, {newTransactionId()});
     auto alarms = answer.items<SAlarm>(std::size_t{answer->activeCount} + answer->pastCount);
     std::erase_if(alarms, [&](const SAlarm& alarm) {
         return !areAllWanted(options) && (alarm.state == EAlarmState_Active) != options.isActiveWanted;
@@ -59,12 +56,7 @@ std::vector<SAlarm> readAlarms(const ListOptions& options)
 Outcome list(const ListOptions& options, Console& console)
 {
     const NodePlace node;
-    node.require(NodePart::Messages);
-    std::vector<SAlarm> alarms;
-    answerOf(awaited, [&] {
-        const CommunicationPoint point;
-        alarms = readAlarms(options);
-    });
+    const std::vector<SAlarm> alarms = readAlarms(options);
     NameBook book(node);
     if (options.asJson) {
         console.print(jsonText(alarmsJson(alarms, book.names())));
@@ -83,20 +75,12 @@ Outcome clear(const ClearOptions& options, Console&)
     if (options.isAllWanted == !options.number.empty()) {
         throw UsageError("give the number of an alarm, or --all");
     }
-    constexpr auto greatest = std::numeric_limits<std::uint32_t>::max();
-    const auto number =
-        options.isAllWanted ? 0 : static_cast<std::uint32_t>(parseNumber("ALARM", options.number, greatest));
+    const auto number = options.isAllWanted ? 0 : parseUnsigned<std::uint32_t>("ALARM", options.number);
     if (number == 0 && !options.isAllWanted) {
         throw UsageError("no alarm has the number 0");
     }
-    const NodePlace node;
-    node.require(NodePart::Messages);
-    std::uint32_t cleared = 0;
-    answerOf(awaited, [&] {
-        const CommunicationPoint point;
-        cleared = ask<AlarmClearReqMsg, AlarmClearRespMsg>(faultManager, {newTransactionId(), number})->clearedCount;
-    });
-    if (cleared == 0 && !options.isAllWanted) {
+    const auto answer = askOnce<AlarmClearReqMsg, AlarmClearRespMsg>(faultManager, {newTransactionId(), number});
+    if (answer->clearedCount == 0 && !options.isAllWanted) {
         throw Failure("no alarm " + options.number + " is active; 'dorn alarm list' shows those that are");
     }
     return Outcome::Fine;
@@ -174,7 +158,7 @@ Outcome watch(const WatchOptions& options, Console& console)
     const Names names = book.names();
     const CommunicationPoint point;
     const StopRequest stop([eu = AaProEuCurrent()] { AaSysComEuWakeUp(eu); });
-    const auto subscription = answerOf(awaited, [&] { return std::make_unique<Subscription>(console); });
+    const auto subscription = answerOf(faultManager.name, [&] { return std::make_unique<Subscription>(console); });
     while (progress.wantsMore() && !stop.hasCome()) {
         const MessageHandle message = receive(std::min(progress.until(), subscription->renewAt()));
         subscription->renewWhenDue();

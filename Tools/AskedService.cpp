@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "AskedService.hpp"
 
-#include "TimeLimit.hpp"
-
 #include <atomic>
 #include <unistd.h>
 

@@ -4,7 +4,9 @@
 #pragma once
 
 #include "NodeMessages.hpp"
+#include "NodePlace.hpp"
 #include "Outcome.hpp"
+#include "TimeLimit.hpp"
 
 #include <cstring>
 #include <span>
@@ -34,6 +36,7 @@ public:
         std::memcpy(&m_record, payloadOf(m_message.get()).data(), sizeof m_record);
     }
     const Record* operator->() const { return &m_record; }
+    const Record& operator*() const { return m_record; }
 
     /// The records that follow; @p count were announced. @throws Failure when they are not there.
     template <class Item>
@@ -75,6 +78,18 @@ Answer<RecordOf<Response>> ask(const AskedService& service, const RecordOf<Reque
 {
     return Answer<RecordOf<Response>>(askService(service, Request::ID, std::as_bytes(std::span(&request, 1)),
                                                  Response::ID, sizeof(RecordOf<Response>)));
+}
+
+/// The one question of a command: looks whether there are messages on the node at all, asks from a communication point
+/// of its own, and gives up when that takes longer than a command may.
+template <class Request, class Response>
+Answer<RecordOf<Response>> askOnce(const AskedService& service, const RecordOf<Request>& request)
+{
+    NodePlace().require(NodePart::Messages);
+    return answerOf(service.name, [&] {
+        const CommunicationPoint point;
+        return ask<Request, Response>(service, request);
+    });
 }
 
 /// A number for a request of this process. May be called from any thread.

@@ -4,7 +4,6 @@
 #include "AskedService.hpp"
 #include "ClockText.hpp"
 #include "Program.hpp"
-#include "TimeLimit.hpp"
 
 #include <CLI/CLI.hpp>
 #include <charconv>
@@ -48,12 +47,7 @@ constexpr Event events[] = {
 
 Outcome show(const ShowOptions& options, Console& console)
 {
-    NodePlace().require(NodePart::Messages);
-    SClockShowResp clock{};
-    answerOf(clockService.name, [&clock] {
-        const CommunicationPoint point;
-        clock = *ask<ClockShowReqMsg, ClockShowRespMsg>(clockService, {newTransactionId()}).operator->();
-    });
+    const SClockShowResp clock = *askOnce<ClockShowReqMsg, ClockShowRespMsg>(clockService, {newTransactionId()});
     console.print(options.asJson ? jsonText(clockJson(clock)) : clockTable(clock, console));
     return Outcome::Fine;
 }
@@ -61,13 +55,7 @@ Outcome show(const ShowOptions& options, Console& console)
 /// Has something happen. @return EClockActStatus
 std::uint32_t act(EClockAction action, double amount)
 {
-    NodePlace().require(NodePart::Messages);
-    std::uint32_t status = EClockActStatus_Done;
-    answerOf(clockService.name, [&] {
-        const CommunicationPoint point;
-        status = ask<ClockActReqMsg, ClockActRespMsg>(clockService, {newTransactionId(), action, amount})->status;
-    });
-    return status;
+    return askOnce<ClockActReqMsg, ClockActRespMsg>(clockService, {newTransactionId(), action, amount})->status;
 }
 
 Outcome happen(const Event& event)

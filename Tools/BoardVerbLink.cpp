@@ -5,7 +5,6 @@
 #include "LinkNames.hpp"
 #include "LinkText.hpp"
 #include "Program.hpp"
-#include "TimeLimit.hpp"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -31,13 +30,8 @@ struct BreakOptions {
 
 Outcome show(const ShowOptions& options, Console& console)
 {
-    NodePlace().require(NodePart::Messages);
-    std::vector<SLink> links;
-    answerOf(linkService.name, [&links] {
-        const CommunicationPoint point;
-        const auto answer = ask<LinkShowReqMsg, LinkShowRespMsg>(linkService, {newTransactionId()});
-        links = answer.items<SLink>(answer->linkCount);
-    });
+    const auto answer = askOnce<LinkShowReqMsg, LinkShowRespMsg>(linkService, {newTransactionId()});
+    const auto links = answer.items<SLink>(answer->linkCount);
     if (options.asJson) {
         console.print(jsonText(linksJson(links)));
     } else {
@@ -59,12 +53,7 @@ std::uint32_t setBroken(const std::string& link, std::uint32_t parts)
         failAsUnknown(link);
     }
     std::copy(link.begin(), link.end(), request.name.begin());
-    NodePlace().require(NodePart::Messages);
-    std::uint32_t status = ELinkBreakStatus_Done;
-    answerOf(linkService.name, [&] {
-        const CommunicationPoint point;
-        status = ask<LinkBreakReqMsg, LinkBreakRespMsg>(linkService, request)->status;
-    });
+    const std::uint32_t status = askOnce<LinkBreakReqMsg, LinkBreakRespMsg>(linkService, request)->status;
     if (status == ELinkBreakStatus_NoSuchLink) {
         failAsUnknown(link);
     }

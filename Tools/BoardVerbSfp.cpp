@@ -4,10 +4,8 @@
 #include "AskedService.hpp"
 #include "Program.hpp"
 #include "SfpText.hpp"
-#include "TimeLimit.hpp"
 
 #include <CLI/CLI.hpp>
-#include <limits>
 #include <memory>
 
 namespace dorn::tool {
@@ -29,13 +27,8 @@ struct CageOptions {
 
 Outcome show(const ShowOptions& options, Console& console)
 {
-    NodePlace().require(NodePart::Messages);
-    std::vector<SSfpCage> cages;
-    answerOf(sfpService.name, [&cages] {
-        const CommunicationPoint point;
-        const auto answer = ask<SfpShowReqMsg, SfpShowRespMsg>(sfpService, {newTransactionId()});
-        cages = answer.items<SSfpCage>(answer->cageCount);
-    });
+    const auto answer = askOnce<SfpShowReqMsg, SfpShowRespMsg>(sfpService, {newTransactionId()});
+    const auto cages = answer.items<SSfpCage>(answer->cageCount);
     if (options.asJson) {
         console.print(jsonText(sfpJson(cages)));
     } else {
@@ -47,15 +40,9 @@ Outcome show(const ShowOptions& options, Console& console)
 /// Plugs a module into a cage, or pulls it.
 Outcome plug(const CageOptions& options, bool isPlugged)
 {
-    constexpr auto greatest = std::numeric_limits<std::uint32_t>::max();
-    const auto cage = static_cast<std::uint32_t>(parseNumber("CAGE", options.cage, greatest));
-    NodePlace().require(NodePart::Messages);
-    std::uint32_t status = ESfpPlugStatus_Done;
-    answerOf(sfpService.name, [&] {
-        const CommunicationPoint point;
-        const SSfpPlugReq request{newTransactionId(), cage, isPlugged ? 1U : 0U};
-        status = ask<SfpPlugReqMsg, SfpPlugRespMsg>(sfpService, request)->status;
-    });
+    const auto cage = parseUnsigned<std::uint32_t>("CAGE", options.cage);
+    const SSfpPlugReq request{newTransactionId(), cage, isPlugged ? 1U : 0U};
+    const std::uint32_t status = askOnce<SfpPlugReqMsg, SfpPlugRespMsg>(sfpService, request)->status;
     if (status == ESfpPlugStatus_NoSuchCage) {
         throw Failure("the board has no cage " + options.cage + "; 'dorn board sfp show' lists those that it has");
     }

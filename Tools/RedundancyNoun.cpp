@@ -4,7 +4,6 @@
 #include "AskedService.hpp"
 #include "Program.hpp"
 #include "RedundancyText.hpp"
-#include "TimeLimit.hpp"
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -15,7 +14,6 @@ namespace {
 using namespace examples;
 
 constexpr AskedService redundancyManager{redundancyManagerCpid, "the redundancy manager", "DornRedundancyManagerExe"};
-constexpr const char* awaited = "the redundancy manager";
 
 struct ShowOptions {
     bool asJson = false;
@@ -25,26 +23,13 @@ struct SwitchOptions {
     std::string role;
 };
 
-/// What the manager has answered, whichever the question.
-struct Unit {
-    std::uint32_t status = ERedundancySwitchStatus_Done;
-    std::uint32_t role = EUnitRole_Between;
-    std::vector<SRedundantService> services;
-};
-
 Outcome show(const ShowOptions& options, Console& console)
 {
-    const NodePlace node;
-    node.require(NodePart::Messages);
-    Unit unit;
-    answerOf(awaited, [&unit] {
-        const CommunicationPoint point;
-        const auto answer = ask<RedundancyShowReqMsg, RedundancyShowRespMsg>(redundancyManager, {newTransactionId()});
-        unit = {ERedundancySwitchStatus_Done, answer->role, answer.items<SRedundantService>(answer->serviceCount)};
-    });
-    NameBook book(node);
-    console.print(options.asJson ? jsonText(redundancyJson(unit.role, unit.services, book.names()))
-                                 : redundancyText(unit.role, unit.services, book.names(), console));
+    const auto answer = askOnce<RedundancyShowReqMsg, RedundancyShowRespMsg>(redundancyManager, {newTransactionId()});
+    const auto services = answer.items<SRedundantService>(answer->serviceCount);
+    NameBook book{NodePlace()};
+    console.print(options.asJson ? jsonText(redundancyJson(answer->role, services, book.names()))
+                                 : redundancyText(answer->role, services, book.names(), console));
     return Outcome::Fine;
 }
 
@@ -59,14 +44,15 @@ EUnitRole roleOf(const std::string& text)
     throw UsageError("'" + text + "' is no role: give 'active' or 'standby'");
 }
 
-[[noreturn]] void explain(const Unit& unit, const std::string& role, const NodePlace& node)
+[[noreturn]] void explain(const SRedundancySwitchResp& answer, const std::vector<SRedundantService>& failed,
+                          const std::string& role)
 {
-    if (unit.status == ERedundancySwitchStatus_Busy) {
+    if (answer.status == ERedundancySwitchStatus_Busy) {
         throw Failure("the redundancy manager is busy with another question or switch; try again");
     }
-    NameBook book(node);
-    std::string text = "the unit has not become " + role + " and is now '" + roleText(unit.role) + "'";
-    for (const SRedundantService& service : unit.services) {
+    NameBook book{NodePlace()};
+    std::string text = "the unit has not become " + role + " and is now '" + roleText(answer.role) + "'";
+    for (const SRedundantService& service : failed) {
         text += "; " + failureText(service, book.names());
     }
     throw Failure(text);
@@ -74,18 +60,11 @@ EUnitRole roleOf(const std::string& text)
 
 Outcome switchOver(const SwitchOptions& options, Console&)
 {
-    const EUnitRole role = roleOf(options.role);
-    const NodePlace node;
-    node.require(NodePart::Messages);
-    Unit unit;
-    answerOf(awaited, [&] {
-        const CommunicationPoint point;
-        const auto answer =
-            ask<RedundancySwitchReqMsg, RedundancySwitchRespMsg>(redundancyManager, {newTransactionId(), role});
-        unit = {answer->status, answer->role, answer.items<SRedundantService>(answer->serviceCount)};
-    });
-    if (unit.status != ERedundancySwitchStatus_Done) {
-        explain(unit, options.role, node);
+    const auto answer = askOnce<RedundancySwitchReqMsg, RedundancySwitchRespMsg>(
+        redundancyManager, {newTransactionId(), roleOf(options.role)});
+    const auto failed = answer.items<SRedundantService>(answer->serviceCount);
+    if (answer->status != ERedundancySwitchStatus_Done) {
+        explain(*answer, failed, options.role);
     }
     return Outcome::Fine;
 }
