@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ServiceList.hpp"
 
+#include "ServiceState.hpp"
 #include "Table.hpp"
 #include "Values.hpp"
 #include "rad/ERadHwapiState.h"
@@ -12,9 +13,10 @@
 namespace dorn::tool {
 namespace {
 
-constexpr std::uint32_t endedState = 4;
-constexpr std::uint32_t failedState = 5;
+using namespace vel::hwapi::common;
+
 constexpr std::array<const char*, 6> stateWords{"", "starting", "waiting", "handling", "ended", "failed"};
+static_assert(stateWords.size() == EServiceState_Failed + 1);
 
 void sortByName(std::vector<host::EeInfo>& services)
 {
@@ -30,8 +32,8 @@ Cell stateCell(const host::EeInfo& service)
     const std::string number = state ? std::to_string(state->value) : std::string();
     const std::string between = number.empty() || condition.empty() ? "" : " ";
     const std::string text = number + between + condition;
-    const bool hasEndedWell = state && state->value == endedState;
-    const bool isWrong = (!service.alive && !hasEndedWell) || (state && state->value == failedState);
+    const bool hasEndedWell = state && state->value == EServiceState_Ended;
+    const bool isWrong = (!service.alive && !hasEndedWell) || (state && state->value == EServiceState_Failed);
     return {text.empty() ? "-" : text, isWrong ? Colour::Red : service.alive ? Colour::Green : Colour::Faint};
 }
 
@@ -45,17 +47,19 @@ Json timeOrNull(std::int64_t wall)
     return wall == 0 ? Json(nullptr) : Json(timeText(host::Nanoseconds(wall)));
 }
 
+Json publishedJson(const host::EeInfo::Published& entry)
+{
+    return {{"id", entry.id}, {"value", entry.value}, {"moved", timeOrNull(entry.when)}};
+}
+
+Json cpidJson(const host::EeInfo::Cpid& entry)
+{
+    return {{"cpid", entry.cpid}, {"eu", entry.euName}};
+}
+
 Json serviceJson(const host::EeInfo& service)
 {
     const auto state = stateOf(service);
-    Json published = Json::array();
-    for (const host::EeInfo::Published& entry : service.published) {
-        published.push_back({{"id", entry.id}, {"value", entry.value}, {"moved", timeOrNull(entry.when)}});
-    }
-    Json cpids = Json::array();
-    for (const host::EeInfo::Cpid& entry : service.cpids) {
-        cpids.push_back({{"cpid", entry.cpid}, {"eu", entry.euName}});
-    }
     return {{"name", service.name},
             {"pid", service.pid},
             {"cpid", service.isGranted ? Json(service.cpid) : Json(nullptr)},
@@ -64,8 +68,8 @@ Json serviceJson(const host::EeInfo& service)
             {"condition", conditionOf(service)},
             {"started", timeOrNull(service.since)},
             {"moved", state ? timeOrNull(state->when) : Json(nullptr)},
-            {"published", published},
-            {"cpids", cpids}};
+            {"published", jsonArray(service.published, publishedJson)},
+            {"cpids", jsonArray(service.cpids, cpidJson)}};
 }
 
 } // namespace
@@ -79,8 +83,8 @@ std::optional<host::EeInfo::Published> stateOf(const host::EeInfo& service)
         return std::nullopt;
     }
     host::EeInfo::Published state = *found;
-    if (state.value == endedState && state.before == failedState) {
-        state.value = failedState;
+    if (state.value == EServiceState_Ended && state.before == EServiceState_Failed) {
+        state.value = EServiceState_Failed;
     }
     return state;
 }
@@ -94,7 +98,7 @@ std::string conditionOf(const host::EeInfo& service)
 {
     const auto state = stateOf(service);
     const std::string word = state ? stateWord(state->value) : "";
-    const bool hasSaidItsEnd = state && (state->value == endedState || state->value == failedState);
+    const bool hasSaidItsEnd = state && (state->value == EServiceState_Ended || state->value == EServiceState_Failed);
     if (service.alive || hasSaidItsEnd) {
         return word;
     }
@@ -117,11 +121,7 @@ std::string servicesTable(std::vector<host::EeInfo> services, const Console& con
 Json servicesJson(std::vector<host::EeInfo> services)
 {
     sortByName(services);
-    Json json = Json::array();
-    for (const host::EeInfo& service : services) {
-        json.push_back(serviceJson(service));
-    }
-    return json;
+    return jsonArray(services, serviceJson);
 }
 
 std::string serviceNames(std::vector<host::EeInfo> services)

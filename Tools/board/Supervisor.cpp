@@ -2,6 +2,7 @@
 #include "board/Supervisor.hpp"
 
 #include "ServiceList.hpp"
+#include "ServiceState.hpp"
 
 #include <algorithm>
 #include <array>
@@ -12,6 +13,8 @@
 namespace dorn::tool {
 namespace {
 
+using namespace vel::hwapi::common;
+
 constexpr auto lookPeriod = std::chrono::milliseconds(250);
 constexpr auto startLookPeriod = std::chrono::milliseconds(20); // while somebody waits for a service to run
 constexpr auto handlingLimit = std::chrono::milliseconds(1500);
@@ -19,14 +22,15 @@ constexpr auto startLimit = std::chrono::seconds(10); // from then on a start is
 /// In which a reset kills the services of the node; those that had not entered its list yet are killed then.
 constexpr auto resetTime = std::chrono::milliseconds(500);
 
-constexpr std::uint32_t startingState = 1;
-constexpr std::uint32_t handlingState = 3;
-constexpr std::uint32_t endedState = 4;
-constexpr std::uint32_t failedState = 5;
-
 constexpr std::array<const char*, 8> phaseWords{"held",   "starting", "running", "back-off",
                                                 "ending", "ended",    "failed",  "given up"};
 static_assert(phaseWords.size() == static_cast<std::size_t>(ServicePhase::GivenUp) + 1);
+
+/// Whether a service has published its end.
+bool isOver(const host::EeInfo::Published& state)
+{
+    return state.value == EServiceState_Ended || state.value == EServiceState_Failed;
+}
 
 bool hasComeUp(const SupervisedService& service)
 {
@@ -34,7 +38,7 @@ bool hasComeUp(const SupervisedService& service)
         return true;
     }
     const auto state = service.info ? stateOf(*service.info) : std::nullopt;
-    return state && state->value > startingState && state->value != endedState && state->value != failedState;
+    return state && state->value > EServiceState_Starting && !isOver(*state);
 }
 
 ServiceHealth healthOf(const SupervisedService& service, host::Nanoseconds now)
@@ -49,11 +53,10 @@ ServiceHealth healthOf(const SupervisedService& service, host::Nanoseconds now)
     if (!state || host::Clock::get().wall() - host::Nanoseconds(state->when) <= handlingLimit) {
         return ServiceHealth::Fine;
     }
-    const bool isOver = state->value == endedState || state->value == failedState;
-    if (isOver && service.phase == ServicePhase::Running) {
+    if (isOver(*state) && service.phase == ServicePhase::Running) {
         return ServiceHealth::Lingers;
     }
-    return state->value == handlingState ? ServiceHealth::Hangs : ServiceHealth::Fine;
+    return state->value == EServiceState_Handling ? ServiceHealth::Hangs : ServiceHealth::Fine;
 }
 
 bool hasEndedWell(const SupervisedService& service)
