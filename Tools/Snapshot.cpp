@@ -35,9 +35,9 @@ std::vector<Part> parts()
 }
 
 /// A snapshot that is being taken.
-class Taking {
+class SnapshotBuilder {
 public:
-    Taking(const std::string& path, std::string folder) : m_archive(path), m_folder(std::move(folder))
+    SnapshotBuilder(const std::string& path, std::string folder) : m_archive(path), m_folder(std::move(folder))
     {
         m_report.manifest["node"] = host::nodeIdFromEnvironment();
         m_report.manifest["version"] = DORN_VERSION;
@@ -64,7 +64,7 @@ private:
     SnapshotReport m_report;
 };
 
-void Taking::addPart(const char* file, OwnVerb& verb, host::Deadline until)
+void SnapshotBuilder::addPart(const char* file, OwnVerb& verb, host::Deadline until)
 {
     const bool hasEnded = verb.awaitEnd(until);
     const std::string answer = verb.answer();
@@ -83,7 +83,7 @@ void Taking::addPart(const char* file, OwnVerb& verb, host::Deadline until)
     }
 }
 
-void Taking::addFiles(const SnapshotTimes& times)
+void SnapshotBuilder::addFiles(const SnapshotTimes& times)
 {
     try {
         host::TroubleCollection collection(host::PerNode<host::TroubleFiles>::get(), times.stored);
@@ -98,7 +98,7 @@ void Taking::addFiles(const SnapshotTimes& times)
     }
 }
 
-void Taking::addFile(const host::CollectedFile& collected)
+void SnapshotBuilder::addFile(const host::CollectedFile& collected)
 {
     const TroubleContent content = readTroubleFile(collected);
     const std::string name = "files" + std::filesystem::path(collected.file.path).lexically_normal().string();
@@ -115,7 +115,7 @@ void Taking::addFile(const host::CollectedFile& collected)
                                           {"remarks", content.remark}});
 }
 
-SnapshotReport Taking::finish()
+SnapshotReport SnapshotBuilder::finish()
 {
     addContent("manifest.json", jsonText(m_report.manifest), now());
     m_archive.finish();
@@ -137,17 +137,17 @@ std::string snapshotName(std::uint16_t nodeId, host::Nanoseconds wall)
 
 SnapshotReport takeSnapshot(const std::string& path, const std::string& name, const SnapshotTimes& times)
 {
-    Taking taking(path, name);
+    SnapshotBuilder builder(path, name);
     std::deque<OwnVerb> verbs; // all at once; each has its own time limit
     for (const Part& part : parts()) {
         verbs.emplace_back(part.arguments);
     }
-    taking.addFiles(times);
+    builder.addFiles(times);
     auto verb = verbs.begin();
     for (const Part& part : parts()) {
-        taking.addPart(part.file, *verb++, times.answered);
+        builder.addPart(part.file, *verb++, times.answered);
     }
-    return taking.finish();
+    return builder.finish();
 }
 
 } // namespace dorn::tool
