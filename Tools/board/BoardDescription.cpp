@@ -3,7 +3,7 @@
 
 #include "AaGpuXml.hpp"
 #include "Outcome.hpp"
-#include "Values.hpp"
+#include "board/ElementReader.hpp"
 #include "xml/XmlDocument.hpp"
 
 #include <algorithm>
@@ -13,10 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
-#include <optional>
 #include <sstream>
-#include <string_view>
 #include <unistd.h>
 
 namespace dorn::tool {
@@ -45,6 +42,7 @@ class DescriptionReader {
 public:
     DescriptionReader(std::string path, std::filesystem::path programs)
         : m_path(std::move(path)),
+          m_xml(m_path),
           m_folder(std::filesystem::path(m_path).parent_path()),
           m_programs(std::move(programs))
     {
@@ -53,14 +51,6 @@ public:
     BoardDescription read();
 
 private:
-    using Names = std::vector<std::string_view>;
-
-    void complain(std::uint32_t line, const std::string& what)
-    {
-        m_complaints += (m_complaints.empty() ? "" : "\n") + m_path + ":" + std::to_string(line) + ": " + what;
-    }
-    void complain(const AaGpuXmlNode& node, const std::string& what) { complain(node.AaGpuXmlGetLine(), what); }
-
     void readBoard(const AaGpuXmlNode& element);
     void readService(const AaGpuXmlNode& element);
     void readServicePart(const AaGpuXmlNode& element, ServiceDescription& service);
@@ -69,63 +59,28 @@ private:
     void readVariable(const AaGpuXmlNode& element, std::vector<Variable>& variables);
     void readAfter(const AaGpuXmlNode& element, ServiceDescription& service);
 
-    void checkAttributes(const AaGpuXmlNode& element, const Names& known);
-    void refuseElement(const AaGpuXmlNode& element);
-    void refuseElementsIn(const AaGpuXmlNode& element);
     void wantPath(const AaGpuXmlNode& element, const std::string& path, bool isThere);
-    std::optional<std::string> attribute(const AaGpuXmlNode& element, std::string_view name) const;
-    std::string required(const AaGpuXmlNode& element, std::string_view name);
-    template <std::size_t count>
-    std::optional<std::size_t> word(const AaGpuXmlNode& element, std::string_view name,
-                                    const std::array<const char*, count>& words);
-    void seconds(const AaGpuXmlNode& element, std::string_view name, host::Nanoseconds& value);
-    std::optional<std::uint64_t> number(const AaGpuXmlNode& element, std::string_view name, std::uint64_t greatest);
     std::string path(const std::string& text) const;
     std::string programPath(const AaGpuXmlNode& element, const std::string& text);
 
     std::string m_path;
+    ElementReader m_xml;
     std::filesystem::path m_folder;
     std::filesystem::path m_programs;
     BoardDescription m_board;
     RestartPolicy m_restart; ///< of the services to come that say nothing else
-    std::string m_complaints;
 };
-
-template <class Action>
-void forElementsOf(const AaGpuXmlNode& parent, const Action& action)
-{
-    for (auto child = parent.AaGpuXmlGetFirstChildren(); child != parent.AaGpuXmlGetLastChildren(); ++child) {
-        if ((*child)->AaGpuXmlGetType() == AA_GPU_XML_ELEMENT_NODE) {
-            action(**child);
-        }
-    }
-}
-
-bool isCalled(const AaGpuXmlNode& node, std::string_view name)
-{
-    return name == node.AaGpuXmlGetName();
-}
-
-std::string inQuotes(const std::string& text)
-{
-    return "'" + printable(text) + "'";
-}
-
-std::string shown(const AaGpuXmlNode& element)
-{
-    return "<" + printable(element.AaGpuXmlGetName()) + ">";
-}
 
 BoardDescription DescriptionReader::read()
 {
     const host::XmlDocument document = host::parseXml(contentOf(m_path), "", host::XmlFaultPolicy::GiveNothing);
     if (document.fault) {
-        complain(document.fault->line, document.fault->reason);
+        m_xml.complain(document.fault->line, document.fault->reason);
     } else {
         readBoard(**document.root->AaGpuXmlGetFirstChildren());
     }
-    if (!m_complaints.empty()) {
-        throw Failure(m_complaints);
+    if (!m_xml.complaints().empty()) {
+        throw Failure(m_xml.complaints());
     }
     return std::move(m_board);
 }
@@ -133,14 +88,14 @@ BoardDescription DescriptionReader::read()
 void DescriptionReader::readBoard(const AaGpuXmlNode& element)
 {
     if (!isCalled(element, "board")) {
-        complain(element, "the document element is " + shown(element) + ", not <board>");
+        m_xml.complain(element, "the document element is " + inBrackets(element) + ", not <board>");
         return;
     }
-    checkAttributes(element, {"name", "tree", "root", "files"});
-    m_board.name = required(element, "name");
-    m_board.tree = path(attribute(element, "tree").value_or(""));
-    m_board.root = path(attribute(element, "root").value_or(""));
-    m_board.files = path(attribute(element, "files").value_or(""));
+    m_xml.checkAttributes(element, {"name", "tree", "root", "files"});
+    m_board.name = m_xml.required(element, "name");
+    m_board.tree = path(attributeOf(element, "tree").value_or(""));
+    m_board.root = path(attributeOf(element, "root").value_or(""));
+    m_board.files = path(attributeOf(element, "files").value_or(""));
     std::error_code error;
     wantPath(element, m_board.tree, std::filesystem::is_regular_file(m_board.tree, error));
     wantPath(element, m_board.files, std::filesystem::is_directory(m_board.files, error));
@@ -153,28 +108,28 @@ void DescriptionReader::readBoard(const AaGpuXmlNode& element)
             m_restart = {};
             readRestart(child, m_restart);
         } else {
-            refuseElement(child);
+            m_xml.refuse(child);
         }
     });
     if (m_board.services.empty()) {
-        complain(element, "the board has no <service>");
+        m_xml.complain(element, "the board has no <service>");
     }
 }
 
 void DescriptionReader::readService(const AaGpuXmlNode& element)
 {
-    checkAttributes(element, {"name", "program", "after", "ready"});
-    ServiceDescription service{required(element, "name"), ""};
+    m_xml.checkAttributes(element, {"name", "program", "after", "ready"});
+    ServiceDescription service{m_xml.required(element, "name"), ""};
     const auto isOfThisName = [&service](const ServiceDescription& other) { return other.name == service.name; };
     if (!service.name.empty()) {
         if (std::any_of(m_board.services.begin(), m_board.services.end(), isOfThisName)) {
-            complain(element, "there is a service " + inQuotes(service.name) + " above");
+            m_xml.complain(element, "there is a service " + inQuotes(service.name) + " above");
         }
-        service.program = programPath(element, attribute(element, "program").value_or("Dorn" + service.name + "Exe"));
+        service.program = programPath(element, attributeOf(element, "program").value_or("Dorn" + service.name + "Exe"));
     }
     service.restart = m_restart;
     readAfter(element, service);
-    service.ready = static_cast<Readiness>(word(element, "ready", readyWords).value_or(0));
+    service.ready = static_cast<Readiness>(m_xml.word(element, "ready", readyWords).value_or(0));
     forElementsOf(element, [this, &service](const AaGpuXmlNode& child) { readServicePart(child, service); });
     m_board.services.push_back(std::move(service));
 }
@@ -182,8 +137,8 @@ void DescriptionReader::readService(const AaGpuXmlNode& element)
 void DescriptionReader::readServicePart(const AaGpuXmlNode& element, ServiceDescription& service)
 {
     if (isCalled(element, "argument")) {
-        checkAttributes(element, {});
-        refuseElementsIn(element);
+        m_xml.checkAttributes(element, {});
+        m_xml.refuseElementsIn(element);
         service.arguments.emplace_back(element.AaGpuXmlGetValue());
     } else if (isCalled(element, "environment")) {
         readVariable(element, service.environment);
@@ -192,151 +147,68 @@ void DescriptionReader::readServicePart(const AaGpuXmlNode& element, ServiceDesc
     } else if (isCalled(element, "end")) {
         readEnd(element, service);
     } else {
-        refuseElement(element);
+        m_xml.refuse(element);
     }
 }
 
 void DescriptionReader::readRestart(const AaGpuXmlNode& element, RestartPolicy& policy)
 {
-    checkAttributes(element, {"when", "first", "greatest", "limit", "within"});
-    refuseElementsIn(element);
-    if (const auto when = word(element, "when", restartWords)) {
+    m_xml.checkAttributes(element, {"when", "first", "greatest", "limit", "within"});
+    m_xml.refuseElementsIn(element);
+    if (const auto when = m_xml.word(element, "when", restartWords)) {
         policy.when = static_cast<RestartWhen>(*when);
     }
-    seconds(element, "first", policy.first);
-    seconds(element, "greatest", policy.greatest);
-    seconds(element, "within", policy.within);
-    if (const auto limit = number(element, "limit", 1'000'000)) {
+    m_xml.seconds(element, "first", policy.first);
+    m_xml.seconds(element, "greatest", policy.greatest);
+    m_xml.seconds(element, "within", policy.within);
+    if (const auto limit = m_xml.number(element, "limit", 1'000'000)) {
         policy.limit = static_cast<std::uint32_t>(*limit);
     }
     if (policy.first > policy.greatest) {
-        complain(element, "the first delay is longer than the greatest");
+        m_xml.complain(element, "the first delay is longer than the greatest");
     }
 }
 
 void DescriptionReader::readEnd(const AaGpuXmlNode& element, ServiceDescription& service)
 {
-    checkAttributes(element, {"status", "within"});
-    refuseElementsIn(element);
-    seconds(element, "within", service.endWithin);
-    if (const auto status = number(element, "status", 255)) {
+    m_xml.checkAttributes(element, {"status", "within"});
+    m_xml.refuseElementsIn(element);
+    m_xml.seconds(element, "within", service.endWithin);
+    if (const auto status = m_xml.number(element, "status", 255)) {
         service.goodStatus = static_cast<int>(*status);
     }
 }
 
 void DescriptionReader::readVariable(const AaGpuXmlNode& element, std::vector<Variable>& variables)
 {
-    checkAttributes(element, {"name", "value"});
-    refuseElementsIn(element);
-    const std::string name = required(element, "name");
+    m_xml.checkAttributes(element, {"name", "value"});
+    m_xml.refuseElementsIn(element);
+    const std::string name = m_xml.required(element, "name");
     if (name.find('=') != std::string::npos) {
-        complain(element, inQuotes(name) + " is no name of a variable");
+        m_xml.complain(element, inQuotes(name) + " is no name of a variable");
     }
-    variables.emplace_back(name, attribute(element, "value").value_or(""));
+    variables.emplace_back(name, attributeOf(element, "value").value_or(""));
 }
 
 /// Only services listed above: so no two wait for each other.
 void DescriptionReader::readAfter(const AaGpuXmlNode& element, ServiceDescription& service)
 {
-    std::istringstream names(attribute(element, "after").value_or(""));
+    std::istringstream names(attributeOf(element, "after").value_or(""));
     for (std::string name; names >> name;) {
         const auto found = std::find_if(m_board.services.begin(), m_board.services.end(),
                                         [&name](const ServiceDescription& other) { return other.name == name; });
         if (found == m_board.services.end()) {
-            complain(element, "after: no service " + inQuotes(name) + " is listed above");
+            m_xml.complain(element, "after: no service " + inQuotes(name) + " is listed above");
         } else {
             service.after.push_back(static_cast<std::size_t>(found - m_board.services.begin()));
         }
     }
 }
 
-void DescriptionReader::checkAttributes(const AaGpuXmlNode& element, const Names& known)
-{
-    for (auto child = element.AaGpuXmlGetFirstChildren(); child != element.AaGpuXmlGetLastChildren(); ++child) {
-        const AaGpuXmlNode& node = **child;
-        if (node.AaGpuXmlGetType() == AA_GPU_XML_ATTRIBUTE_NODE &&
-            std::find(known.begin(), known.end(), node.AaGpuXmlGetName()) == known.end()) {
-            complain(node, shown(element) + " has no attribute " + inQuotes(node.AaGpuXmlGetName()));
-        }
-    }
-}
-
-void DescriptionReader::refuseElement(const AaGpuXmlNode& element)
-{
-    complain(element, shown(element) + " does not belong here");
-}
-
-void DescriptionReader::refuseElementsIn(const AaGpuXmlNode& element)
-{
-    forElementsOf(element, [this](const AaGpuXmlNode& child) { refuseElement(child); });
-}
-
 void DescriptionReader::wantPath(const AaGpuXmlNode& element, const std::string& path, bool isThere)
 {
     if (!path.empty() && !isThere) {
-        complain(element, "there is no " + inQuotes(path));
-    }
-}
-
-std::optional<std::string> DescriptionReader::attribute(const AaGpuXmlNode& element, std::string_view name) const
-{
-    for (auto child = element.AaGpuXmlGetFirstChildren(); child != element.AaGpuXmlGetLastChildren(); ++child) {
-        if ((*child)->AaGpuXmlGetType() == AA_GPU_XML_ATTRIBUTE_NODE && isCalled(**child, name)) {
-            return (*child)->AaGpuXmlGetValue();
-        }
-    }
-    return std::nullopt;
-}
-
-std::string DescriptionReader::required(const AaGpuXmlNode& element, std::string_view name)
-{
-    std::string value = attribute(element, name).value_or("");
-    if (value.empty()) {
-        complain(element, shown(element) + " needs the attribute '" + std::string(name) + "'");
-    }
-    return value;
-}
-
-template <std::size_t count>
-std::optional<std::size_t> DescriptionReader::word(const AaGpuXmlNode& element, std::string_view name,
-                                                   const std::array<const char*, count>& words)
-{
-    const auto value = attribute(element, name);
-    if (!value) {
-        return std::nullopt;
-    }
-    const auto found = std::find(words.begin(), words.end(), *value);
-    if (found != words.end()) {
-        return static_cast<std::size_t>(found - words.begin());
-    }
-    std::string all;
-    for (const char* const one : words) {
-        all += std::string(all.empty() ? "" : ", ") + one;
-    }
-    complain(element, std::string(name) + ": " + inQuotes(*value) + " is none of " + all);
-    return std::nullopt;
-}
-
-void DescriptionReader::seconds(const AaGpuXmlNode& element, std::string_view name, host::Nanoseconds& value)
-{
-    if (const auto text = attribute(element, name)) {
-        try {
-            value = parseSeconds(std::string(name), *text);
-        } catch (const UsageError& error) {
-            complain(element, error.what());
-        }
-    }
-}
-
-std::optional<std::uint64_t> DescriptionReader::number(const AaGpuXmlNode& element, std::string_view name,
-                                                       std::uint64_t greatest)
-{
-    const auto text = attribute(element, name);
-    try {
-        return text ? std::optional(parseNumber(std::string(name), *text, greatest)) : std::nullopt;
-    } catch (const UsageError& error) {
-        complain(element, error.what());
-        return std::nullopt;
+        m_xml.complain(element, "there is no " + inQuotes(path));
     }
 }
 
@@ -362,7 +234,7 @@ std::string DescriptionReader::programPath(const AaGpuXmlNode& element, const st
     }
     const std::string program = text.find('/') != std::string::npos ? path(text) : (m_programs / text).string();
     if (!isProgram(program)) {
-        complain(element, "there is no program " + inQuotes(program));
+        m_xml.complain(element, "there is no program " + inQuotes(program));
     }
     return program;
 }

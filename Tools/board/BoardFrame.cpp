@@ -220,14 +220,6 @@ void putNamed(Frame& frame, std::size_t row, std::size_t room, const char* name,
     putLatest(frame, row, gutter, room, lines);
 }
 
-/// A time of the log's form with everything behind it, without the date and the micro-seconds.
-std::string withoutDate(const std::string& line)
-{
-    const std::size_t time = std::min(line.find('T') + 1, line.size());
-    const std::size_t blank = std::min(line.find(' '), line.size());
-    return line.substr(time, sizeof("09:18:01") - 1) + line.substr(blank);
-}
-
 /// @param room where there is little, only news that are good or bad are told
 std::vector<NewsLine> eventLines(const std::deque<SupervisorEvent>& events, std::size_t room)
 {
@@ -239,7 +231,8 @@ std::vector<NewsLine> eventLines(const std::deque<SupervisorEvent>& events, std:
             continue;
         }
         constexpr std::array colours{Colour::None, Colour::Green, Colour::Red, Colour::Faint};
-        lines.push_back({withoutDate(eventLine(event)), colours[static_cast<std::size_t>(event.news)]});
+        lines.push_back(
+            {withoutDate(eventLine(event), lengthToSeconds), colours[static_cast<std::size_t>(event.news)]});
     }
     return lines;
 }
@@ -261,7 +254,8 @@ std::vector<NewsLine> logLines(const std::deque<host::LogLine>& log)
         const bool isDoubtful = line.severity == EAaSysLogSeverityLevel_Warning;
         const bool isFeatureTold = !line.featureName.empty() && line.featureName != line.eeName;
         const std::string from = line.eeName + (isFeatureTold ? " " + line.featureName : "");
-        lines.push_back({withoutDate(host::formatLogLine(line)).substr(0, sizeof("09:18:01")) + from + "  " + line.text,
+        lines.push_back({withoutDate(host::formatLogLine(line), lengthToSeconds).substr(0, lengthToSeconds + 1) + from +
+                             "  " + line.text,
                          isBad        ? Colour::Red
                          : isDoubtful ? Colour::Yellow
                                       : Colour::None});

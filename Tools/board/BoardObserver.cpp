@@ -5,20 +5,18 @@
 #include "AaPro.h"
 #include "AskedService.hpp"
 #include "RedundancyMessages.hpp"
+#include "ddal_error.h"
 #include "fault/FaultStore.hpp"
 #include "log/LogReader.hpp"
 #include "node/PerNode.hpp"
 #include "port/SignalsBlocked.hpp"
 #include "syscom/MessageTap.hpp"
-
-#include "ddal_error.h"
+#include "syscom/Node.hpp"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cstring>
 #include <mutex>
-#include <span>
 #include <utility>
 
 namespace dorn::tool {
@@ -26,10 +24,7 @@ namespace {
 
 using namespace examples;
 
-constexpr auto askPeriod = std::chrono::milliseconds(500);
 constexpr auto lookPeriod = std::chrono::milliseconds(100);
-constexpr auto patience = std::chrono::milliseconds(1200);
-constexpr auto longestPause = std::chrono::seconds(30);
 constexpr auto endPatience = std::chrono::seconds(1);
 constexpr std::size_t keptLines = 200;
 
@@ -41,70 +36,6 @@ void keep(std::deque<Item>& lines, Item line)
         lines.pop_front();
     }
 }
-
-/// A question whose payload is its transaction id, put to a service again and again. One that does not answer is asked
-/// less and less often, so that its queue does not fill.
-class Question {
-public:
-    Question(TAaSysComCpid cpid, TAaSysComMsgId question, TAaSysComMsgId answer)
-        : m_manager{cpid, "", ""}, m_question(question), m_answer(answer)
-    {
-    }
-
-    void askWhenDue(host::Nanoseconds now)
-    {
-        if (m_isOpen && now - m_askedAt >= patience) {
-            m_state = Answering::No;
-        }
-        if (now < m_nextAt) {
-            return;
-        }
-        m_transaction = newTransactionId();
-        const std::int32_t status = sendToService(m_manager, m_question, std::as_bytes(std::span(&m_transaction, 1)));
-        const bool wasOpen = std::exchange(m_isOpen, status == EAaSysComStatus_Ok);
-        if (status == EAaSysComStatus_NoReceiver) {
-            m_state = Answering::Gone;
-        }
-        if (!wasOpen || !m_isOpen) {
-            m_askedAt = now;
-            m_pause = askPeriod;
-        } else {
-            m_pause = std::min<host::Nanoseconds>(m_pause * 2, longestPause);
-        }
-        m_nextAt = now + m_pause;
-    }
-
-    /// Whether a message is the answer.
-    bool takes(void* message)
-    {
-        std::uint32_t transaction = 0;
-        const BytesView payload = payloadOf(message);
-        if (AaSysComMsgGetId(message) != m_answer || payload.size() < sizeof transaction) {
-            return false;
-        }
-        std::memcpy(&transaction, payload.data(), sizeof transaction);
-        if (transaction != m_transaction) {
-            return false;
-        }
-        m_isOpen = false;
-        m_state = Answering::Yes;
-        m_nextAt = std::min(m_nextAt, host::Clock::get().monotonic() + askPeriod);
-        return true;
-    }
-
-    Answering state() const { return m_state; }
-
-private:
-    AskedService m_manager;
-    TAaSysComMsgId m_question;
-    TAaSysComMsgId m_answer;
-    Answering m_state = Answering::Unknown;
-    bool m_isOpen = false; ///< asked, and not answered
-    std::uint32_t m_transaction = 0;
-    host::Nanoseconds m_askedAt{}; ///< when the question that is open was put first
-    host::Nanoseconds m_nextAt{};
-    host::Nanoseconds m_pause = askPeriod;
-};
 
 /// The records behind the head of an answer, as many as are there of those announced.
 template <class Item, class Head>
@@ -121,15 +52,6 @@ std::vector<Item> itemsOf(BytesView payload, std::uint32_t Head::*count)
         std::memcpy(items.data(), tail.data(), items.size() * sizeof(Item));
     }
     return items;
-}
-
-/// The line without the date.
-std::string withoutDate(const std::string& line)
-{
-    constexpr std::size_t dateLength = sizeof("2026-11-21T") - 1;
-    constexpr std::size_t timeLength = sizeof("09:18:01.123") - 1;
-    const std::size_t blank = std::min(line.find(' '), line.size());
-    return line.size() < dateLength ? line : line.substr(dateLength, timeLength) + line.substr(blank);
 }
 
 /// An action that has been asked for.
@@ -183,7 +105,7 @@ public:
 private:
     void look(host::Nanoseconds now)
     {
-        for (Question* const question : {&m_links, &m_cages, &m_clock, &m_alarms}) {
+        for (RepeatedQuestion* const question : {&m_links, &m_cages, &m_clock, &m_alarms}) {
             question->askWhenDue(now);
         }
         startActions(now);
@@ -229,9 +151,9 @@ private:
     void takeSeen(BytesView record)
     {
         const std::optional<SeenMessage> seen = readTapRecord(record);
-        const auto isOwn = [this](TAaSysComSicad address) { return (address & 0xFFFFU) == m_own; };
+        const auto isOwn = [this](TAaSysComSicad address) { return host::cpidOf(address) == m_own; };
         if (seen && !isOwn(seen->sender) && !isOwn(seen->receiver)) {
-            keep(m_picture.messages, withoutDate(messageText(*seen, m_names, false)));
+            keep(m_picture.messages, withoutDate(messageText(*seen, m_names, false), lengthToMilliseconds));
         }
     }
 
@@ -252,7 +174,7 @@ private:
             if (status != EAaSysComStatus_Ok) {
                 tell(action, "the service for it does not run", News::Bad);
             } else {
-                m_actions.push_back({std::move(action), now + patience});
+                m_actions.push_back({std::move(action), now + answerPatience});
             }
         }
     }
@@ -302,10 +224,10 @@ private:
     host::LogReader m_log;
     NameBook m_book{NodePlace()};
     Names m_names;
-    Question m_links{linkServiceCpid, LinkShowReqMsg::ID, LinkShowRespMsg::ID};
-    Question m_cages{sfpServiceCpid, SfpShowReqMsg::ID, SfpShowRespMsg::ID};
-    Question m_clock{clockServiceCpid, ClockShowReqMsg::ID, ClockShowRespMsg::ID};
-    Question m_alarms{faultManagerCpid, AlarmListReqMsg::ID, AlarmListRespMsg::ID};
+    RepeatedQuestion m_links{linkServiceCpid, LinkShowReqMsg::ID, LinkShowRespMsg::ID};
+    RepeatedQuestion m_cages{sfpServiceCpid, SfpShowReqMsg::ID, SfpShowRespMsg::ID};
+    RepeatedQuestion m_clock{clockServiceCpid, ClockShowReqMsg::ID, ClockShowRespMsg::ID};
+    RepeatedQuestion m_alarms{faultManagerCpid, AlarmListReqMsg::ID, AlarmListRespMsg::ID};
     std::vector<OpenAction> m_actions; ///< not answered yet
     TAaSysComCpid m_own = 0;
     host::Nanoseconds m_nextLook{};

@@ -9,6 +9,7 @@
 #include "SfpMessages.hpp"
 #include "board/BoardActions.hpp"
 #include "board/EventText.hpp"
+#include "board/RepeatedQuestion.hpp"
 #include "log/LogLine.hpp"
 
 #include <deque>
@@ -19,14 +20,6 @@
 #include <vector>
 
 namespace dorn::tool {
-
-/// How a service that is asked again and again stands to it.
-enum class Answering {
-    Unknown, ///< it has just been asked for the first time
-    Yes,
-    No,  ///< it is there, but its answer is late
-    Gone ///< nobody has its cpid
-};
 
 /// What a service answered last.
 template <class Value>

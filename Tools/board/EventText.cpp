@@ -3,6 +3,7 @@
 
 #include "Values.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstring>
@@ -17,6 +18,13 @@ std::string sentence(const SupervisorEvent& event)
 std::string eventLine(const SupervisorEvent& event)
 {
     return timeText(event.wall) + " " + sentence(event);
+}
+
+std::string withoutDate(const std::string& line, std::size_t timeLength)
+{
+    constexpr std::size_t dateLength = sizeof("2026-11-21T") - 1;
+    const std::size_t blank = std::min(line.find(' '), line.size());
+    return line.size() < dateLength ? line : line.substr(dateLength, timeLength) + line.substr(blank);
 }
 
 std::string endText(int status)

@@ -5,6 +5,7 @@
 
 #include "port/Clock.hpp"
 
+#include <cstddef>
 #include <functional>
 #include <string>
 
@@ -31,6 +32,11 @@ using EventSink = std::function<void(const SupervisorEvent&)>;
 std::string sentence(const SupervisorEvent& event);
 /// "2026-11-21T09:18:01.123456Z LedS: runs"
 std::string eventLine(const SupervisorEvent& event);
+
+/// A line that begins with a time as eventLine() writes it, without the date and with so many characters of the time.
+std::string withoutDate(const std::string& line, std::size_t timeLength);
+constexpr std::size_t lengthToSeconds = sizeof("09:18:01") - 1;
+constexpr std::size_t lengthToMilliseconds = sizeof("09:18:01.123") - 1;
 
 /// "ended with status 1", "killed by signal 9 (Killed)"
 std::string endText(int status);
