@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ManualClock.hpp"
 
+#include "port/Descriptor.hpp"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -11,7 +13,6 @@
 #include <span>
 #include <sys/eventfd.h>
 #include <system_error>
-#include <unistd.h>
 #include <vector>
 
 namespace dorn::testkit {
@@ -28,19 +29,16 @@ constexpr Deadline atOnce{0};
 /// Makes a thread return from `poll`, for good.
 class Bell {
 public:
-    Bell() : m_descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    Bell() : m_event(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
     {
-        if (m_descriptor < 0) {
+        if (!m_event) {
             throw std::system_error(errno, std::generic_category(), "manual clock");
         }
     }
-    ~Bell() { close(m_descriptor); }
-    Bell(const Bell&) = delete;
-    Bell& operator=(const Bell&) = delete;
-    int descriptor() const { return m_descriptor; }
+    int descriptor() const { return m_event.get(); }
 
 private:
-    const int m_descriptor;
+    const host::Descriptor m_event;
 };
 
 } // namespace
@@ -233,8 +231,7 @@ void ManualClock::Hands::sleepOn(std::span<const pollfd> entries, Deadline until
     }
 }
 
-// ------------------------------------------------------------------------------------------------------ what a test
-// has
+// -------------------------------------------------------------------------------------------------- what a test holds
 
 ManualClock::ManualClock(Nanoseconds wall) : m_hands(Hands::start(wall)) {}
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Peer.hpp"
 
+#include "seam/OwnMessages.hpp"
 #include "seam/RealSeam.hpp"
 
 #include <algorithm>
@@ -11,9 +12,6 @@
 
 namespace dorn::testkit {
 namespace {
-
-/// What a peer sends itself to know that everything before it has arrived.
-constexpr TAaSysComMsgId barrierId = 0xD0400001;
 
 template <class... Arguments>
 std::string format(const char* pattern, Arguments... arguments)
@@ -119,7 +117,7 @@ void Peer::collect(TAaSysComCpid wanted)
 void Peer::store(Message message)
 {
     const std::lock_guard lock(m_mutex);
-    if (message.id() == barrierId && message.sender() == address()) {
+    if (message.id() == peerBarrierId && message.sender() == address()) {
         ++m_barriers;
     } else {
         m_inbox.push_back(std::move(message));
@@ -188,7 +186,7 @@ void Peer::expectNothing()
     std::unique_lock lock(m_mutex);
     const unsigned wanted = m_barriers + 1;
     lock.unlock();
-    send(barrierId, address());
+    send(peerBarrierId, address());
     lock.lock();
     if (!m_changed.wait_for(lock, generousBound, [&] { return m_barriers >= wanted; })) {
         throw std::runtime_error("peer: does not receive");

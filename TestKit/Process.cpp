@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Process.hpp"
 
+#include "port/Descriptor.hpp"
 #include "process/ChildStart.hpp"
 
 #include <cerrno>
@@ -14,34 +15,23 @@
 #include <utility>
 
 namespace dorn::testkit {
+namespace {
 
-struct Process::Pipe {
+/// What a child writes, and what is read of it here.
+struct Pipe {
     Pipe()
     {
+        std::array<int, 2> ends{};
         if (pipe2(ends.data(), O_CLOEXEC) != 0) {
             throw std::system_error(errno, std::generic_category(), "pipe");
         }
+        toRead.reset(ends[0]);
+        toWrite.reset(ends[1]);
     }
-    ~Pipe()
-    {
-        closeEnd(0);
-        closeEnd(1);
-    }
-    Pipe(const Pipe&) = delete;
-    Pipe& operator=(const Pipe&) = delete;
-    void closeEnd(std::size_t end)
-    {
-        if (ends[end] >= 0) {
-            close(ends[end]);
-            ends[end] = -1;
-        }
-    }
-    int release(std::size_t end) { return std::exchange(ends[end], -1); }
 
-    std::array<int, 2> ends{-1, -1}; ///< to read, to write
+    host::Descriptor toRead;
+    host::Descriptor toWrite;
 };
-
-namespace {
 
 /// Starts a program; one of another processor, where this one is emulated too, with the emulator.
 pid_t start(const std::string& program, const std::vector<std::string>& arguments, int output, int error)
@@ -66,11 +56,12 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
 {
     Pipe output;
     Pipe error;
-    m_pid = start(program, arguments, output.ends[1], error.ends[1]);
-    output.closeEnd(1);
-    error.closeEnd(1);
+    m_pid = start(program, arguments, output.toWrite.get(), error.toWrite.get());
+    output.toWrite.reset();
+    error.toWrite.reset();
     m_readerStop = eventfd(0, EFD_CLOEXEC);
-    m_reader = std::thread([this, out = output.release(0), err = error.release(0)] { readOutput(out, err); });
+    m_reader =
+        std::thread([this, out = output.toRead.release(), err = error.toRead.release()] { readOutput(out, err); });
     m_reaper = std::thread([this] { awaitEnd(); });
 }
 

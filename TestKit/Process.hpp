@@ -56,8 +56,6 @@ public:
     [[nodiscard]] bool waitForOutput(const std::string& text, Bound bound = generousBound) const;
 
 private:
-    struct Pipe;
-
     void readOutput(int output, int error);
     void append(std::size_t stream, const char* text, std::size_t size);
     void awaitEnd();

@@ -3,6 +3,7 @@
 
 #include "RadWait.hpp"
 #include "Service.hpp"
+#include "seam/OwnMessages.hpp"
 #include "seam/RealSeam.hpp"
 #include "seam/ShutdownHandler.hpp"
 
@@ -21,8 +22,6 @@ namespace {
 using vel::hwapi::common::MsgDelegateBase;
 using vel::hwapi::common::Service;
 
-constexpr TAaSysComMsgId barrierId = 0xD0400002;
-
 /// What a service tells only its subclasses.
 struct Inside : Service {
     static TAaConfigRadId stateId(const Service& service) { return service.*&Inside::m_uRadStateId; }
@@ -37,7 +36,8 @@ public:
     /// The service owns it; it may outlive the ServiceUnderTest.
     class Delegate : public MsgDelegateBase {
     public:
-        explicit Delegate(std::shared_ptr<Barrier> barrier) : MsgDelegateBase(barrierId), m_barrier(std::move(barrier))
+        explicit Delegate(std::shared_ptr<Barrier> barrier)
+            : MsgDelegateBase(serviceBarrierId), m_barrier(std::move(barrier))
         {
         }
         void HandleMsg(void* /*message*/) override { m_barrier->pass(); }
@@ -138,7 +138,7 @@ private:
 ServiceUnderTest::ServiceUnderTest(Service& service, const std::vector<std::string>& arguments)
     : m_service(service), m_barrier(std::make_shared<Barrier>())
 {
-    service.RemoveMsgDelegate(barrierId); // an earlier one's
+    service.RemoveMsgDelegate(serviceBarrierId); // an earlier one's
     service.AddMsgDelegate(std::make_unique<Barrier::Delegate>(m_barrier).release());
     std::vector<std::string> commandLine{"Dorn" + service.GetName() + "Exe"};
     commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
@@ -174,7 +174,7 @@ bool ServiceUnderTest::waitForState(unsigned state, Bound bound)
 void ServiceUnderTest::sync(Bound bound)
 {
     const unsigned number = m_barrier->nextNumber();
-    void* message = __real_AaSysComMsgCreate(barrierId, 0, address());
+    void* message = __real_AaSysComMsgCreate(serviceBarrierId, 0, address());
     if (__real_AaSysComMsgSendS(&message, 0) != EAaSysComStatus_Ok) {
         throw std::runtime_error("service '" + m_service.GetName() + "' cannot be reached");
     }

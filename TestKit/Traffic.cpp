@@ -2,7 +2,9 @@
 #include "Traffic.hpp"
 
 #include "node/PerNode.hpp"
+#include "seam/OwnMessages.hpp"
 #include "syscom/MessageTap.hpp"
+#include "syscom/Node.hpp"
 
 #include <cctype>
 #include <cstddef>
@@ -15,19 +17,11 @@
 namespace dorn::testkit {
 namespace {
 
-/// Messages by which the TestKit knows that others have arrived.
-constexpr TAaSysComMsgId firstOwnId = 0xD0400000;
-constexpr TAaSysComMsgId lastOwnId = 0xD040FFFF;
-constexpr TAaSysComMsgId fenceId = 0xD0400003;
+using host::cpidOf;
 
 host::MessageTap& tap()
 {
     return host::PerNode<host::MessageTap>::get();
-}
-
-constexpr TAaSysComCpid cpidOf(TAaSysComSicad address)
-{
-    return static_cast<TAaSysComCpid>(address & 0xFFFFU);
 }
 
 std::string hexOf(const std::string& bytes)
@@ -85,11 +79,11 @@ TrafficRecorder::~TrafficRecorder()
 Traffic TrafficRecorder::stop()
 {
     tap().removeWatcher(m_watcher.cpid());
-    m_watcher.send(fenceId, m_watcher.address());
+    m_watcher.send(trafficFenceId, m_watcher.address());
     Traffic traffic;
     for (;;) {
         const Message message = m_watcher.expectAny();
-        if (message.id() == fenceId) {
+        if (message.id() == trafficFenceId) {
             return traffic;
         }
         add(message, traffic);
