@@ -22,6 +22,11 @@ Milliseconds bound()
     return options().bound;
 }
 
+std::int32_t boundOfSeam()
+{
+    return static_cast<std::int32_t>(std::chrono::microseconds(bound()).count());
+}
+
 Milliseconds durationOf(const std::function<void()>& call)
 {
     const auto begin = std::chrono::steady_clock::now();

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <sstream>
 #include <stdexcept>
@@ -57,6 +58,8 @@ using Milliseconds = std::chrono::milliseconds;
 
 /// How long a rule waits for what must happen; generous, and set with `--bound`.
 Milliseconds bound();
+/// The same in micro-seconds, as the seam's functions want it.
+std::int32_t boundOfSeam();
 
 /// How long @p call takes.
 Milliseconds durationOf(const std::function<void()>& call);

@@ -4,8 +4,10 @@
 #include "Check.hpp"
 #include "Finding.hpp"
 
-namespace dorn::conformance {
+#include <atomic>
+#include <exception>
 
+namespace dorn::conformance {
 namespace {
 
 constexpr uint32_t stackSize = 256 * 1024;
@@ -79,6 +81,28 @@ void Eu::join()
 bool Eu::hasEnded() const
 {
     return m_body->itsEnd.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+}
+
+void expectUnwinding(const std::function<void()>& wait)
+{
+#if defined(__SANITIZE_ADDRESS__)
+    skip("AddressSanitizer does not know the unwinding that cancels a thread");
+#endif
+    Signal begun;
+    std::atomic<bool> isUnwound{false};
+    struct Unwound {
+        ~Unwound() { flag.store(true); }
+        std::atomic<bool>& flag;
+    };
+    Eu waiter([&] {
+        const Unwound unwound{isUnwound};
+        begun.raise();
+        wait();
+    });
+    begun.await("a new EU does not run");
+    pthread_cancel(waiter.thread());
+    waiter.join();
+    expect(isUnwound.load(), "the destructors of a cancelled EU have not run");
 }
 
 void Signal::raise()

@@ -5,7 +5,6 @@
 
 #include "AaSysCom.h"
 
-#include <exception>
 #include <functional>
 #include <future>
 #include <memory>
@@ -51,5 +50,9 @@ private:
     std::promise<void> m_promise;
     std::shared_future<void> m_future = m_promise.get_future().share();
 };
+
+/// Cancels an EU that waits, and ends the rule as broken when its destructors do not run.
+/// @param wait never returns by itself
+void expectUnwinding(const std::function<void()>& wait);
 
 } // namespace dorn::conformance

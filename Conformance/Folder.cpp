@@ -12,16 +12,6 @@
 #include <unistd.h>
 
 namespace dorn::conformance {
-namespace {
-
-std::string boardPath(const std::string& path)
-{
-    std::array<char, PATH_MAX> buffer{};
-    expectEqual(AaFileGetBoardPath(path.c_str(), buffer.data(), buffer.size()), 0, "AaFileGetBoardPath() of " + path);
-    return buffer.data();
-}
-
-} // namespace
 
 Folder::Folder() : m_path(options().directory + "/" + std::to_string(getpid()))
 {
@@ -40,6 +30,13 @@ Folder::~Folder()
 std::string Folder::realPath(const std::string& name) const
 {
     return boardPath(path(name));
+}
+
+std::string boardPath(const std::string& path)
+{
+    std::array<char, PATH_MAX> buffer{};
+    expectEqual(AaFileGetBoardPath(path.c_str(), buffer.data(), buffer.size()), 0, "AaFileGetBoardPath() of " + path);
+    return buffer.data();
 }
 
 void writeFile(const std::string& path, const std::string& content)

@@ -25,6 +25,8 @@ private:
     std::string m_path;
 };
 
+/// Where a path of the target really lies. Ends the rule as broken when the platform does not tell.
+std::string boardPath(const std::string& path);
 /// Writes a file of the target. Ends the rule as broken when it cannot be written.
 void writeFile(const std::string& path, const std::string& content);
 /// The content of a file of the target. Ends the rule as broken when it cannot be read.

@@ -59,10 +59,4 @@ void expectLetter(TAaSysComMsgId id, const std::string& text);
 /// Ends the rule as broken when a message is there.
 void expectNoLetter(const std::string& why);
 
-/// The bound in micro-seconds, as the seam's functions want it.
-inline int32_t boundOfSeam()
-{
-    return static_cast<int32_t>(bound().count() * 1000);
-}
-
 } // namespace dorn::conformance

@@ -39,7 +39,7 @@ struct Inheritance {
 };
 
 /// Starts the running program once more. @throws std::system_error
-/// @param isLeader whether it leads a process group of its own, which killGroup() ends
+/// @param isLeader whether it leads a process group of its own, so that all that it starts can be killed with it
 pid_t spawnSelf(const std::vector<std::string>& arguments, const std::vector<Inheritance>& descriptors, bool isLeader);
 
 /// Has the system kill this process when the one that has started it ends.

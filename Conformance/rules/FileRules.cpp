@@ -227,13 +227,6 @@ void closeOfNullIsPassedOver()
     expectEqual(AaFileClose(nullptr), 0, "AaFileClose(null)");
 }
 
-std::string boardPath(const std::string& path)
-{
-    std::array<char, PATH_MAX> buffer{};
-    expectEqual(AaFileGetBoardPath(path.c_str(), buffer.data(), buffer.size()), 0, "AaFileGetBoardPath() of " + path);
-    return buffer.data();
-}
-
 void boardPathIsWhereFilesLie()
 {
     const Folder folder;

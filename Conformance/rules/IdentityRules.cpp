@@ -196,8 +196,7 @@ void boardCodeIsStable()
 
 constexpr const char* textRule =
     "The text is terminated and has no more characters than are stated; a short buffer gets as much as fits; null, and "
-    "a "
-    "length that cannot be, are invalid arguments; nothing is written outside of the buffer or by a call that fails";
+    "a length that cannot be, are invalid arguments; nothing is written outside of the buffer or by a call that fails";
 
 constexpr std::array rules{
     Rule{"identity.unit-id", "ddal_devicetree.h", "ddal_devicetree_get_unit_id", textRule, textIsRead<unitId>},

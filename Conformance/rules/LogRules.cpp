@@ -178,8 +178,7 @@ constexpr std::array rules{
          "The callback is called when a line is longer than the whole buffer, and otherwise not", tooLongLineIsTold},
     Rule{"log.wrong-rings-are-refused", "AaSysLog.h", "AaSysLogRegisterRingBuffer AaSysLogDumpRingBufferToFile",
          "A second ring buffer of a feature returns 1, one of 0 bytes 2; a dump without ring buffer returns 1, to a "
-         "file "
-         "that cannot be written 2",
+         "file that cannot be written 2",
          wrongRingsAreRefused},
     Rule{"log.dump-overwrites", "AaSysLog.h", "AaSysLogDumpRingBufferToFile",
          "A dump overwrites the file that is there", dumpOverwrites},

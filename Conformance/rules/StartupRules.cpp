@@ -75,9 +75,9 @@ void handlerIsCalled()
     waitingEu = AaProEuCurrent();
     AaStartupSetShutdownHandler(onShutdown);
     kill(getpid(), signal);
-    expectEqual(AaSemTake(askedToEnd, static_cast<int32_t>(bound().count() * 1000)), 0,
+    expectEqual(AaSemTake(askedToEnd, boundOfSeam()), 0,
                 "AaSemTake() of the semaphore that the handler gives when the process is asked to end");
-    void* message = AaSysComMsgReceive(static_cast<int32_t>(bound().count() * 1000));
+    void* message = AaSysComMsgReceive(boundOfSeam());
     expect(message == nullptr, "AaSysComMsgReceive() gave a message that nobody has sent");
     AaStartupSetShutdownHandler(nullptr);
 }
