@@ -2,25 +2,19 @@
 /// @file GatewayFrameFuzz.cpp
 /// Any bytes as a message from another gateway: what is read from a message makes the same message again, and the
 /// records of a parcel fill it exactly.
+#include "Require.hpp"
 #include "gateway/Frames.hpp"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
 #include <vector>
 
 namespace {
 
 using namespace dorn::gateway;
-
-void require(bool holds)
-{
-    if (!holds) {
-        std::abort();
-    }
-}
+using dorn::fuzz::require;
 
 /// Makes the message again that was read.
 struct Rewrite {
