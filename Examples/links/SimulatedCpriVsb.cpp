@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "SimulatedCpriVsb.hpp"
 
+#include <algorithm>
+
 namespace dorn::examples {
 
 using vel::hwapi::common::bif::baseband::cpri::VsbCallbackParam;

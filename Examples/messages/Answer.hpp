@@ -12,8 +12,7 @@ namespace dorn::examples {
 
 /// Makes an answer with a record of zeros, has @p fill write into it, and sends it back as the service's. Where the
 /// record has a `transactionId`, that is the request's. Without memory for it the request stays unanswered, which is
-/// logged, and
-/// @p fill is not called.
+/// logged, and @p fill is not called.
 /// @tparam AnswerMsg the answer's Msg
 /// @param bytesBehind payload behind the record
 /// @param fill is given the answer

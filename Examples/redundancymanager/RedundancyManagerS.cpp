@@ -46,15 +46,6 @@ bool takesPart(const SRedundantService& service, bool isQuestion)
     return isQuestion || service.mode == ERedundancyMode_Switchover || service.mode == ERedundancyMode_All;
 }
 
-/// Writes services behind the record of a message that has room for them.
-template <class Message>
-void append(Message& message, const std::vector<SRedundantService>& services)
-{
-    if (!services.empty()) {
-        std::memcpy(message.GetPayload() + 1, services.data(), services.size() * sizeof(SRedundantService));
-    }
-}
-
 /// The node id that a text says: decimal, or hexadecimal behind "0x".
 std::optional<std::uint16_t> nodeIn(const std::string& text)
 {
@@ -78,12 +69,6 @@ std::uint32_t termBefore()
         AaMemUnRef(value);
     }
     return term;
-}
-
-template <class Record>
-int sizeWith(const std::vector<SRedundantService>& services)
-{
-    return static_cast<int>(sizeof(Record) + services.size() * sizeof(SRedundantService));
 }
 
 } // namespace
@@ -512,13 +497,14 @@ void RedundancyManagerS::HandleHeartbeat(MateHeartbeatMsg heartbeat)
 
 // ------------------------------------------------------------------------------------------------------------- answers
 
-void RedundancyManagerS::showTo(TAaSysComSicad asker, std::uint32_t transactionId)
+/// Sends an answer with services behind its record. @param fill is given the answer, to write what else is in it
+template <class Answer, class Fill>
+void RedundancyManagerS::answerTo(TAaSysComSicad asker, std::uint32_t transactionId,
+                                  const std::vector<SRedundantService>& services, const Fill& fill)
 {
-    std::vector<SRedundantService> services = m_services.list();
-    if (m_mate) {
-        std::ranges::copy(m_mate->services() | std::views::values, std::back_inserter(services));
-    }
-    RedundancyShowRespMsg answer(asker, sizeWith<SRedundancyShowResp>(services));
+    constexpr std::size_t recordSize = sizeof(*Answer(nullptr).GetPayload());
+    const std::size_t size = services.size() * sizeof(SRedundantService);
+    Answer answer(asker, static_cast<int>(recordSize + size));
     if (!answer.GetPayload()) {
         AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", asker);
         return;
@@ -526,9 +512,21 @@ void RedundancyManagerS::showTo(TAaSysComSicad asker, std::uint32_t transactionI
     answer->transactionId = transactionId;
     answer->role = m_role;
     answer->serviceCount = static_cast<std::uint32_t>(services.size());
-    append(answer, services);
+    fill(answer);
+    if (size != 0) {
+        std::memcpy(answer.GetPayload() + 1, services.data(), size);
+    }
     answer.SetSender(GetSicad());
     answer.Send();
+}
+
+void RedundancyManagerS::showTo(TAaSysComSicad asker, std::uint32_t transactionId)
+{
+    std::vector<SRedundantService> services = m_services.list();
+    if (m_mate) {
+        std::ranges::copy(m_mate->services() | std::views::values, std::back_inserter(services));
+    }
+    answerTo<RedundancyShowRespMsg>(asker, transactionId, services, [](RedundancyShowRespMsg) {});
 }
 
 void RedundancyManagerS::answerSwitch(TAaSysComSicad asker, std::uint32_t transactionId, ERedundancySwitchStatus status)
@@ -544,18 +542,8 @@ void RedundancyManagerS::answerSwitch(TAaSysComSicad asker, std::uint32_t transa
             }
         }
     }
-    RedundancySwitchRespMsg answer(asker, sizeWith<SRedundancySwitchResp>(failed));
-    if (!answer.GetPayload()) {
-        AaSysLogPrintE(EAaSysLogSeverityLevel_Error, GetRadId(), "No memory to answer 0x%08X", asker);
-        return;
-    }
-    answer->transactionId = transactionId;
-    answer->status = status;
-    answer->role = m_role;
-    answer->serviceCount = static_cast<std::uint32_t>(failed.size());
-    append(answer, failed);
-    answer.SetSender(GetSicad());
-    answer.Send();
+    answerTo<RedundancySwitchRespMsg>(asker, transactionId, failed,
+                                      [status](RedundancySwitchRespMsg answer) { answer->status = status; });
 }
 
 } // namespace dorn::examples

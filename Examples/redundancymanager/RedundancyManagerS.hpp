@@ -89,6 +89,9 @@ private:
     void goOnIfDone();
     void end();
     void endSwitch(EUnitRole target);
+    template <class Answer, class Fill>
+    void answerTo(TAaSysComSicad asker, std::uint32_t transactionId, const std::vector<SRedundantService>& services,
+                  const Fill& fill);
     void showTo(TAaSysComSicad asker, std::uint32_t transactionId);
     void answerSwitch(TAaSysComSicad asker, std::uint32_t transactionId, ERedundancySwitchStatus status);
 
