@@ -9,19 +9,17 @@
 #include "device/Fpga.hpp"
 #include "fault/FaultStore.hpp"
 #include "node/PerNode.hpp"
+#include "rad/ERadHwapi.h"
 
-#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
-#include <utility>
 
 namespace dorn::demonstration {
 namespace {
 
 using namespace dorn::examples;
 
-constexpr auto bound = std::chrono::seconds(5);
 constexpr std::uint32_t fpga = 0x10002;
 constexpr std::uint32_t oldVersion = 0x20010; // as the board comes
 constexpr const char* ownBoard = "A00100";
@@ -53,13 +51,17 @@ board::FlashArea slotOf(std::uint32_t slot)
 
 } // namespace
 
-FirmwareSteps::FirmwareSteps(testkit::TestNode& node, Board& board, std::function<void()> start,
-                             std::function<void(const std::string&)> awaitLine)
-    : m_node(node), m_board(board), m_start(std::move(start)), m_awaitLine(std::move(awaitLine))
+FirmwareSteps::FirmwareSteps(Stage& stage) : m_stage(stage), m_node(stage.node())
 {
     for (const char* const directory : {"/ffs/run/boot", "/ffs/run/logs", "/tmp"}) {
         std::filesystem::create_directories(m_node.boardPath(directory));
     }
+}
+
+void FirmwareSteps::startService()
+{
+    m_stage.start("FirmwareS");
+    m_stage.setSwitch(ERadHwapi_SWDL, 1);
 }
 
 /// Puts an image in the place where the board looks for it, as a release engineer makes it.
@@ -69,14 +71,14 @@ void FirmwareSteps::makeImage(std::uint32_t version, const std::string& hwSwId) 
     testkit::Process command(Board::command(), {"image", "create", m_node.boardPath("/ram/payload"),
                                                 m_node.boardPath("/ffs/run/boot") + "/NAX-BRINDLE.bin", "--sw-version",
                                                 hexText(version), "--hwswid", hwSwId, "--target-unit", "NAXE"});
-    require(command.waitForEnd(bound) == 0, "dorn image create: " + command.standardError());
+    require(command.waitForEnd(stepBound) == 0, "dorn image create: " + command.standardError());
 }
 
 SFirmwareUpdateResp FirmwareSteps::ask() const
 {
     testkit::Peer peer;
     peer.send<FirmwareUpdateReqMsg>(firmwareServiceCpid, {.transactionId = 15});
-    return *peer.expect<FirmwareUpdateRespMsg>(bound);
+    return *peer.expect<FirmwareUpdateRespMsg>(stepBound);
 }
 
 void FirmwareSteps::expect(EFirmwareOutcome outcome, std::uint32_t activeVersion, std::int32_t result) const
@@ -99,16 +101,16 @@ bool FirmwareSteps::holds(std::uint32_t slot, std::uint32_t version) const
 /// Waits until FirmwareS was killed with the board, and starts it again.
 void FirmwareSteps::awaitReset()
 {
-    require(m_board.service("FirmwareS").waitForEnd(bound) == -SIGKILL, "the board is not reset");
-    m_start();
+    require(m_stage.board().service("FirmwareS").waitForEnd(stepBound) == -SIGKILL, "the board is not reset");
+    startService();
 }
 
 void FirmwareSteps::flashNewer()
 {
-    m_start();
+    startService();
     makeImage(0x20011, ownBoard);
     expect(EFirmwareOutcome_Flashed, oldVersion);
-    m_awaitLine("flashed, in use from the next reset on (0)");
+    m_stage.awaitLine("flashed, in use from the next reset on (0)");
     require(holds(1, 0x20011) && holds(2, 0x20011), "the slots do not hold the new image");
     require(!std::filesystem::exists(m_node.boardPath("/tmp/fpgafile")), "the payload was left in /tmp");
 }
@@ -119,7 +121,7 @@ void FirmwareSteps::reset()
     peer.send<BoardResetReqMsg>(firmwareServiceCpid, {.transactionId = 16});
     awaitReset();
     expect(EFirmwareOutcome_UpToDate, 0x20011);
-    m_awaitLine("FPGA version 0x20011, image '" + std::string(image) + "': up to date (0)");
+    m_stage.awaitLine("FPGA version 0x20011, image '" + std::string(image) + "': up to date (0)");
 }
 
 void FirmwareSteps::refuseBadImages()
@@ -129,11 +131,11 @@ void FirmwareSteps::refuseBadImages()
     content[1000] = static_cast<char>(content[1000] ^ 1);
     m_node.writeBoardFile(image, content);
     expect(EFirmwareOutcome_Refused, 0x20011, 70413);
-    m_awaitLine("refused (70413)");
+    m_stage.awaitLine("refused (70413)");
 
     makeImage(0x20012, "B00100");
     expect(EFirmwareOutcome_Refused, 0x20011, 70411);
-    m_awaitLine("Own HwSwId not found from trailer, binary is not compatible with this board!");
+    m_stage.awaitLine("Own HwSwId not found from trailer, binary is not compatible with this board!");
     require(holds(1, 0x20011) && holds(2, 0x20011), "an image was flashed that was refused");
 }
 

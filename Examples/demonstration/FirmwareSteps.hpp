@@ -3,12 +3,10 @@
 /// The steps of the demonstration in which an FPGA gets new firmware.
 #pragma once
 
-#include "Board.hpp"
 #include "FirmwareMessages.hpp"
-#include "TestNode.hpp"
+#include "Stage.hpp"
 
 #include <cstdint>
-#include <functional>
 #include <string>
 
 namespace dorn::demonstration {
@@ -17,10 +15,7 @@ namespace dorn::demonstration {
 /// see what is to happen.
 class FirmwareSteps {
 public:
-    /// @param start starts FirmwareS and waits until it waits for messages
-    /// @param awaitLine waits for a line of the log that ends so
-    FirmwareSteps(testkit::TestNode& node, Board& board, std::function<void()> start,
-                  std::function<void(const std::string&)> awaitLine);
+    explicit FirmwareSteps(Stage& stage);
 
     void flashNewer();
     void reset();
@@ -29,16 +24,15 @@ public:
     void losePower();
 
 private:
+    void startService();
     void makeImage(std::uint32_t version, const std::string& hwSwId) const;
     examples::SFirmwareUpdateResp ask() const;
     void expect(examples::EFirmwareOutcome outcome, std::uint32_t activeVersion, std::int32_t result = 0) const;
     bool holds(std::uint32_t slot, std::uint32_t version) const;
     void awaitReset();
 
+    Stage& m_stage;
     testkit::TestNode& m_node;
-    Board& m_board;
-    std::function<void()> m_start;
-    std::function<void(const std::string&)> m_awaitLine;
 };
 
 } // namespace dorn::demonstration

@@ -3,8 +3,8 @@
 #include "Half.hpp"
 #include "LoopbackPorts.hpp"
 #include "PairDirectory.hpp"
+#include "StepReport.hpp"
 
-#include <array>
 #include <chrono>
 #include <cstdio>
 #include <ctime>
@@ -68,27 +68,16 @@ private:
     PairDirectory m_directory;
     Half m_a{"A", 0x0F01, m_directory.path() / "a"};
     Half m_b{"B", 0x0F02, m_directory.path() / "b"};
-    bool m_isAllWell = true;
-    unsigned m_steps = 0;
+    dorn::examples::StepReport m_report;
 };
 
 /// Each step goes on where the one before has ended: after the first one that fails there are no more.
 void Pair::step(const char* text, const std::function<void()>& action)
 {
-    if (!m_isAllWell) {
+    if (!m_report.isAllWell()) {
         return;
     }
-    const auto begin = std::chrono::steady_clock::now();
-    std::string trouble;
-    try {
-        action();
-    } catch (const std::exception& error) {
-        trouble = error.what();
-        m_isAllWell = false;
-    }
-    const double seconds = Seconds(std::chrono::steady_clock::now() - begin).count();
-    std::printf("%2u  %-4s %5.2f s  %s\n", ++m_steps, trouble.empty() ? "ok" : "FAIL", seconds, text);
-    show(trouble);
+    show(m_report.run(text, action));
     std::fflush(stdout);
 }
 
@@ -197,8 +186,8 @@ bool Pair::run()
     step("half A comes back, and is the standby one", [this] { bringBack(); });
     step("half A ends", [this] { m_a.end(); });
     step("half B ends", [this] { m_b.end(); });
-    std::printf("%s\n", m_isAllWell ? "every step was seen" : "not every step was seen");
-    return m_isAllWell;
+    std::printf("%s\n", m_report.isAllWell() ? "every step was seen" : "not every step was seen");
+    return m_report.isAllWell();
 }
 
 } // namespace
