@@ -38,7 +38,8 @@ bool DornCommand::waitForOutputOf(const std::function<void()>& action, const std
             return true;
         }
     }
-    return waitForOutput(text, testkit::Bound(0));
+    // What the command wrote at its end may not have been read yet.
+    return !isRunning() && waitForOutput(text, testkit::generousBound);
 }
 
 EchoService::EchoService() : Process(DORN_ECHO_SERVICE)
