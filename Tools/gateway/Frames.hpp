@@ -15,7 +15,9 @@
 ///                 ◀──────────────────  Refusal    of a greeting of another version, or of what is in no session
 ///
 /// - A session begins for the receiver with the first Parcel or Ping that bears its id, not with the Greeting: what a
-///   dead sender has left in the network begins nothing.
+///   dead sender has left in the network begins nothing. Where another life of the sender has been met since the
+///   Welcome it does not begin either, and neither counts a Welcome that answers a Greeting of before: see
+///   PeerLife.hpp.
 /// - Parcels are numbered from 1 for each pair of epochs. The receiver takes the one it expects, passes over earlier
 ///   ones and refuses later ones. A parcel that has not been confirmed is sent again in the next session, if the
 ///   receiver is still of the same epoch and says in its Welcome that it has not got it.

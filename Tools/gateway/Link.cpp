@@ -193,6 +193,7 @@ void Link::connect(const std::string& address, Nanoseconds now)
 {
     enter(LinkState::Connecting, now);
     m_attempt = randomId();
+    m_askedAt = m_life.count();
     m_wire.connect(address, m_row.port);
     const Greeting greeting{m_ownEpoch, m_attempt, static_cast<std::uint16_t>(m_own),
                             static_cast<std::uint16_t>(m_row.node)};
@@ -274,7 +275,8 @@ void Link::onWelcome(const Welcome& welcome, Nanoseconds now)
     if (m_state != LinkState::Connecting || welcome.attempt != m_attempt) {
         return;
     }
-    if (m_life.meet(welcome.epoch, now) == PeerLife::Meeting::Ended) {
+    m_life.meet(welcome.epoch, m_askedAt, now);
+    if (m_life.epoch() != welcome.epoch) {
         onFault(LinkFault::Refused, now);
         return;
     }

@@ -124,6 +124,7 @@ private:
     Nanoseconds m_nextPing{0};
     Nanoseconds m_backOff;
     std::uint64_t m_attempt = 0;
+    std::uint64_t m_askedAt = 0; ///< count of lives when the attempt began
     std::uint64_t m_session = 0;
     std::optional<Nanoseconds> m_roundTrip;
     std::deque<Nanoseconds> m_pings;      ///< sent in this session, not answered

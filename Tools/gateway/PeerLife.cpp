@@ -16,12 +16,16 @@ PeerLife::Meeting PeerLife::wouldBe(std::uint64_t epoch) const
     return m_epoch == 0 ? Meeting::First : Meeting::New;
 }
 
-PeerLife::Meeting PeerLife::meet(std::uint64_t epoch, Nanoseconds now)
+PeerLife::Meeting PeerLife::meet(std::uint64_t epoch, std::uint64_t askedAt, Nanoseconds now)
 {
     const Meeting meeting = wouldBe(epoch);
     if (meeting != Meeting::New && meeting != Meeting::First) {
         return meeting;
     }
+    if (askedAt != m_count) {
+        return Meeting::Late;
+    }
+    ++m_count;
     const std::uint64_t before = std::exchange(m_epoch, epoch);
     if (meeting == Meeting::New) {
         m_ended.push_back(before);

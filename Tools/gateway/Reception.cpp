@@ -20,7 +20,7 @@ std::optional<Welcome> Reception::onGreeting(const Greeting& greeting, std::uint
     if (m_life.wouldBe(greeting.epoch) == PeerLife::Meeting::Ended) {
         return std::nullopt;
     }
-    m_greeted = {randomId(), greeting.epoch, route};
+    m_greeted = {randomId(), greeting.epoch, route, m_life.count()};
     return Welcome{greeting.attempt, ownEpoch, m_greeted.id, greeting.epoch == m_streamEpoch ? m_expected : 1};
 }
 
@@ -32,7 +32,8 @@ Reception::Verdict Reception::onSession(std::uint64_t session, Nanoseconds now)
     if (session == 0 || session != m_greeted.id) {
         return Verdict::Stale;
     }
-    if (m_life.meet(m_greeted.epoch, now) == PeerLife::Meeting::Ended) {
+    m_life.meet(m_greeted.epoch, m_greeted.askedAt, now);
+    if (m_life.epoch() != m_greeted.epoch) {
         return Verdict::Stale;
     }
     m_current = std::move(m_greeted);

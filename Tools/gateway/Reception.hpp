@@ -53,6 +53,7 @@ private:
         std::uint64_t id = 0;
         std::uint64_t epoch = 0;
         std::string route;
+        std::uint64_t askedAt = 0; ///< count of lives when it was welcomed
     };
 
     PeerLife& m_life;

@@ -251,7 +251,7 @@ TEST_F(LinkTest, WhatIsAcceptedAfterTheNewLifeHasBeenMetIsForIt)
 {
     bringUp(77);
     accept(1);
-    m_life.meet(nextPeerEpoch, m_now); // it has greeted first
+    m_life.meet(nextPeerEpoch, m_life.count(), m_now); // it has greeted first
     EXPECT_FALSE(m_link.isUp());
     accept(2);
     m_wire.sent.clear();
@@ -267,7 +267,7 @@ TEST_F(LinkTest, WhatIsAcceptedAfterTheNewLifeHasBeenMetIsForIt)
 TEST_F(LinkTest, WelcomeFromALifeThatHasEndedIsRefused)
 {
     bringUp(77);
-    m_life.meet(nextPeerEpoch, m_now);
+    m_life.meet(nextPeerEpoch, m_life.count(), m_now);
     tickAt(m_link.deadline());
     m_wire.takeDone();
 
@@ -275,6 +275,32 @@ TEST_F(LinkTest, WelcomeFromALifeThatHasEndedIsRefused)
 
     EXPECT_FALSE(m_link.isUp());
     EXPECT_EQ(status().fault, LinkFault::Refused);
+}
+
+/// It was asked, died, and what it had answered comes after the next one has begun a session of its own.
+TEST_F(LinkTest, LateWelcomeOfALifeThatWasNeverMetDoesNotEndThePresentOne)
+{
+    accept(1);
+    tickAt(m_link.deadline());
+    m_life.meet(nextPeerEpoch, m_life.count(), m_now);
+
+    welcome(77, 1, peerEpoch);
+
+    EXPECT_FALSE(m_link.isUp());
+    EXPECT_EQ(status().fault, LinkFault::Refused);
+    EXPECT_EQ(m_life.epoch(), nextPeerEpoch);
+    bringUp(78, 1, nextPeerEpoch);
+    EXPECT_EQ(m_wire.take<Parcel>().at(0).count, 1U);
+}
+
+TEST_F(LinkTest, WelcomeOfTheLifeThatWasMetMeanwhileIsTaken)
+{
+    tickAt(m_link.deadline());
+    m_life.meet(peerEpoch, m_life.count(), m_now);
+
+    welcome(77);
+
+    EXPECT_TRUE(m_link.isUp());
 }
 
 TEST_F(LinkTest, FirstContactGetsWhatWaits)

@@ -140,8 +140,8 @@ TEST_F(ReceptionTest, LifeThatHasEndedIsNotWelcome)
 TEST_F(ReceptionTest, WhatADeadSenderLeftInTheNetworkBeginsNothing)
 {
     const std::uint64_t dead = greet(1)->session;
-    m_life.meet(1, m_now);
-    m_life.meet(2, m_now); // the link has found it restarted
+    m_life.meet(1, m_life.count(), m_now);
+    m_life.meet(2, m_life.count(), m_now); // the link has found it restarted
 
     EXPECT_EQ(m_reception.onSession(dead, m_now), Verdict::Stale);
     EXPECT_EQ(m_life.epoch(), 2U);
@@ -150,9 +150,32 @@ TEST_F(ReceptionTest, WhatADeadSenderLeftInTheNetworkBeginsNothing)
 TEST_F(ReceptionTest, SessionOfALifeThatTheLinkKnowsToHaveEndedIsStale)
 {
     const std::uint64_t session = begin(1);
-    m_life.meet(2, m_now);
+    m_life.meet(2, m_life.count(), m_now);
 
     EXPECT_EQ(m_reception.onSession(session, m_now), Verdict::Stale);
+}
+
+/// Its greeting was read and answered; its answer was lost, and is sent again by the system that it ran on.
+TEST_F(ReceptionTest, LastWordOfALifeThatWasNeverMetDoesNotEndThePresentOne)
+{
+    const std::uint64_t dead = greet(1)->session;
+    m_life.meet(2, m_life.count(), m_now); // the link has found the next one
+
+    EXPECT_EQ(m_reception.onSession(dead, m_now), Verdict::Stale);
+    EXPECT_EQ(m_life.epoch(), 2U);
+    begin(2);
+    EXPECT_EQ(m_life.epoch(), 2U);
+}
+
+TEST_F(ReceptionTest, LifeThatGreetedBeforeTheOneBeforeItWasMetGreetsAgain)
+{
+    begin(1);
+    const std::uint64_t early = greet(3)->session;
+    m_life.meet(2, m_life.count(), m_now); // a late answer to the link
+
+    EXPECT_EQ(m_reception.onSession(early, m_now), Verdict::Stale);
+    begin(3);
+    EXPECT_EQ(m_life.epoch(), 3U);
 }
 
 TEST_F(ReceptionTest, ConfirmationIsDueAWhileAfterTheFirstParcel)
@@ -194,15 +217,49 @@ TEST(PeerLifeTest, EachLifeIsMetOnce)
     using Meeting = PeerLife::Meeting;
     PeerLife life;
     EXPECT_EQ(life.epoch(), 0U);
-    EXPECT_EQ(life.meet(5, 0s), Meeting::First);
-    EXPECT_EQ(life.meet(5, 0s), Meeting::Same);
-    EXPECT_EQ(life.meet(3, 0s), Meeting::New);
-    EXPECT_EQ(life.meet(5, 0s), Meeting::Ended);
+    EXPECT_EQ(life.meet(5, life.count(), 0s), Meeting::First);
+    EXPECT_EQ(life.meet(5, life.count(), 0s), Meeting::Same);
+    EXPECT_EQ(life.meet(3, life.count(), 0s), Meeting::New);
+    EXPECT_EQ(life.meet(5, life.count(), 0s), Meeting::Ended);
     EXPECT_EQ(life.epoch(), 3U);
-    EXPECT_EQ(life.meet(4, 0s), Meeting::New);
+    EXPECT_EQ(life.meet(4, life.count(), 0s), Meeting::New);
     EXPECT_EQ(life.wouldBe(3), Meeting::Ended);
     EXPECT_EQ(life.wouldBe(9), Meeting::New);
     EXPECT_EQ(life.epoch(), 4U);
+}
+
+TEST(PeerLifeTest, LifeThatEndedLongAgoDoesNotComeBack)
+{
+    using Meeting = PeerLife::Meeting;
+    constexpr std::uint64_t lives = 1000;
+    PeerLife life;
+    std::vector<std::uint64_t> askedAt;
+    for (std::uint64_t epoch = 1; epoch <= lives; ++epoch) {
+        askedAt.push_back(life.count());
+        life.meet(epoch, life.count(), 0s);
+    }
+    int ended = 0;
+    life.whenEnded([&ended](Nanoseconds) { ++ended; });
+
+    for (std::uint64_t epoch = 1; epoch < lives; ++epoch) {
+        const Meeting meeting = life.meet(epoch, askedAt[epoch - 1], 0s);
+        EXPECT_TRUE(meeting == Meeting::Late || meeting == Meeting::Ended) << epoch;
+    }
+    EXPECT_EQ(life.meet(lives, askedAt.back(), 0s), Meeting::Same);
+    EXPECT_EQ(life.epoch(), lives);
+    EXPECT_EQ(ended, 0);
+}
+
+TEST(PeerLifeTest, TwoThatLiveAtOnceDoNotTakeTurns)
+{
+    using Meeting = PeerLife::Meeting;
+    PeerLife life;
+    life.meet(1, life.count(), 0s);
+    life.meet(2, life.count(), 0s);
+    for (int round = 0; round < 100; ++round) {
+        EXPECT_EQ(life.meet(1, life.count(), 0s), Meeting::Ended);
+        EXPECT_EQ(life.meet(2, life.count(), 0s), Meeting::Same);
+    }
 }
 
 } // namespace
