@@ -569,6 +569,19 @@ TEST_F(LinkTest, RefusedVersionIsTold)
     EXPECT_EQ(status().state, LinkState::Waiting);
 }
 
+TEST_F(LinkTest, RefusalForAReasonOfNoKnownVersionIsGarbage)
+{
+    for (const std::uint16_t code : {std::uint16_t{0}, std::uint16_t{4}, std::uint16_t{0xFFFF}}) {
+        tickAt(m_link.deadline());
+        const std::uint64_t attempt = m_wire.take<Greeting>().at(0).attempt;
+
+        m_link.onMessage(Refusal{static_cast<RefusalCode>(code), attempt}, m_now);
+
+        EXPECT_EQ(status().fault, LinkFault::Garbage) << code;
+        EXPECT_EQ(status().state, LinkState::Waiting);
+    }
+}
+
 TEST_F(LinkTest, TableThatIsAtOddsWithTheOthersIsTold)
 {
     m_link.tick(m_now);
