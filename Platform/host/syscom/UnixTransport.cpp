@@ -106,7 +106,11 @@ EAaSysComStatus UnixTransport::send(TAaSysComCpid receiver, std::span<const std:
 
 EAaSysComStatus UnixTransport::sendToNode(TAaSysComNid node, std::span<const std::byte> frame, Nanoseconds patience)
 {
-    const EAaSysComStatus status = sendTo(destinationOfNode(node), frame, patience);
+    const bool hung = m_isGatewayHung.load(std::memory_order_relaxed);
+    const EAaSysComStatus status = sendTo(destinationOfNode(node), frame, hung ? Nanoseconds(0) : patience);
+    if (const bool hangs = status == EAaSysComStatus_QueueFull; hangs != hung) {
+        m_isGatewayHung.store(hangs, std::memory_order_relaxed);
+    }
     return status == EAaSysComStatus_NoReceiver ? EAaSysComStatus_NoRoute : status; // no gateway, or none to that node
 }
 

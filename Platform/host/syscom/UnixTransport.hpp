@@ -53,6 +53,9 @@ private:
 
     const RunDirectory& m_directory;
     std::atomic<std::uint64_t> m_generation; ///< changes whenever a connection is given up
+    /// It has made no room in time though it reads at all times, and is not waited for again, message by message, until
+    /// it has taken one.
+    std::atomic<bool> m_isGatewayHung{false};
     std::shared_mutex m_mutex;
     std::unordered_map<Destination, std::shared_ptr<Connection>> m_connections;
 };

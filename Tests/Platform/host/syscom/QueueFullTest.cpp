@@ -3,11 +3,17 @@
 #include "Pattern.hpp"
 #include "SysComTest.hpp"
 #include "eu/TestEu.hpp"
+#include "node/PerNode.hpp"
+#include "node/RunDirectory.hpp"
 #include "syscom/MessageQueue.hpp"
 #include "syscom/Post.hpp"
+#include "syscom/UnixEndpoint.hpp"
+#include "syscom/UnixSocket.hpp"
 
 #include <atomic>
 #include <csignal>
+#include <memory>
+#include <span>
 #include <thread>
 
 namespace dorn::host::test {
@@ -211,6 +217,52 @@ protected:
         return sent.load();
     }
 };
+
+/// Stands where the gateway to another node does, and takes something when it is told to.
+class HungGateway final : private FrameSink {
+public:
+    explicit HungGateway(TAaSysComNid node)
+    {
+        const RunDirectory& directory = PerNode<RunDirectory>::get();
+        directory.makeSubdirectory(nodeSocketFolder);
+        m_endpoint = UnixEndpoint::open(directory, nodeSocketName(node), "a node", m_waitSet, *this);
+    }
+
+    void takeSome()
+    {
+        while (m_taken == 0) {
+            m_waitSet.wait(Deadline(0));
+        }
+    }
+
+private:
+    bool hasRoom() const override { return true; }
+    void onFrame(std::span<const std::byte>, bool, const Peer&) override { ++m_taken; }
+
+    WaitSet m_waitSet;
+    unsigned m_taken = 0;
+    std::unique_ptr<UnixEndpoint> m_endpoint;
+};
+
+TEST_F(QueueFullBetweenProcessesTest, HungGatewayIsWaitedForOnceUntilItTakesSomething)
+{
+    constexpr TAaSysComNid otherNode = 0x0F02;
+    const TAaSysComSicad receiver = AaSysComSicadGet(0x0300, otherNode);
+    HungGateway gateway(otherNode);
+    ManualClock clock;
+    const Deadline begin = clock.monotonic();
+
+    EXPECT_GT(fill(receiver, clock), 0U);
+    EXPECT_EQ(clock.monotonic(), begin + backPressureTime);
+    EXPECT_EQ(sendEmpty(1, receiver), EAaSysComStatus_QueueFull); // at once: nobody moves the clock
+    EXPECT_EQ(m_log.texts(), std::vector<std::string>(2, "Warning 0x0 Message not sent: the receiver's queue stayed full "
+                                                         "(id=0x0001 receiver=0x0F020300 sender=0x00000000)"));
+
+    gateway.takeSome();
+    EXPECT_EQ(sendEmpty(1, receiver), EAaSysComStatus_Ok);
+    fill(receiver, clock);
+    EXPECT_EQ(clock.monotonic(), begin + 2 * backPressureTime);
+}
 
 TEST_F(QueueFullBetweenProcessesTest, FullReceiverIsReportedAfterTheBackPressureTime)
 {
