@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 /// @file Transport.hpp
-/// The one transport: every message that leaves or enters a process goes through it, as a frame.
+/// The one transport: every message that leaves or enters a process goes through it, as a frame. The node gateway alone
+/// has sockets of its own besides.
 #pragma once
 
 #include "AaSysCom.h"
@@ -52,8 +53,8 @@ public:
     virtual EAaSysComStatus send(TAaSysComCpid receiver, std::span<const std::byte> frame, Nanoseconds patience) = 0;
 
     /// Sends a frame to the gateway of this node that brings messages to @p node, another node, waiting for room for
-    /// @p patience at most. Threads and order as for send(). A transport without gateways knows no way.
-    virtual EAaSysComStatus sendToNode(TAaSysComNid node, std::span<const std::byte> frame, Nanoseconds patience);
+    /// @p patience at most. Threads and order as for send(). A transport without gateways says `NoRoute`.
+    virtual EAaSysComStatus sendToNode(TAaSysComNid node, std::span<const std::byte> frame, Nanoseconds patience) = 0;
 
     /// Makes @p cpid, which this process holds alone, reachable.
     /// @return null with `errno` set when that is not possible.

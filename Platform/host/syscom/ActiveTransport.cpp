@@ -13,11 +13,6 @@ std::atomic<Transport*> standIn{nullptr};
 
 } // namespace
 
-EAaSysComStatus Transport::sendToNode(TAaSysComNid, std::span<const std::byte>, Nanoseconds)
-{
-    return EAaSysComStatus_NoRoute;
-}
-
 Transport& activeTransport()
 {
     Transport* const transport = standIn.load(std::memory_order_acquire);

@@ -16,6 +16,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <thread>
+#include <type_traits>
 #include <unistd.h>
 #include <vector>
 
@@ -302,7 +303,16 @@ TEST_F(TransportTest, AnotherTransportIsUsedWithinItsScope)
         {
             return EAaSysComStatus_NoRoute;
         }
+        EAaSysComStatus sendToNode(TAaSysComNid node, std::span<const std::byte> frame, Nanoseconds) override
+        {
+            nodes.push_back(node);
+            frames.emplace_back(reinterpret_cast<const char*>(frame.data()), frame.size());
+            return EAaSysComStatus_Ok;
+        }
         std::unique_ptr<Endpoint> open(TAaSysComCpid, WaitSet&, FrameSink&) override { return nullptr; }
+
+        std::vector<TAaSysComNid> nodes;
+        std::vector<std::string> frames;
     };
     Transport& usual = activeTransport();
     Nowhere nowhere;
@@ -310,9 +320,26 @@ TEST_F(TransportTest, AnotherTransportIsUsedWithinItsScope)
     {
         const TransportScope scope(nowhere);
         EXPECT_EQ(send("x"), EAaSysComStatus_NoRoute);
+        void* message = AaSysComMsgCreate(1, 0, AaSysComSicadGet(cpid, 0x0F02));
+        EXPECT_EQ(AaSysComMsgSend(&message), EAaSysComStatus_Ok);
     }
+    EXPECT_EQ(nowhere.nodes, std::vector<TAaSysComNid>{0x0F02});
+    ASSERT_EQ(nowhere.frames.size(), 1U);
+    EXPECT_EQ(nowhere.frames[0].size(), sizeof(FrameHeader));
 
     EXPECT_EQ(&activeTransport(), &usual);
+}
+
+/// What a stand-in that forwards forgot would be lost without a word.
+TEST(TransportPortTest, TransportThatKnowsNothingOfNodesIsNone)
+{
+    class WithoutNodes : public Transport {
+    public:
+        EAaSysComStatus send(TAaSysComCpid, std::span<const std::byte>, Nanoseconds) override;
+        std::unique_ptr<Endpoint> open(TAaSysComCpid, WaitSet&, FrameSink&) override;
+    };
+
+    EXPECT_TRUE(std::is_abstract_v<WithoutNodes>);
 }
 
 /// A process that sends and is gone before anybody looks.
