@@ -4,6 +4,7 @@
 #include "syscom/CpidRegistry.hpp"
 #include "syscom/CpidStore.hpp"
 
+#include <algorithm>
 #include <unistd.h>
 
 namespace dorn::host {
@@ -15,17 +16,20 @@ bool SenderCheck::Believed::isSame(const Believed& other) const
 
 bool SenderCheck::isCredible(TAaSysComCpid cpid, const Peer& peer, const CpidStore* store)
 {
+    if (cpid == 0) {
+        return true;
+    }
     const Believed asked{peer.pid(), store ? store->generation() : 0, cpid};
-    if (asked.isSame(m_sender)) {
+    if (std::any_of(m_senders.begin(), m_senders.end(), [&](const Believed& one) { return one.isSame(asked); })) {
         return true;
     }
     const pid_t foreign = store ? store->foreignHolder(cpid) : 0;
     const pid_t holder = localHolder(cpid) != 0 ? getpid() : foreign;
-    const bool isPeers = cpid == 0 || holder == 0 || holder == peer.pid();
+    const bool isPeers = holder == 0 || holder == peer.pid();
     if (!isPeers) {
         return peer.isGone(); // what the dead had sent; of no other process it is to be believed
     }
-    m_sender = asked;
+    m_senders[m_next++ % sendersRemembered] = asked;
     return true;
 }
 

@@ -6,13 +6,16 @@
 #include "AaSysCom.h"
 #include "port/Transport.hpp"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace dorn::host {
 
 class CpidStore;
 
-/// What was believed last is not looked up again as long as nobody has begun to hold a cpid since.
+/// What has been believed is not looked up again as long as nobody has begun to hold a cpid since: looking up has the
+/// kernel go through the locks of the whole node. So it is with a few dozen senders in turn, too.
 class SenderCheck {
 public:
     /// Whether a peer is to be believed that a message is from @p cpid of this node: nobody else can be it, because it
@@ -31,7 +34,10 @@ private:
         bool isSame(const Believed& other) const;
     };
 
-    Believed m_sender;
+    static constexpr std::size_t sendersRemembered = 32;
+
+    std::array<Believed, sendersRemembered> m_senders;
+    std::size_t m_next = 0; ///< place of the next one to remember, the oldest's
     Believed m_gateway;
 };
 

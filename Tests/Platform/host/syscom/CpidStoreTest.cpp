@@ -6,7 +6,9 @@
 #include "syscom/SenderCheck.hpp"
 
 #include <csignal>
+#include <fcntl.h>
 #include <memory>
+#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -161,6 +163,84 @@ TEST_F(SenderCheckTest, WhatIsRememberedOfAGatewayEndsWithItsSuccessor)
     EXPECT_TRUE(check.isGateway(SomePeer(gateway, true), &m_store));
     EXPECT_TRUE(check.isGateway(SomePeer(successor), &m_store));
     kill(successor);
+}
+
+/// A process that holds cpids without having said so in the store, until it is killed.
+class UnseenHolder {
+public:
+    UnseenHolder(const RunDirectory& directory, const std::vector<TAaSysComCpid>& cpids)
+    {
+        int ready[2] = {-1, -1};
+        EXPECT_EQ(pipe(ready), 0);
+        m_process = fork();
+        if (m_process == 0) {
+            const char result = lockAll(directory.path() + "/cpids", cpids) ? 'y' : 'n';
+            [[maybe_unused]] const ssize_t written = write(ready[1], &result, 1);
+            for (;;) {
+                pause();
+            }
+        }
+        char result = 0;
+        EXPECT_EQ(read(ready[0], &result, 1), 1);
+        EXPECT_EQ(result, 'y');
+        close(ready[0]);
+        close(ready[1]);
+    }
+    ~UnseenHolder()
+    {
+        kill(m_process, SIGKILL);
+        waitpid(m_process, nullptr, 0);
+    }
+    UnseenHolder(const UnseenHolder&) = delete;
+    UnseenHolder& operator=(const UnseenHolder&) = delete;
+
+private:
+    static bool lockAll(const std::string& path, const std::vector<TAaSysComCpid>& cpids)
+    {
+        const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
+        bool isDone = file >= 0;
+        for (const TAaSysComCpid cpid : cpids) {
+            struct flock lock {};
+            lock.l_type = F_WRLCK;
+            lock.l_whence = SEEK_SET;
+            lock.l_start = cpid;
+            lock.l_len = 1;
+            isDone = isDone && fcntl(file, F_SETLK, &lock) == 0;
+        }
+        return isDone;
+    }
+
+    pid_t m_process;
+};
+
+TEST_F(SenderCheckTest, SendersInTurnAreAllRemembered)
+{
+    const std::vector<TAaSysComCpid> cpids{0x0211, 0x0212, 0x0300, 0x1000, 0x1001, 0x1002};
+    constexpr TAaSysComCpid neverAsked = 0x0213;
+    SenderCheck check;
+    for (const TAaSysComCpid cpid : cpids) {
+        EXPECT_TRUE(check.isCredible(cpid, SomePeer(5000 + cpid), &m_store));
+    }
+    const UnseenHolder holder(m_directory, {0x0211, 0x0212, 0x0213, 0x0300, 0x1000, 0x1001, 0x1002});
+
+    EXPECT_FALSE(check.isCredible(neverAsked, SomePeer(5000), &m_store)); // it is looked up
+    for (const TAaSysComCpid cpid : cpids) {
+        EXPECT_TRUE(check.isCredible(cpid, SomePeer(5000 + cpid), &m_store)) << cpid; // these are not
+        EXPECT_FALSE(check.isCredible(cpid, SomePeer(6000 + cpid), &m_store)) << cpid;
+    }
+    ASSERT_TRUE(m_store.tryLock(0x0400)); // somebody has begun to hold a cpid
+    for (const TAaSysComCpid cpid : cpids) {
+        EXPECT_FALSE(check.isCredible(cpid, SomePeer(5000 + cpid), &m_store)) << cpid;
+    }
+}
+
+TEST_F(SenderCheckTest, NobodysNameIsEverybodys)
+{
+    const UnseenHolder holder(m_directory, {0});
+    SenderCheck check;
+
+    EXPECT_TRUE(check.isCredible(0, SomePeer(4711), &m_store));
+    EXPECT_TRUE(check.isCredible(0, SomePeer(4711), nullptr));
 }
 
 TEST_F(CpidStoreTest, GatewaysPlaceIsFreeOnceItIsGone)
