@@ -5,6 +5,7 @@
 #include "gateway/Entrance.hpp"
 #include "gateway/Frames.hpp"
 #include "gateway/Peer.hpp"
+#include "gateway/PlaceWatch.hpp"
 #include "gateway/StatusServer.hpp"
 #include "syscom/CpidStore.hpp"
 #include "syscom/Node.hpp"
@@ -17,6 +18,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <sys/resource.h>
 #include <system_error>
 #include <unistd.h>
@@ -98,6 +100,7 @@ public:
 private:
     void addPeer(const host::RunDirectory& directory, const TableRow& row);
     void step();
+    void lookAtPlace();
     void takeMoreFromInlets();
     void serveWires();
     void takeResolved();
@@ -138,6 +141,8 @@ private:
     std::vector<std::unique_ptr<Peer>> m_peers;
     std::unordered_map<TAaSysComNid, Peer*> m_peerOf;
     std::unique_ptr<StatusServer> m_statusServer;
+    PlaceWatch m_place;
+    Nanoseconds m_nextLook = m_started;
     std::vector<Record> m_records; ///< of the parcel that is being delivered
     Nanoseconds m_now = m_started;
 };
@@ -148,7 +153,8 @@ Gateway::Loop::Loop(const host::RunDirectory& directory, const Table& table, con
       m_keys(keys),
       m_options(withShares(options, table.rows().size() - 1)),
       m_own(ownRow(directory, m_table, m_keys)),
-      m_store(directory)
+      m_store(directory),
+      m_place(directory)
 {
     if (!m_store.tryBecomeGateway()) {
         throw host::EnvironmentError("process " + std::to_string(m_store.foreignGateway()) +
@@ -165,6 +171,7 @@ Gateway::Loop::Loop(const host::RunDirectory& directory, const Table& table, con
         }
     }
     m_statusServer = std::make_unique<StatusServer>(directory, m_waitSet, [this] { return status(); });
+    m_place.add(statusSocketName);
     AaSysLogPrint(EAaSysLogSeverityLevel_Info, "Gateway of node 0x%04X: port %u, %zu other nodes, epoch %016llX",
                   m_own.node, static_cast<unsigned>(m_own.port), m_peers.size(),
                   static_cast<unsigned long long>(m_epoch));
@@ -181,6 +188,7 @@ void Gateway::Loop::addPeer(const host::RunDirectory& directory, const TableRow&
         throw host::EnvironmentError("the socket for node " + nodeName(row.node) + " in " + directory.path() +
                                      " cannot be made: " + std::strerror(errno));
     }
+    m_place.add(host::nodeSocketName(row.node));
 }
 
 Gateway::Loop::~Loop()
@@ -215,6 +223,7 @@ void Gateway::Loop::step()
     m_waitSet.wait(isAnythingDirty() ? host::Deadline(0) : deadline());
     takeMoreFromInlets();
     m_now = Clock::get().monotonic();
+    lookAtPlace();
     flush();
     m_entrance->serve(*this);
     serveWires();
@@ -227,6 +236,17 @@ void Gateway::Loop::step()
     m_receivers->tick(m_now);
     flush();
     confirmWhereDue();
+}
+
+void Gateway::Loop::lookAtPlace()
+{
+    if (m_now < m_nextLook) {
+        return;
+    }
+    m_nextLook = m_now + m_options.heartbeat;
+    if (const std::optional<std::string> missing = m_place.whatIsMissing()) {
+        throw host::EnvironmentError(*missing + ", and nobody finds this gateway any more");
+    }
 }
 
 /// Where many came at once there may be more: they go on together. A single one goes on without another look.
@@ -279,7 +299,7 @@ bool Gateway::Loop::isAnythingDirty() const
 
 Nanoseconds Gateway::Loop::deadline() const
 {
-    Nanoseconds earliest = m_receivers->deadline();
+    Nanoseconds earliest = std::min(m_receivers->deadline(), m_nextLook);
     for (const auto& peer : m_peers) {
         earliest = std::min({earliest, peer->link.deadline(), peer->reception.deadline()});
     }
@@ -429,23 +449,41 @@ GatewayStatus Gateway::Loop::status() const
     return status;
 }
 
-Gateway::Gateway(const host::RunDirectory& directory, const Table& table, const KeyPair& keys,
-                 const GatewayOptions& options)
+namespace {
+
+/// Whatever @p work cannot go on for is told as an EnvironmentError.
+template <class Work>
+void explained(const Work& work)
 {
     try {
-        m_loop = std::make_unique<Loop>(directory, table, keys, options);
+        work();
     } catch (const zmq::error_t& error) {
         throw host::EnvironmentError(std::string("ZeroMQ: ") + error.what());
     } catch (const std::system_error& error) {
         throw host::EnvironmentError(error.what());
+    } catch (const std::bad_alloc&) {
+        throw host::EnvironmentError("memory has run out");
     }
+}
+
+} // namespace
+
+Gateway::Gateway(const host::RunDirectory& directory, const Table& table, const KeyPair& keys,
+                 const GatewayOptions& options)
+{
+    explained([&] { m_loop = std::make_unique<Loop>(directory, table, keys, options); });
 }
 
 Gateway::~Gateway() = default;
 
 void Gateway::run()
 {
-    m_loop->run();
+    try {
+        explained([this] { m_loop->run(); });
+    } catch (const host::EnvironmentError& error) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Error, "The gateway ends: %s", error.what());
+        throw;
+    }
 }
 
 void Gateway::stop() noexcept

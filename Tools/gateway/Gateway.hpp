@@ -23,6 +23,8 @@
 /// 5. What arrives from another node goes to the receiver's socket with id, sender, receiver and payload untouched. A
 ///    receiver that does not read has its own bounded share of memory, dropped oldest first, and holds up nobody. Where
 ///    all of them take too much, the one that takes most loses its oldest. What is still kept at the end is logged.
+/// 6. With every heartbeat it looks whether processes of the node still find it. Where its run directory or a socket in
+///    that is gone it ends, so that whoever watches over it starts it anew in the place that is used now.
 ///
 /// Order is kept for each pair of sender and receiver. Every message that was accepted is in the end confirmed or
 /// counted under the reason for which it was dropped, see Status.hpp. Confirmed means: the other gateway has it.
@@ -97,6 +99,9 @@ public:
     Gateway& operator=(const Gateway&) = delete;
 
     /// Carries messages until stop().
+    /// @throws host::EnvironmentError when it cannot go on, as nobody on this node finds it any more, or what it works
+    /// with fails as a whole; it has been logged. What fails with one other node ends the link to that, which is tried
+    /// again.
     void run();
     /// Makes run() return soon, whether it has begun or not. Any thread; safe in a signal handler.
     void stop() noexcept;
