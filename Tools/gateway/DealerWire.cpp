@@ -33,7 +33,7 @@ void DealerWire::connect(const std::string& address, std::uint16_t port)
         open("tcp://" + (isSix ? "[" + address + "]" : address) + ":" + std::to_string(port));
     } catch (const zmq::error_t&) {
         close();
-        m_hasFailed = true; // descriptors have run out; tried again like any other fault
+        m_failure = LinkFault::Unreachable; // descriptors have run out; tried again like any other fault
     }
 }
 
@@ -56,7 +56,7 @@ void DealerWire::open(const std::string& endpoint)
 
 void DealerWire::close()
 {
-    m_hasFailed = false;
+    m_failure.reset();
     m_monitor.reset();
     m_socket.reset();
 }
@@ -74,18 +74,23 @@ bool DealerWire::send(std::span<const std::byte> head, std::span<const std::byte
     if (!body.empty()) {
         std::memcpy(message.data<std::byte>() + head.size(), body.data(), body.size());
     }
-    return m_socket->send(std::move(message));
+    try {
+        return m_socket->send(std::move(message));
+    } catch (const zmq::error_t&) {
+        m_failure = LinkFault::Cut;
+        return false;
+    }
 }
 
 bool DealerWire::isDirty() const
 {
-    return m_hasFailed || (m_socket && (m_socket->isDirty() || m_monitor->isDirty()));
+    return m_failure || (m_socket && (m_socket->isDirty() || m_monitor->isDirty()));
 }
 
 std::optional<LinkFault> DealerWire::nextFault()
 {
-    if (m_hasFailed) {
-        return LinkFault::Unreachable;
+    if (m_failure) {
+        return m_failure;
     }
     if (!m_monitor || !m_monitor->isDirty()) {
         return std::nullopt;
@@ -113,7 +118,20 @@ std::optional<LinkFault> DealerWire::nextFault()
 
 void DealerWire::serve(Link& link, Nanoseconds now)
 {
-    // What has come before the end of a connection counts.
+    std::optional<LinkFault> fault;
+    try {
+        takeMessages(link, now); // what has come before the end of a connection counts
+        fault = nextFault();
+    } catch (const zmq::error_t&) {
+        fault = LinkFault::Cut;
+    }
+    if (fault) {
+        link.onFault(*fault, now);
+    }
+}
+
+void DealerWire::takeMessages(Link& link, Nanoseconds now)
+{
     zmq::message_t part;
     for (int count = 0; count < messagesAtOnce && m_socket && m_socket->isDirty() && m_socket->receive(part); ++count) {
         if (part.more()) {
@@ -122,9 +140,6 @@ void DealerWire::serve(Link& link, Nanoseconds now)
         } else {
             link.onMessage(readWire({part.data<std::byte>(), part.size()}), now);
         }
-    }
-    if (const std::optional<LinkFault> fault = nextFault()) {
-        link.onFault(*fault, now);
     }
 }
 

@@ -34,6 +34,7 @@ public:
 
 private:
     void open(const std::string& endpoint);
+    void takeMessages(Link& link, Nanoseconds now);
     std::optional<LinkFault> nextFault();
 
     zmq::context_t& m_context;
@@ -44,8 +45,8 @@ private:
     std::size_t m_ticket;
     std::unique_ptr<ZmqSocket> m_socket;
     std::unique_ptr<ZmqMonitor> m_monitor;
-    bool m_hasFailed = false;   ///< it could not even be made
-    int m_endedInHandshake = 0; ///< attempts in a row that the other side ended there without a word
+    std::optional<LinkFault> m_failure; ///< of ZeroMQ, which ends this connection only
+    int m_endedInHandshake = 0;         ///< attempts in a row that the other side ended there without a word
 };
 
 } // namespace dorn::gateway

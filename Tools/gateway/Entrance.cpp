@@ -32,6 +32,16 @@ std::span<const std::byte> bytesOf(std::string_view text)
     return std::as_bytes(std::span(text));
 }
 
+/// @return false when there is no memory for it.
+bool copy(std::span<const std::byte> bytes, zmq::message_t& message)
+{
+    if (zmq_msg_init_size(message.handle(), bytes.size()) != 0) {
+        return false;
+    }
+    std::copy(bytes.begin(), bytes.end(), message.data<std::byte>());
+    return true;
+}
+
 std::string textOf(const zmq::message_t& part)
 {
     return part.to_string();
@@ -127,8 +137,10 @@ std::size_t Entrance::takeMessage(EntranceSink& sink, zmq::message_t& route)
 
 void Entrance::answer(const std::string& route, std::span<const std::byte> bytes)
 {
-    if (m_socket.send(bytesOf(route), true)) {
-        m_socket.send(bytes);
+    zmq::message_t to;
+    zmq::message_t what; // both before either is sent: half a message would go on with the next one's
+    if (copy(bytesOf(route), to) && copy(bytes, what) && m_socket.send(std::move(to), true)) {
+        m_socket.send(std::move(what));
     }
 }
 

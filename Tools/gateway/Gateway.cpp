@@ -110,8 +110,11 @@ private:
     Nanoseconds deadline() const;
     GatewayStatus status() const;
 
+    template <class Work>
+    void within(Peer& peer, const Work& work);
     std::size_t onMessage(TAaSysComNid node, const std::string& route, std::span<const std::byte> bytes) override;
-    void onGreeting(Peer& peer, const Greeting& greeting, TAaSysComNid node, const std::string& route);
+    void onMessage(Peer& peer, const WireMessage& message, const std::string& route);
+    void onGreeting(Peer& peer, const Greeting& greeting, const std::string& route);
     void onParcel(Peer& peer, const Parcel& parcel, const std::string& route);
     void onPing(Peer& peer, const Ping& ping, const std::string& route);
     void deliver(Peer& peer, const Parcel& parcel);
@@ -218,6 +221,19 @@ void Gateway::Loop::run()
     }
 }
 
+/// Work for one other node. For want of memory both its connections begin anew: nothing is lost by that, and there may
+/// be memory later.
+template <class Work>
+void Gateway::Loop::within(Peer& peer, const Work& work)
+{
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+        peer.link.onFault(LinkFault::Cut, m_now);
+        peer.reception.endSession();
+    }
+}
+
 void Gateway::Loop::step()
 {
     m_waitSet.wait(isAnythingDirty() ? host::Deadline(0) : deadline());
@@ -230,7 +246,7 @@ void Gateway::Loop::step()
     takeResolved();
     for (const auto& peer : m_peers) {
         if (peer->link.deadline() <= m_now) {
-            peer->link.tick(m_now);
+            within(*peer, [&] { peer->link.tick(m_now); });
         }
     }
     m_receivers->tick(m_now);
@@ -270,7 +286,7 @@ void Gateway::Loop::serveWires()
 {
     for (const auto& peer : m_peers) {
         if (peer->wire.isDirty()) {
-            peer->wire.serve(peer->link, m_now);
+            within(*peer, [&] { peer->wire.serve(peer->link, m_now); });
         }
     }
 }
@@ -278,7 +294,8 @@ void Gateway::Loop::serveWires()
 void Gateway::Loop::takeResolved()
 {
     for (const Resolver::Found& found : m_resolver.take()) {
-        m_peers[found.ticket]->link.onResolved(found.addresses, m_now);
+        Peer& peer = *m_peers[found.ticket];
+        within(peer, [&] { peer.link.onResolved(found.addresses, m_now); });
     }
 }
 
@@ -286,7 +303,7 @@ void Gateway::Loop::confirmWhereDue()
 {
     for (const auto& peer : m_peers) {
         if (peer->reception.deadline() <= m_now) {
-            m_entrance->answer(peer->reception.route(), wireBytes(peer->reception.confirm()));
+            within(*peer, [&] { m_entrance->answer(peer->reception.route(), wireBytes(peer->reception.confirm())); });
         }
     }
 }
@@ -314,23 +331,27 @@ std::size_t Gateway::Loop::onMessage(TAaSysComNid node, const std::string& route
     }
     Peer& peer = *known->second;
     const WireMessage message = readWire(bytes);
+    within(peer, [&] { onMessage(peer, message, route); });
+    const auto* const parcel = std::get_if<Parcel>(&message);
+    return parcel ? parcel->count : 0;
+}
+
+void Gateway::Loop::onMessage(Peer& peer, const WireMessage& message, const std::string& route)
+{
     if (const auto* const parcel = std::get_if<Parcel>(&message)) {
         onParcel(peer, *parcel, route);
-        return parcel->count;
-    }
-    if (const auto* const ping = std::get_if<Ping>(&message)) {
+    } else if (const auto* const ping = std::get_if<Ping>(&message)) {
         onPing(peer, *ping, route);
     } else if (const auto* const greeting = std::get_if<Greeting>(&message)) {
-        onGreeting(peer, *greeting, node, route);
+        onGreeting(peer, *greeting, route);
     } else if (const auto* const other = std::get_if<OtherVersion>(&message)) {
-        refuse(RefusalReason::Version, node);
+        refuse(RefusalReason::Version, peer.account.node);
         if (other->isGreeting) {
             m_entrance->answer(route, wireBytes(Refusal{RefusalCode::Version, other->attempt}));
         }
     } else {
-        refuse(RefusalReason::Garbage, node);
+        refuse(RefusalReason::Garbage, peer.account.node);
     }
-    return 0;
 }
 
 /// Logs the first of its kind and then ever more rarely.
@@ -342,8 +363,9 @@ void Gateway::Loop::refuse(RefusalReason reason, TAaSysComNid node)
     }
 }
 
-void Gateway::Loop::onGreeting(Peer& peer, const Greeting& greeting, TAaSysComNid node, const std::string& route)
+void Gateway::Loop::onGreeting(Peer& peer, const Greeting& greeting, const std::string& route)
 {
+    const TAaSysComNid node = peer.account.node;
     if (greeting.from != node || greeting.to != m_own.node) {
         refuse(RefusalReason::Garbage, node);
         m_entrance->answer(route, wireBytes(Refusal{RefusalCode::WrongNode, greeting.attempt}));
@@ -384,6 +406,7 @@ void Gateway::Loop::onParcel(Peer& peer, const Parcel& parcel, const std::string
         return;
     }
     peer.link.onConfirmation(parcel.confirmation);
+    m_records.reserve(parcel.count); // so that nothing fails for want of memory that has been taken
     switch (peer.reception.onParcel(parcel, m_now)) {
     case Reception::Verdict::Taken:
         deliver(peer, parcel);

@@ -25,13 +25,15 @@ PeerLife::Meeting PeerLife::meet(std::uint64_t epoch, std::uint64_t askedAt, Nan
     if (askedAt != m_count) {
         return Meeting::Late;
     }
-    ++m_count;
-    const std::uint64_t before = std::exchange(m_epoch, epoch);
     if (meeting == Meeting::New) {
-        m_ended.push_back(before);
+        m_ended.push_back(m_epoch); // before anything has changed, as there may be no memory for it
         if (m_ended.size() > endedRemembered) {
             m_ended.pop_front();
         }
+    }
+    ++m_count;
+    m_epoch = epoch;
+    if (meeting == Meeting::New) {
         for (const Listener& listener : m_listeners) {
             listener(now);
         }

@@ -81,24 +81,49 @@ void Receivers::deliverRun(DeliveryAccount& account, TAaSysComCpid cpid, std::sp
         noteNobody(account, run.front(), run.size());
         return;
     }
-    Receiver& receiver = m_receivers[cpid];
+    Receiver* const receiver = receiverOf(cpid);
+    if (!receiver) {
+        account.dropped[DropReason::ReceiverFull] += run.size(); // without a line, which would need memory too
+        return;
+    }
     std::size_t sent = 0;
-    const Outcome outcome = receiver.kept.empty() ? send(cpid, receiver, run, sent) : Outcome::Full;
+    const Outcome outcome = receiver->kept.empty() ? send(cpid, *receiver, run, sent) : Outcome::Full;
     account.delivered += sent;
     if (outcome == Outcome::Full) {
-        keep(account, cpid, receiver, run.subspan(sent));
+        keep(account, cpid, *receiver, run.subspan(sent));
     } else if (outcome == Outcome::Gone) {
-        noteNobody(account, run[sent], run.size() - sent);
         m_receivers.erase(cpid);
-        m_nobody.insert(cpid);
+        noteNobody(account, run[sent], run.size() - sent);
+    }
+}
+
+/// @return null when there is no memory for it.
+Receivers::Receiver* Receivers::receiverOf(TAaSysComCpid cpid)
+{
+    try {
+        return &m_receivers[cpid];
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+bool Receivers::find(TAaSysComCpid cpid, sockaddr_un& address) const
+{
+    try {
+        address = host::socketAddress(m_directory, host::socketName(cpid));
+        return true;
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+        return false;
     }
 }
 
 Receivers::Outcome Receivers::connect(TAaSysComCpid cpid, Receiver& receiver)
 {
     UnixSocket socket = UnixSocket::make(SOCK_NONBLOCK);
-    const sockaddr_un address = host::socketAddress(m_directory, host::socketName(cpid));
-    if (!socket || ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    sockaddr_un address{};
+    if (!socket || !find(cpid, address) ||
+        ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         return isShortage(errno) ? Outcome::Full : Outcome::Gone;
     }
     setsockopt(socket.get(), SOL_SOCKET, SO_SNDBUF, &sendBufferBytes, sizeof sendBufferBytes);
@@ -348,6 +373,11 @@ void Receivers::noteNobody(DeliveryAccount& account, const Record& record, std::
                       "dropped so far)",
                       account.node, cpidOf(record), record.header.id, record.header.sender,
                       static_cast<unsigned long long>(dropped));
+    }
+    try {
+        m_nobody.insert(cpidOf(record));
+    } catch (const std::bad_alloc&) {
+        return; // it is looked for again
     }
 }
 

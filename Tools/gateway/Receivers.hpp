@@ -38,7 +38,8 @@ public:
     Receivers(const host::RunDirectory& directory, const GatewayOptions& options, host::WaitSet& waitSet);
     ~Receivers() override;
 
-    /// Delivers messages of one node in their order. The records' receivers are of this node.
+    /// Delivers messages of one node in their order. The records' receivers are of this node. Where memory has run out
+    /// they are dropped as if their receivers' share were full.
     void deliver(DeliveryAccount& account, std::span<const Record> records);
     /// Drops what is kept of one node, whose gateway's life has ended.
     void dropKept(DeliveryAccount& account);
@@ -71,6 +72,8 @@ private:
 
     void onReadable() override;
     void deliverRun(DeliveryAccount& account, TAaSysComCpid cpid, std::span<const Record> run);
+    Receiver* receiverOf(TAaSysComCpid cpid);
+    bool find(TAaSysComCpid cpid, sockaddr_un& address) const;
     Outcome connect(TAaSysComCpid cpid, Receiver& receiver);
     Outcome send(TAaSysComCpid cpid, Receiver& receiver, std::span<const Record> run, std::size_t& sent);
     void pack(std::span<const Record> run);

@@ -34,6 +34,8 @@ public:
 
     /// A message bears a session's id. The first of a session begins it.
     Verdict onSession(std::uint64_t session, Nanoseconds now);
+    /// Breaks the session off: the other node has to begin anew, and to send again what has not been taken.
+    void endSession() { m_current.id = 0; }
     /// A parcel; after onSession().
     Verdict onParcel(const Parcel& parcel, Nanoseconds now);
 

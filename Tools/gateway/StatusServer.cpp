@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -58,9 +59,18 @@ void StatusServer::onReadable()
     const bool isKnown = getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &credentials, &size) == 0 &&
                          (credentials.uid == geteuid() || credentials.uid == 0);
     if (isKnown) {
+        tell(socket);
+    }
+}
+
+void StatusServer::tell(const host::UnixSocket& socket) const
+{
+    try {
         const std::string text = statusText(m_source());
         setsockopt(socket.get(), SOL_SOCKET, SO_SNDBUF, &socketBufferBytes, sizeof socketBufferBytes);
         ::send(socket.get(), text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+    } catch (const std::bad_alloc&) {
+        return; // who has asked sees that there is no answer
     }
 }
 

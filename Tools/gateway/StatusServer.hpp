@@ -25,6 +25,7 @@ public:
 
 private:
     void onReadable() override;
+    void tell(const host::UnixSocket& socket) const;
 
     const host::RunDirectory& m_directory;
     host::WaitSet& m_waitSet;

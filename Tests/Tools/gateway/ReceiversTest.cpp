@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <gmock/gmock.h>
+#include <memory>
 #include <numeric>
 
 namespace dorn::gateway::test {
@@ -125,6 +126,39 @@ TEST_F(ReceiversTest, MessageThatCannotBeKeptForWantOfMemoryIsDroppedAndCounted)
 
     EXPECT_EQ(m_account.pending, 2U);
     EXPECT_EQ(m_account.dropped[DropReason::ReceiverFull], 1U);
+}
+
+TEST_F(ReceiversTest, MessageForAReceiverThatThereIsNoMemoryForIsDroppedAndCounted)
+{
+    CpidReceiver receiver(m_net.directory(1), someCpid);
+    {
+        const NoMemory noMemory;
+        deliver(m_account, someCpid, 0, 3);
+    }
+    EXPECT_EQ(m_account.dropped[DropReason::ReceiverFull], 3U);
+    deliver(m_account, someCpid, 3);
+
+    EXPECT_EQ(m_account.delivered, 1U);
+    EXPECT_EQ(receiver.take().value_or(Arrived{}).number(), 3U);
+}
+
+TEST_F(ReceiversTest, ReceiverThatCannotBeConnectedToForWantOfMemoryIsTriedAgain)
+{
+    auto receiver = std::make_unique<CpidReceiver>(m_net.directory(1), someCpid);
+    const std::uint32_t taken = fill(m_account, someCpid);
+    m_waitSet.wait(host::Deadline(0)); // so that it needs no memory for what it waits for
+    receiver.reset();
+    receiver = std::make_unique<CpidReceiver>(m_net.directory(1), someCpid);
+    {
+        const NoMemory noMemory;
+        m_waitSet.wait(host::Deadline(0)); // the connection has ended: there would be a new one
+    }
+    EXPECT_EQ(m_account.pending, 1U);
+
+    m_receivers.tick(m_receivers.deadline());
+
+    EXPECT_EQ(m_account.pending, 0U);
+    EXPECT_EQ(receiver->take().value_or(Arrived{}).number(), taken);
 }
 
 TEST_F(ReceiversTest, WhatIsTakenBeforeTheEndIsHandedOver)
