@@ -104,8 +104,16 @@ ZmqMonitor::ZmqMonitor(zmq::context_t& context, ZmqSocket& watched, int events, 
     m_pair.socket().connect(address);
 }
 
+/// ZeroMQ's thread waits for room when events have filled the pair, and holds what their end needs: without room there
+/// would be no end.
 ZmqMonitor::~ZmqMonitor()
 {
+    try {
+        while (next()) {
+        }
+    } catch (const zmq::error_t&) {
+        // The pair has failed: there is nothing to be had from it.
+    }
     zmq_socket_monitor(m_watched.socket().handle(), nullptr, 0);
 }
 
