@@ -119,7 +119,7 @@ private:
     void onPing(Peer& peer, const Ping& ping, const std::string& route);
     void deliver(Peer& peer, const Parcel& parcel);
     bool isInSession(Peer& peer, std::uint64_t session, const std::string& route);
-    void refuse(RefusalReason reason, TAaSysComNid node);
+    void refuse(RefusalReason reason, Peer& peer);
 
     // In the order in which they are needed.
     const Table m_table;
@@ -345,36 +345,37 @@ void Gateway::Loop::onMessage(Peer& peer, const WireMessage& message, const std:
     } else if (const auto* const greeting = std::get_if<Greeting>(&message)) {
         onGreeting(peer, *greeting, route);
     } else if (const auto* const other = std::get_if<OtherVersion>(&message)) {
-        refuse(RefusalReason::Version, peer.account.node);
+        refuse(RefusalReason::Version, peer);
         if (other->isGreeting) {
             m_entrance->answer(route, wireBytes(Refusal{RefusalCode::Version, other->attempt}));
         }
     } else {
-        refuse(RefusalReason::Garbage, peer.account.node);
+        refuse(RefusalReason::Garbage, peer);
     }
 }
 
-/// Logs the first of its kind and then ever more rarely.
-void Gateway::Loop::refuse(RefusalReason reason, TAaSysComNid node)
+/// Logs the first of its kind and then ever more rarely, of each node for itself.
+void Gateway::Loop::refuse(RefusalReason reason, Peer& peer)
 {
-    if (std::has_single_bit(++m_refused[reason])) {
+    ++m_refused[reason];
+    const std::uint64_t count = ++peer.refused[reason];
+    if (std::has_single_bit(count)) {
         AaSysLogPrint(EAaSysLogSeverityLevel_Warning, "Refused what the gateway of node 0x%04X sent: %s (%llu so far)",
-                      node, std::string(nameOf(reason)).c_str(), static_cast<unsigned long long>(m_refused[reason]));
+                      peer.account.node, std::string(nameOf(reason)).c_str(), static_cast<unsigned long long>(count));
     }
 }
 
 void Gateway::Loop::onGreeting(Peer& peer, const Greeting& greeting, const std::string& route)
 {
-    const TAaSysComNid node = peer.account.node;
-    if (greeting.from != node || greeting.to != m_own.node) {
-        refuse(RefusalReason::Garbage, node);
+    if (greeting.from != peer.account.node || greeting.to != m_own.node) {
+        refuse(RefusalReason::Garbage, peer);
         m_entrance->answer(route, wireBytes(Refusal{RefusalCode::WrongNode, greeting.attempt}));
         return;
     }
     if (const std::optional<Welcome> welcome = peer.reception.onGreeting(greeting, m_epoch, route)) {
         m_entrance->answer(route, wireBytes(*welcome));
     } else {
-        refuse(RefusalReason::Stale, node);
+        refuse(RefusalReason::Stale, peer);
         m_entrance->answer(route, wireBytes(Refusal{RefusalCode::NoSession, greeting.attempt}));
     }
 }
@@ -388,7 +389,7 @@ bool Gateway::Loop::isInSession(Peer& peer, std::uint64_t session, const std::st
         }
         return true;
     }
-    refuse(RefusalReason::Stale, peer.account.node);
+    refuse(RefusalReason::Stale, peer);
     m_entrance->answer(route, wireBytes(Refusal{RefusalCode::NoSession, session}));
     return false;
 }
@@ -415,7 +416,7 @@ void Gateway::Loop::onParcel(Peer& peer, const Parcel& parcel, const std::string
         break;
     case Reception::Verdict::Stale:
     case Reception::Verdict::Missing:
-        refuse(RefusalReason::Stale, peer.account.node);
+        refuse(RefusalReason::Stale, peer);
         m_entrance->answer(route, wireBytes(Refusal{RefusalCode::NoSession, parcel.session}));
         break;
     }

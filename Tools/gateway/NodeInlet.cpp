@@ -13,12 +13,13 @@ void NodeInlet::onFrame(std::span<const std::byte> frame, bool isCut, const host
     ++m_taken;
     host::FrameHeader header{};
     if (const char* const reason = whyBad(frame, isCut, peer, header)) {
-        if (std::has_single_bit(++m_refused[RefusalReason::LocalFrame])) {
+        ++m_refused[RefusalReason::LocalFrame];
+        if (std::has_single_bit(++m_refusedHere)) {
             AaSysLogPrint(EAaSysLogSeverityLevel_Warning,
                           "Dropped what process %d sent to node 0x%04X: %s (id=0x%04X receiver=0x%08X sender=0x%08X, "
                           "%zu bytes; %llu dropped so far)",
                           peer.pid(), m_node, reason, header.id, header.receiver, header.sender, frame.size(),
-                          static_cast<unsigned long long>(m_refused[RefusalReason::LocalFrame]));
+                          static_cast<unsigned long long>(m_refusedHere));
         }
         return;
     }

@@ -37,6 +37,7 @@ private:
     Link& m_link;
     RefusalCounts& m_refused;
     std::uint64_t& m_taken;
+    std::uint64_t m_refusedHere = 0; ///< of what was to go to that node
     host::SenderCheck m_senders;
 };
 

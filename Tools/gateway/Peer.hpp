@@ -53,6 +53,7 @@ struct Peer {
     Reception reception{life};                    ///< what comes from it
     DeliveryAccount account;                      ///< what becomes of that
     std::uint64_t received = 0;                   ///< messages
+    RefusalCounts refused;                        ///< of what its gateway has sent
     NodeInlet inlet;                              ///< where senders of this node hand in
     std::unique_ptr<host::UnixEndpoint> endpoint; ///< the inlet's socket
 };

@@ -491,6 +491,47 @@ TEST_F(GatewayFaultsTest, GarbageIsRefusedAndTheConnectionLivesOn)
     EXPECT_EQ(m_net.status(1).refused[RefusalReason::Garbage], 4U);
 }
 
+TEST_F(GatewayFaultsTest, GarbageOfOneNodeDoesNotHideAnothers)
+{
+    TestNet net(3);
+    net.start(1);
+    RawPeer first(net.rows()[1], net.keys(0));
+    for (int count = 0; count < 5; ++count) {
+        first.send(WireBytes(100, std::byte{0xEE}));
+    }
+    ASSERT_TRUE(first.greet(nodeId(0), nodeId(1))); // all of it has been read
+    RawPeer second(net.rows()[1], net.keys(2));
+    second.send(WireBytes(100, std::byte{0xEE}));
+    ASSERT_TRUE(second.greet(nodeId(2), nodeId(1)));
+
+    EXPECT_EQ(net.status(1).refused[RefusalReason::Garbage], 6U);
+    std::vector<std::string> lines = m_log.texts();
+    std::erase_if(lines, [](const std::string& line) { return line.find("Refused what") == std::string::npos; });
+    EXPECT_THAT(lines,
+                testing::ElementsAre("Warning 0x0 Refused what the gateway of node 0x0101 sent: garbage (1 so far)",
+                                     "Warning 0x0 Refused what the gateway of node 0x0101 sent: garbage (2 so far)",
+                                     "Warning 0x0 Refused what the gateway of node 0x0101 sent: garbage (4 so far)",
+                                     "Warning 0x0 Refused what the gateway of node 0x0103 sent: garbage (1 so far)"));
+}
+
+TEST_F(GatewayFaultsTest, BadMessagesToOneNodeDoNotHideThoseToAnother)
+{
+    TestNet net(3);
+    net.start(0);
+    const NodeSender first(net.directory(0), nodeId(1));
+    const NodeSender second(net.directory(0), nodeId(2));
+    for (int count = 0; count < 5; ++count) {
+        ASSERT_TRUE(first.sendBytes(std::vector<std::byte>(10)));
+    }
+    ASSERT_TRUE(waitUntil([&net] { return net.status(0).refused[RefusalReason::LocalFrame] == 5; }));
+    ASSERT_TRUE(second.sendBytes(std::vector<std::byte>(10)));
+    ASSERT_TRUE(waitUntil([&net] { return net.status(0).refused[RefusalReason::LocalFrame] == 6; }));
+
+    EXPECT_THAT(m_log.texts(), testing::Contains("Warning 0x0 Dropped what process " + std::to_string(getpid()) +
+                                                 " sent to node 0x0103: it is too short (id=0x0000 receiver=0x00000000 "
+                                                 "sender=0x00000000, 10 bytes; 1 dropped so far)"));
+}
+
 TEST_F(GatewayFaultsTest, GreetingInAnotherNodesNameIsRefused)
 {
     m_net.start(1);
