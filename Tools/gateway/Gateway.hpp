@@ -12,7 +12,7 @@
 /// 2. What arrives there is checked as between processes of the node (message, length, sender, credentials), and put
 ///    into the link's queue. The gateway reads at all times, so that a sender never waits for another node. The queue
 ///    is bounded by count and by bytes, and all queues together are by bytes; what is too much is dropped, the oldest
-///    first that has not been sent, counted, and logged once until the queue has been empty again.
+///    first that has not been sent, counted, and logged at the beginning and the end of a burst.
 /// 3. Each link has a connection per direction, on which one node sends. It is tried until it holds, with back-off.
 ///    Both ends prove who they are by the keys of the table: a peer is the node that its key belongs to, whatever it
 ///    says.

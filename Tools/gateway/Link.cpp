@@ -47,7 +47,8 @@ Link::Link(const TableRow& row, TAaSysComNid own, std::uint64_t ownEpoch, const 
       m_queue({options.queueMessages, options.queueBytes, options.windowBytes}),
       m_changed(now),
       m_until(now),
-      m_backOff(options.firstBackOff)
+      m_backOff(options.firstBackOff),
+      m_burst(options.silence)
 {
     m_life.whenEnded([this](Nanoseconds when) { onLifeEnded(when); });
     m_room.add(*this);
@@ -76,11 +77,23 @@ std::size_t Link::giveWay()
 void Link::noteDropped(std::size_t count)
 {
     m_dropped[DropReason::QueueFull] += count;
-    if (count > 0 && !m_isOverflowing) {
-        m_isOverflowing = true;
+    if (m_burst.note(count)) {
         AaSysLogPrint(EAaSysLogSeverityLevel_Warning,
                       "The queue to node 0x%04X is full (%zu messages, %zu bytes): the oldest are dropped", m_row.node,
                       m_queue.messages(), m_queue.bytes());
+    }
+}
+
+/// Drops while something waits are of one burst, however rare: with the link down for hours, too.
+void Link::reportEndOfDrops(Nanoseconds now)
+{
+    if (m_queue.hasUnsent()) {
+        return;
+    }
+    if (const std::optional<std::uint64_t> dropped = m_burst.endAt(now)) {
+        AaSysLogPrint(EAaSysLogSeverityLevel_Warning,
+                      "The queue to node 0x%04X has room again: %llu messages were dropped meanwhile", m_row.node,
+                      static_cast<unsigned long long>(*dropped));
     }
 }
 
@@ -94,7 +107,6 @@ void Link::flush()
     } catch (const std::bad_alloc&) {
         return; // there may be memory later
     }
-    m_isOverflowing = m_isOverflowing && m_queue.hasUnsent();
 }
 
 void Link::sendQueued()
@@ -122,6 +134,7 @@ Nanoseconds Link::deadline() const
 
 void Link::tick(Nanoseconds now)
 {
+    reportEndOfDrops(now);
     if (m_state == LinkState::Up && now >= m_nextPing) {
         ping(now);
         if (now - m_changed >= m_options.silence) {
@@ -303,7 +316,6 @@ void Link::onLifeEnded(Nanoseconds now)
     const OutgoingQueue::Dropped dropped = m_queue.clear();
     m_dropped[DropReason::PeerRestarted] += dropped.unsent;
     m_dropped[DropReason::Unconfirmed] += dropped.unconfirmed;
-    m_isOverflowing = false;
     AaSysLogPrint(EAaSysLogSeverityLevel_Warning,
                   "Node 0x%04X has been restarted: dropped %zu messages for its life before", m_row.node,
                   dropped.unsent + dropped.unconfirmed);

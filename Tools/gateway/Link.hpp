@@ -3,6 +3,7 @@
 /// The way to one other node: what waits for it, and the connection on which it is sent, without any input or output.
 #pragma once
 
+#include "gateway/DropBurst.hpp"
 #include "gateway/Frames.hpp"
 #include "gateway/Gateway.hpp"
 #include "gateway/OutgoingQueue.hpp"
@@ -92,6 +93,7 @@ private:
     std::size_t droppableBytes() const override { return m_queue.unsentBytes(); }
     std::size_t giveWay() override;
     void noteDropped(std::size_t count);
+    void reportEndOfDrops(Nanoseconds now);
     void sendQueued();
     void enter(LinkState state, Nanoseconds now);
     void begin(Nanoseconds now);
@@ -130,7 +132,7 @@ private:
     std::deque<Nanoseconds> m_pings;      ///< sent in this session, not answered
     std::vector<std::string> m_addresses; ///< of a host's name, that have not been tried
     bool m_isBlocked = false;             ///< the wire did not take the last message
-    bool m_isOverflowing = false;
+    DropBurst m_burst;
 
     std::uint64_t m_ups = 0;
     std::uint64_t m_accepted = 0;

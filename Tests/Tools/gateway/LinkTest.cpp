@@ -4,6 +4,7 @@
 #include "NoMemory.hpp"
 #include "NodeTest.hpp"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 
 namespace dorn::gateway::test {
@@ -468,11 +469,54 @@ TEST_F(LinkTest, OverflowDropsTheOldestAndIsLoggedOncePerBurst)
         m_link.onConfirmation({77, expected});
         m_link.flush(); // until the burst is over
     }
+    stayUpFor(2500ms);
+    const std::string end = "Warning 0x0 The queue to node 0x0102 has room again: 15 messages were dropped meanwhile";
+    EXPECT_EQ(m_log.texts(), (std::vector{line, end}));
     m_wire.hasRoom = false;
     for (std::uint32_t id = 1; id <= 102; ++id) {
         accept(id);
     }
-    EXPECT_EQ(m_log.texts(), (std::vector{line, line}));
+    EXPECT_EQ(m_log.texts(), (std::vector{line, end, line}));
+}
+
+TEST_F(LinkTest, SourceThatIsALittleFasterThanTheLinkIsReportedOnce)
+{
+    bringUp(77);
+    std::uint64_t expected = 2;
+    for (int round = 0; round < 20; ++round) {
+        for (std::uint32_t id = 1; id <= 105; ++id) {
+            accept(id); // five too many
+        }
+        while (status().waiting > 0) {
+            m_link.flush();
+            m_link.onMessage(Confirmation{77, expected++}, m_now);
+        }
+        tickAt(m_now + 500ms);
+    }
+    EXPECT_EQ(m_log.texts().size(), 1U);
+
+    stayUpFor(2500ms);
+
+    EXPECT_EQ(m_log.texts().size(), 2U);
+    EXPECT_EQ(m_log.count("Warning 0x0 The queue to node 0x0102 has room again: 100 messages were dropped meanwhile"),
+              1U);
+}
+
+TEST_F(LinkTest, RareDropsWhileTheLinkIsDownAreOneBurst)
+{
+    for (std::uint32_t id = 1; id <= 110; ++id) {
+        accept(id);
+        m_now += 10s;
+        if (m_now >= m_link.deadline()) {
+            tickAt(m_now);
+        }
+    }
+
+    EXPECT_EQ(status().dropped[DropReason::QueueFull], 10U);
+    const std::vector<std::string> lines = m_log.texts();
+    EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
+                            [](const std::string& line) { return line.find("queue") != std::string::npos; }),
+              1);
 }
 
 TEST_F(LinkTest, MessageForWhichThereIsNoMemoryIsDroppedAndCounted)
