@@ -4,6 +4,7 @@
 #include "AaSysLog.h"
 #include "gateway/Entrance.hpp"
 #include "gateway/Frames.hpp"
+#include "gateway/OpenFiles.hpp"
 #include "gateway/Peer.hpp"
 #include "gateway/PlaceWatch.hpp"
 #include "gateway/StatusServer.hpp"
@@ -19,7 +20,6 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
-#include <sys/resource.h>
 #include <system_error>
 #include <unistd.h>
 #include <unordered_map>
@@ -35,12 +35,8 @@ constexpr int inletStepsAtOnce = 4;
 /// So many at once are a stream: less than an endpoint takes from a connection in one step.
 constexpr std::uint64_t framesInAStream = 8;
 
-/// What a gateway without other nodes has open, the receivers of its node included.
-constexpr rlim_t ownDescriptors = 256;
-/// Connections that have not proven who they are.
-constexpr rlim_t strangers = 256;
-/// Both connections and their sockets, and the senders of this node.
-constexpr rlim_t descriptorsPerNode = 8 + 64;
+/// ZeroMQ's for a link: the connection and its events, while those of the attempt before may still be ending.
+constexpr int socketsPerNode = 2 * 3;
 
 std::string nodeName(TAaSysComNid node)
 {
@@ -71,16 +67,10 @@ const TableRow& ownRow(const host::RunDirectory& directory, const Table& table, 
     return *row;
 }
 
-/// With many nodes the usual limit is too low. It is raised to what is needed, not further: it bounds the connections
-/// of strangers, who have the time of a handshake each.
-void raiseDescriptorLimit(std::size_t nodes)
+/// ZeroMQ's usual number is too low for the greatest table.
+int greatestSockets(std::size_t nodes)
 {
-    const rlim_t needed = ownDescriptors + strangers + nodes * descriptorsPerNode;
-    rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < needed) {
-        limit.rlim_cur = std::min(needed, limit.rlim_max);
-        setrlimit(RLIMIT_NOFILE, &limit);
-    }
+    return ZMQ_MAX_SOCKETS_DFLT + static_cast<int>(nodes) * socketsPerNode;
 }
 
 } // namespace
@@ -163,8 +153,9 @@ Gateway::Loop::Loop(const host::RunDirectory& directory, const Table& table, con
         throw host::EnvironmentError("process " + std::to_string(m_store.foreignGateway()) +
                                      " is the gateway of node " + nodeName(m_own.node) + " already");
     }
-    raiseDescriptorLimit(m_table.rows().size());
+    raiseOpenFiles(m_table.rows().size());
     m_context.set(zmq::ctxopt::blocky, false);
+    m_context.set(zmq::ctxopt::max_sockets, greatestSockets(m_table.rows().size()));
     directory.makeSubdirectory(host::nodeSocketFolder);
     m_entrance = std::make_unique<Entrance>(m_context, m_waitSet, m_table, m_own, m_keys, m_options, m_refused);
     m_receivers = std::make_unique<Receivers>(directory, m_options, m_waitSet);

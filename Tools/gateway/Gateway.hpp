@@ -32,7 +32,8 @@
 /// One thread does everything in run(), besides ZeroMQ's own for the connections, and one at a time for each host name
 /// that is being looked up. All times are of the clock that never steps. The process's limit of open files is raised to
 /// 512 and 72 for each node of the table, if it is lower and may be: more connections than that, of whomever, are not
-/// taken. One that has not proven who it is has two seconds for it.
+/// taken. With less than 64 and 8 for each node it does not start. A connection that has not proven who it is has two
+/// seconds for it.
 #pragma once
 
 #include "gateway/Keys.hpp"

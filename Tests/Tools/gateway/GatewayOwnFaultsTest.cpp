@@ -5,9 +5,12 @@
 #include "RawPeer.hpp"
 #include "TestNet.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <future>
 #include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <thread>
 #include <zmq.h>
 
 namespace dorn::gateway::test {
@@ -95,6 +98,36 @@ TEST_F(GatewayOwnFaultsTest, EntranceThatFailsEndsTheGatewayWithAWord)
         EXPECT_EQ(why, "ZeroMQ: Socket operation on non-socket");
         EXPECT_THAT(m_log.texts(), testing::Contains("Error 0x0 The gateway ends: " + why));
     }
+}
+
+TEST_F(GatewayOwnFaultsTest, SocketsSufficeForTheGreatestTable)
+{
+    constexpr rlim_t openFiles = 64 + 8 * maxTableRows;
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    if (limit.rlim_max < openFiles) {
+        GTEST_SKIP() << "this process may not have " << openFiles << " open files";
+    }
+    std::vector<TableRow> rows = m_net.rows();
+    while (rows.size() < maxTableRows) {
+        rows.push_back({nodeId(rows.size()), m_net.host(), TestNet::freePort(), makeKeyPair().publicKey});
+    }
+    GatewayOptions options = quickOptions();
+    options.listenAddress = m_net.host();
+    options.firstBackOff = std::chrono::hours(1); // each is tried once
+    Gateway gateway(m_net.directory(0), Table(rows), m_net.keys(0), options);
+    std::thread running([&gateway] { gateway.run(); });
+
+    EXPECT_TRUE(waitUntil([this] {
+        const std::vector<LinkStatus> links = m_net.status(0).links;
+        return std::all_of(links.begin(), links.end(),
+                           [](const LinkStatus& link) { return link.fault == LinkFault::Unreachable; });
+    }));
+    EXPECT_EQ(m_net.status(0).links.size(), maxTableRows - 1);
+    constexpr int ofALink = 3; // and as many that are ending
+    EXPECT_GE(greatestNumberOfSockets(), 2 * ofALink * static_cast<int>(maxTableRows));
+    gateway.stop();
+    running.join();
 }
 
 TEST_F(GatewayOwnFaultsTest, ParcelThatThereIsNoMemoryForIsSentAgain)
