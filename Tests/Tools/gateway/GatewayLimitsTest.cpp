@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Gateways whose processes may have few open files.
+// Gateways whose processes are short of something.
 #include "TwoNodesTest.hpp"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace dorn::gateway::test {
@@ -44,6 +45,17 @@ TEST_F(GatewayLimitsTest, LeastOpenFilesSufficeWithAWord)
         "are not taken";
     EXPECT_TRUE(waitUntil([&] { return own->standardError().find(line) != std::string::npos; }))
         << own->standardError();
+}
+
+TEST_F(GatewayLimitsTest, WithoutItsRunDirectoryTheProcessEndsWithStatus1)
+{
+    const auto gateway = startReadyGateway(otherNode);
+    const std::string directory = m_node.runDirectory() + "/0f02";
+    std::filesystem::rename(directory, directory + "-moved");
+
+    EXPECT_EQ(gateway->waitForEnd(), 1);
+    EXPECT_EQ(gateway->standardError(),
+              "the run directory '" + directory + "' is gone, and nobody finds this gateway any more\n");
 }
 
 } // namespace
