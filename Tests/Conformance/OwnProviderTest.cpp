@@ -27,14 +27,11 @@ std::set<std::string> skippedHere()
     if (!hasCommand) {
         skipped.insert("trouble.callbacks-are-called");
     }
-    if (test::hasAddressSanitizer) {
-        skipped.insert({"sem.take-is-cancelled", "eu.receive-is-cancelled"});
-    }
     if (test::hasThreadSanitizer) {
         skipped.insert({"startup.shutdown-handler-is-called", "startup.requests-within-a-second-are-one"});
     }
     if (test::hasAddressSanitizer || test::hasThreadSanitizer) {
-        skipped.insert("memory.last-reference-frees");
+        skipped.insert({"sem.take-is-cancelled", "eu.receive-is-cancelled", "memory.last-reference-frees"});
     }
     return skipped;
 }
