@@ -9,6 +9,9 @@ namespace dorn::gateway {
 namespace {
 
 constexpr int messagesAtOnce = 64;
+/// The link begins a new connection long before. Not never: ZeroMQ would then look through the interfaces of the
+/// machine for the address whenever a connection has ended, and end the process when it has no descriptor for that.
+constexpr int reconnectMilliseconds = 3'600'000;
 constexpr int events = ZMQ_EVENT_CLOSED | ZMQ_EVENT_DISCONNECTED | ZMQ_EVENT_HANDSHAKE_FAILED_NO_DETAIL |
                        ZMQ_EVENT_HANDSHAKE_FAILED_PROTOCOL | ZMQ_EVENT_HANDSHAKE_FAILED_AUTH;
 
@@ -45,7 +48,7 @@ void DealerWire::open(const std::string& endpoint)
     socket.set(zmq::sockopt::sndhwm, 0); // the queue's window bounds it
     socket.set(zmq::sockopt::rcvhwm, messagesAtOnce);
     socket.set(zmq::sockopt::maxmsgsize, static_cast<std::int64_t>(greatestEncrypted));
-    socket.set(zmq::sockopt::reconnect_ivl, -1);
+    socket.set(zmq::sockopt::reconnect_ivl, reconnectMilliseconds);
     socket.set(zmq::sockopt::handshake_ivl, 0); // the link gives an attempt up
     m_socket->set(ZMQ_CURVE_SERVERKEY, m_row.key.bytes());
     m_socket->set(ZMQ_CURVE_PUBLICKEY, m_keys.publicKey.bytes());

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The gateway of a test's node: GatewayProgram TABLE KEYFILE LISTEN-ADDRESS. Ends with SIGTERM.
+// The gateway of a test's node: GatewayProgram TABLE KEYFILE LISTEN-ADDRESS [SILENCE-MILLISECONDS]. Ends with SIGTERM.
 #include "gateway/Gateway.hpp"
 
 #include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 
 namespace {
@@ -18,11 +19,15 @@ void stop(int)
     }
 }
 
-void run(const char* table, const char* keyFile, const char* address)
+void run(const char* table, const char* keyFile, const char* address, const char* silence)
 {
     const dorn::host::RunDirectory directory;
     dorn::gateway::GatewayOptions options;
     options.listenAddress = address;
+    if (silence) {
+        options.silence = std::chrono::milliseconds(std::strtol(silence, nullptr, 10));
+        options.heartbeat = options.silence / 4;
+    }
     options.firstBackOff = std::chrono::milliseconds(20);
     options.greatestBackOff = std::chrono::milliseconds(200);
     dorn::gateway::Gateway gateway(directory, dorn::gateway::readTable(table).table,
@@ -40,7 +45,7 @@ void run(const char* table, const char* keyFile, const char* address)
 int main(int, char** arguments)
 {
     try {
-        run(arguments[1], arguments[2], arguments[3]);
+        run(arguments[1], arguments[2], arguments[3], arguments[4]);
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());

@@ -65,6 +65,7 @@ public:
     Table table() const { return Table(m_rows); }
     /// The row of @p to as @p from sees it; to be changed before the gateway is started.
     TableRow& seenBy(std::size_t from, std::size_t to) { return m_seen[from][to]; }
+    const std::vector<TableRow>& rowsSeenBy(std::size_t from) const { return m_seen[from]; }
 
     /// A port of this process's own loopback address.
     static std::uint16_t freePort();
