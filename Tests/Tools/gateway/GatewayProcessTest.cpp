@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Real services in processes of two nodes, with a gateway process for each.
+#include "OpenFiles.hpp"
 #include "TwoNodesTest.hpp"
 #include "syscom/Post.hpp"
 
@@ -10,7 +11,6 @@
 #include <functional>
 #include <gmock/gmock.h>
 #include <sstream>
-#include <sys/resource.h>
 #include <thread>
 
 namespace dorn::gateway::test {
@@ -23,7 +23,31 @@ using testkit::Process;
 
 constexpr TAaSysComNid unknownNode = 0x0F77;
 
-class GatewayProcessTest : public TwoNodesTest {};
+class GatewayProcessTest : public TwoNodesTest {
+protected:
+    GatewayProcessTest() { m_otherDirectory.makeSubdirectory(host::socketFolder); }
+
+    static LinkStatus linkOf(const host::RunDirectory& directory)
+    {
+        return fetchStatus(directory, testkit::generousBound).status.value_or(GatewayStatus{}).links.at(0);
+    }
+    static bool isUp(const host::RunDirectory& directory)
+    {
+        return waitUntil([&] { return linkOf(directory).state == LinkState::Up; });
+    }
+    /// Everything sent to a link is in the end confirmed or dropped for a reason.
+    static void expectSum(const LinkStatus& link)
+    {
+        using enum DropReason;
+        EXPECT_EQ(link.accepted, link.confirmed + link.waiting + link.dropped[QueueFull] + link.dropped[PeerRestarted] +
+                                     link.dropped[Unconfirmed]);
+        EXPECT_EQ(link.received, link.delivered + link.pending + link.dropped[NoReceiver] + link.dropped[ReceiverFull] +
+                                     link.dropped[SenderRestarted] + link.dropped[Forged]);
+    }
+
+    const host::RunDirectory m_ownDirectory{m_node.runDirectory(), ownNode};
+    const host::RunDirectory m_otherDirectory{m_node.runDirectory(), otherNode};
+};
 
 TEST_F(GatewayProcessTest, ServicesOfTwoNodesTalkByAddressAlone)
 {
@@ -84,13 +108,10 @@ TEST_F(GatewayProcessTest, KilledGatewayLeavesNoWayAndItsSuccessorIsFound)
 
 TEST_F(GatewayProcessTest, GatewayKilledInTheMiddleOfABurstLeavesCountsThatAddUp)
 {
-    const host::RunDirectory ownDirectory(m_node.runDirectory(), ownNode);
-    const host::RunDirectory otherDirectory(m_node.runDirectory(), otherNode);
-    otherDirectory.makeSubdirectory(host::socketFolder);
     const auto own = startReadyGateway(ownNode);
     auto other = startReadyGateway(otherNode);
-    CpidReceiver receiver(otherDirectory, 0x0300);
-    const NodeSender sender(ownDirectory, otherNode);
+    CpidReceiver receiver(m_otherDirectory, 0x0300);
+    const NodeSender sender(m_ownDirectory, otherNode);
     constexpr std::uint32_t count = 15000;
     constexpr std::uint32_t ahead = 1000; // so that the gateway delivers at once what it receives
     std::atomic<std::uint32_t> end{ahead};
@@ -120,19 +141,16 @@ TEST_F(GatewayProcessTest, GatewayKilledInTheMiddleOfABurstLeavesCountsThatAddUp
     other = startReadyGateway(otherNode);
     bursts.join();
 
-    const auto linkOf = [](const host::RunDirectory& directory) {
-        return fetchStatus(directory, testkit::generousBound).status.value_or(GatewayStatus{}).links.at(0);
-    };
     EXPECT_TRUE(waitUntil([&] {
         take(std::chrono::milliseconds(0));
-        const LinkStatus link = linkOf(ownDirectory);
+        const LinkStatus link = linkOf(m_ownDirectory);
         return link.accepted == count && link.waiting == 0;
     }));
-    while (numbers.size() < ofFirstLife + linkOf(otherDirectory).received && take(testkit::generousBound)) {
+    while (numbers.size() < ofFirstLife + linkOf(m_otherDirectory).received && take(testkit::generousBound)) {
     }
     using enum DropReason;
-    const LinkStatus link = linkOf(ownDirectory);
-    const LinkStatus opposite = linkOf(otherDirectory);
+    const LinkStatus link = linkOf(m_ownDirectory);
+    const LinkStatus opposite = linkOf(m_otherDirectory);
     EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end(), std::less_equal<>())); // none twice
     EXPECT_EQ(link.accepted,
               link.confirmed + link.dropped[QueueFull] + link.dropped[PeerRestarted] + link.dropped[Unconfirmed]);
@@ -141,6 +159,157 @@ TEST_F(GatewayProcessTest, GatewayKilledInTheMiddleOfABurstLeavesCountsThatAddUp
     EXPECT_EQ(opposite.delivered, opposite.received);
     EXPECT_EQ(opposite.dropped.sum(), 0U);
     EXPECT_EQ(numbers.size() - ofFirstLife, opposite.delivered);
+}
+
+/// Sends to another node as fast as it is let, and notes how long a send took at most.
+struct TimedSends {
+    std::uint32_t accepted = 0;
+    std::int32_t last = EAaSysComStatus_Ok;
+    Nanoseconds longest{0};
+
+    /// Sends numbers until @p count have been accepted, or one has not.
+    void run(TAaSysComSicad receiver, std::uint32_t count)
+    {
+        for (; accepted < count && last == EAaSysComStatus_Ok; accepted += last == EAaSysComStatus_Ok ? 1 : 0) {
+            void* message = AaSysComMsgCreate(0x55, sizeof accepted, receiver);
+            std::memcpy(AaSysComMsgGetPayload(message), &accepted, sizeof accepted);
+            const Nanoseconds before = host::Clock::get().monotonic();
+            last = AaSysComMsgSend(&message);
+            longest = std::max(longest, host::Clock::get().monotonic() - before);
+        }
+    }
+};
+
+TEST_F(GatewayProcessTest, ServiceNeverWaitsForAGatewayThatHangsOnTheOtherNode)
+{
+    const auto own = startReadyGateway(ownNode);
+    const auto other = startReadyGateway(otherNode);
+    ASSERT_TRUE(isUp(m_ownDirectory));
+    other->signal(SIGSTOP);
+    constexpr std::uint32_t count = 80000; // more than the queue has room for
+
+    TimedSends sends;
+    sends.run(AaSysComSicadGet(0x0300, otherNode), count);
+
+    EXPECT_EQ(sends.accepted, count);
+    EXPECT_LT(sends.longest, host::backPressureTime);
+    ASSERT_TRUE(waitUntil([this] { return linkOf(m_ownDirectory).accepted == count; }));
+    const LinkStatus full = linkOf(m_ownDirectory);
+    EXPECT_EQ(full.waiting, 65536U);
+    EXPECT_EQ(full.dropped[DropReason::QueueFull], count - 65536);
+
+    other->signal(SIGCONT);
+    ASSERT_TRUE(waitUntil([this] { return linkOf(m_ownDirectory).waiting == 0; }));
+    EXPECT_EQ(linkOf(m_ownDirectory).confirmed, 65536U);
+    EXPECT_EQ(linkOf(m_otherDirectory).received, 65536U);
+    EXPECT_EQ(linkOf(m_otherDirectory).dropped[DropReason::NoReceiver], 65536U);
+    expectSum(linkOf(m_ownDirectory));
+    expectSum(linkOf(m_otherDirectory));
+}
+
+TEST_F(GatewayProcessTest, ServiceWaitsForItsOwnGatewayThatHangsNoLongerThanForAnyReceiver)
+{
+    const auto own = startReadyGateway(ownNode);
+    const auto other = startReadyGateway(otherNode);
+    ASSERT_TRUE(isUp(m_ownDirectory));
+    CpidReceiver receiver(m_otherDirectory, 0x0300);
+    own->signal(SIGSTOP);
+
+    TimedSends sends;
+    sends.run(AaSysComSicadGet(0x0300, otherNode), 1000000);
+    EXPECT_EQ(sends.last, EAaSysComStatus_QueueFull);
+    EXPECT_LT(sends.longest, 2 * host::backPressureTime);
+    const Nanoseconds before = host::Clock::get().monotonic();
+    EXPECT_EQ(sendEmptyTo(AaSysComSicadGet(0x0300, unknownNode)), EAaSysComStatus_NoRoute);
+    EXPECT_LT(host::Clock::get().monotonic() - before, host::backPressureTime);
+
+    own->signal(SIGCONT);
+    for (std::uint32_t number = 0; number < sends.accepted; ++number) {
+        const std::optional<Arrived> one = receiver.take();
+        ASSERT_TRUE(one) << number;
+        ASSERT_EQ(one->number(), number);
+    }
+    ASSERT_TRUE(waitUntil([&] { return linkOf(m_ownDirectory).confirmed == sends.accepted; }));
+    EXPECT_EQ(linkOf(m_ownDirectory).accepted, sends.accepted);
+    EXPECT_EQ(linkOf(m_otherDirectory).delivered, sends.accepted);
+    EXPECT_EQ(linkOf(m_otherDirectory).received, sends.accepted);
+}
+
+TEST_F(GatewayProcessTest, SendersGatewayKilledInTheMiddleOfABurstRepeatsNothing)
+{
+    auto own = startReadyGateway(ownNode);
+    const auto other = startReadyGateway(otherNode);
+    CpidReceiver receiver(m_otherDirectory, 0x0300);
+    const TAaSysComSicad from = AaSysComSicadGet(1, ownNode);
+    const TAaSysComSicad to = AaSysComSicadGet(0x0300, otherNode);
+    std::atomic<std::uint32_t> sentInFirstLife{0};
+    std::thread burst([&, sender = std::make_unique<NodeSender>(m_ownDirectory, otherNode)] {
+        while (sender->send(from, to, sentInFirstLife, 100)) { // until nobody takes it any more
+            ++sentInFirstLife;
+        }
+    });
+    std::vector<std::uint32_t> numbers;
+    for (std::uint32_t count = 0; count < 2000; ++count) {
+        numbers.push_back(receiver.take().value_or(Arrived{}).number());
+    }
+    own->signal(SIGKILL);
+    own->waitForEnd();
+    burst.join();
+
+    own = startReadyGateway(ownNode);
+    const NodeSender sender(m_ownDirectory, otherNode);
+    const std::uint32_t first = sentInFirstLife + 1000;
+    for (std::uint32_t number = first; number < first + 100; ++number) {
+        ASSERT_TRUE(sender.send(from, to, number, 100));
+    }
+    while (numbers.back() != first + 99) {
+        const std::optional<Arrived> one = receiver.take();
+        ASSERT_TRUE(one);
+        numbers.push_back(one->number());
+    }
+
+    // A beginning of the first burst, and all of the second.
+    ASSERT_GE(numbers.size(), 2100U);
+    const std::size_t ofFirst = numbers.size() - 100;
+    for (std::size_t index = 0; index < numbers.size(); ++index) {
+        ASSERT_EQ(numbers[index], index < ofFirst ? index : first + index - ofFirst);
+    }
+    ASSERT_TRUE(waitUntil([this] { return linkOf(m_ownDirectory).waiting == 0; }));
+    const LinkStatus opposite = linkOf(m_otherDirectory);
+    EXPECT_LE(ofFirst, sentInFirstLife);
+    EXPECT_EQ(linkOf(m_ownDirectory).confirmed, 100U);
+    EXPECT_EQ(opposite.delivered, numbers.size());
+    expectSum(opposite);
+}
+
+TEST_F(GatewayProcessTest, ServiceThatReadsLateBelievesTheLastEightOfItsGateways)
+{
+    const auto other = startReadyGateway(otherNode);
+    const NodeSender sender(m_otherDirectory, ownNode);
+    constexpr std::uint32_t lives = 10;
+    std::vector<pid_t> gateways;
+    for (std::uint32_t life = 0; life < lives; ++life) {
+        const auto own = startReadyGateway(ownNode);
+        ASSERT_TRUE(waitUntil([&] {
+            return linkOf(m_otherDirectory).ups == life + 1 && linkOf(m_otherDirectory).state == LinkState::Up;
+        }));
+        ASSERT_TRUE(sender.send(AaSysComSicadGet(1, otherNode), AaSysComSicadGet(m_cpid, ownNode), life));
+        ASSERT_TRUE(waitUntil([this] { return linkOf(m_ownDirectory).delivered == 1; }));
+        gateways.push_back(own->pid());
+    }
+    m_log.clear();
+
+    std::vector<std::uint32_t> believed;
+    while (void* message = AaSysComMsgReceive(AA_NO_WAIT)) {
+        std::memcpy(&believed.emplace_back(), AaSysComMsgGetPayload(message), sizeof believed.back());
+        AaSysComMsgDestroy(&message);
+    }
+
+    EXPECT_THAT(believed, testing::UnorderedElementsAre(2, 3, 4, 5, 6, 7, 8, 9));
+    const auto isForged = [](pid_t gateway) {
+        return HasSubstr("Dropped what process " + std::to_string(gateway) + " sent to cpid");
+    };
+    EXPECT_THAT(m_log.texts(), testing::UnorderedElementsAre(isForged(gateways[0]), isForged(gateways[1])));
 }
 
 /// The soft limit of open files of a process.
@@ -159,24 +328,6 @@ std::string openFilesOf(pid_t process)
     }
     return "";
 }
-
-/// The limit of open files of this process and those that it starts while it lives.
-class OpenFiles {
-public:
-    explicit OpenFiles(rlim_t soft)
-    {
-        getrlimit(RLIMIT_NOFILE, &m_before);
-        const rlimit limit{soft, m_before.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &limit);
-    }
-    ~OpenFiles() { setrlimit(RLIMIT_NOFILE, &m_before); }
-    OpenFiles(const OpenFiles&) = delete;
-    OpenFiles& operator=(const OpenFiles&) = delete;
-    rlim_t hard() const { return m_before.rlim_max; }
-
-private:
-    rlimit m_before{};
-};
 
 TEST_F(GatewayProcessTest, LimitOfOpenFilesIsRaisedToWhatItNeedsAndNotFurther)
 {
