@@ -1,65 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Two nodes on two hosts of their own, as far as the network goes: a link is cut where a cable would be pulled.
+#include "Namespace.hpp"
 #include "TwoNodesTest.hpp"
 
-#include <filesystem>
-#include <gmock/gmock.h>
-#include <unistd.h>
+#include <utility>
 
 namespace dorn::gateway::test {
 namespace {
 
-using host::test::Answer;
 using host::test::Order;
-using testkit::Process;
-
-void append(std::vector<std::string>& command, const std::vector<std::string>& words)
-{
-    command.insert(command.end(), words.begin(), words.end());
-}
-
-/// A network namespace that lives as long as a process in it.
-class Namespace {
-public:
-    /// @param within command, if any, that makes it inside another one
-    explicit Namespace(std::vector<std::string> within = {})
-    {
-        const bool isUser = geteuid() != 0 && within.empty();
-        append(within, {"/usr/bin/env", "unshare"});
-        if (isUser) {
-            append(within, {"-U", "-r"});
-        }
-        append(within, {"-n", "sh", "-c", "echo inside; exec sleep 600"});
-        m_holder =
-            std::make_unique<Process>(within.front(), std::vector<std::string>(within.begin() + 1, within.end()));
-    }
-
-    bool isThere() const { return m_holder->waitForOutput("inside"); }
-    std::string whyNot() const { return m_holder->standardError(); }
-
-    /// The beginning of a command that runs inside.
-    std::vector<std::string> enter() const
-    {
-        std::vector<std::string> command{"/usr/bin/env", "nsenter", "-t", std::to_string(m_holder->pid()), "-n"};
-        if (geteuid() != 0) {
-            append(command, {"-U", "--preserve-credentials"});
-        }
-        return command;
-    }
-    std::string process() const { return std::to_string(m_holder->pid()); }
-
-    /// Runs a command inside. @return what it complained about; empty when it was done
-    std::string run(const std::vector<std::string>& command) const
-    {
-        std::vector<std::string> whole = enter();
-        append(whole, command);
-        Process process(whole.front(), std::vector<std::string>(whole.begin() + 1, whole.end()));
-        return process.waitForEnd() == 0 ? "" : "'" + command.front() + "': " + process.standardError();
-    }
-
-private:
-    std::unique_ptr<Process> m_holder;
-};
 
 class GatewayNamespaceTest : public TwoNodesTest {
 protected:
