@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Sixteen nodes under random link cuts for as many rounds as wanted: dorn_gateway_soak [ROUNDS [NODES]]. Each round has
-// another seed; exit status 1 after the first bad one.
+// another seed; exit status 1 after the first bad one. DORN_LOG=stderr shows what the gateways say.
 #include "Soak.hpp"
 
 #include <cstdio>
@@ -8,6 +8,7 @@
 
 int main(int count, char** arguments)
 {
+    setenv("DORN_LOG", "none", 0);
     const unsigned long rounds = count > 1 ? std::strtoul(arguments[1], nullptr, 10) : 10;
     dorn::gateway::test::SoakPlan plan;
     plan.nodes = count > 2 ? std::strtoul(arguments[2], nullptr, 10) : plan.nodes;
