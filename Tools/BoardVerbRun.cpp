@@ -19,7 +19,9 @@
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <unistd.h>
 
@@ -68,6 +70,7 @@ public:
 
 private:
     void tell(const SupervisorEvent& event);
+    void tellBadNews(const SupervisorEvent& event);
     void waitAndStep(host::Deadline until);
     void runUntil(const std::function<bool()>& isDone, host::Deadline until);
     void endAll();
@@ -83,6 +86,7 @@ private:
     Supervisor m_supervisor;
     std::unique_ptr<BoardObserver> m_observer;
     std::unique_ptr<LiveView> m_view;
+    std::map<std::string, SupervisorEvent> m_lastSaid; ///< by service
 };
 
 bool isDrawn(const RunOptions& options)
@@ -117,9 +121,20 @@ void BoardRun::tell(const SupervisorEvent& event)
         m_view->note(event);
     } else if (!m_options.isOnce) {
         m_console.printLine(eventLine(event));
+    } else if (event.news == News::Said) {
+        m_lastSaid.insert_or_assign(event.service, event);
     } else if (event.news == News::Bad) {
-        m_console.remark(sentence(event));
+        tellBadNews(event);
     }
+}
+
+/// What a service said last often tells why.
+void BoardRun::tellBadNews(const SupervisorEvent& event)
+{
+    if (const auto said = m_lastSaid.extract(event.service)) {
+        m_console.remark(sentence(said.mapped()));
+    }
+    m_console.remark(sentence(event));
 }
 
 /// Waits for whatever comes first, and does what is due then.

@@ -63,6 +63,17 @@ TEST_F(DornBoardRunTest, OnceSaysThatOneDoesNotRun)
     EXPECT_NE(result.remarks.find("dorn: not every service runs\n"), std::string::npos) << result.remarks;
 }
 
+TEST_F(DornBoardRunTest, OnceTellsWhatAServiceThatFailedSaidLast)
+{
+    const CommandResult result =
+        runOnce(scriptElement("Frail", "echo on the way; echo no table; exit 7", R"(<restart when="never"/>)") +
+                "<service name=\"Never\" program=\"/bin/sleep\"><argument>1000</argument></service>\n");
+
+    EXPECT_NE(result.remarks.find("dorn: Frail: says: no table\ndorn: Frail: ended with status 7\n"), std::string::npos)
+        << result.remarks;
+    EXPECT_EQ(result.remarks.find("on the way"), std::string::npos) << result.remarks;
+}
+
 TEST_F(DornBoardRunTest, OnceGivesUpAfterItsTime)
 {
     const std::string never = "<service name=\"Never\" program=\"/bin/sleep\"><argument>1000</argument></service>\n";
