@@ -19,12 +19,7 @@ constexpr int events = ZMQ_EVENT_CLOSED | ZMQ_EVENT_DISCONNECTED | ZMQ_EVENT_HAN
 
 DealerWire::DealerWire(zmq::context_t& context, host::WaitSet& waitSet, Resolver& resolver, const TableRow& row,
                        const KeyPair& keys, std::size_t ticket)
-    : m_context(context),
-      m_waitSet(waitSet),
-      m_resolver(resolver),
-      m_row(row),
-      m_keys(keys),
-      m_ticket(ticket)
+    : m_context(context), m_waitSet(waitSet), m_resolver(resolver), m_row(row), m_keys(keys), m_ticket(ticket)
 {
 }
 
