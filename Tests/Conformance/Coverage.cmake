@@ -7,7 +7,7 @@ list(APPEND declared AaGpuXmlParser AaGpuXmlNode) # whose functions are members
 dorn_archive_symbols(wanted "U" "${ARCHIVE}")
 list(FILTER wanted EXCLUDE REGEX "^dorn::conformance::")
 list(TRANSFORM wanted REPLACE "::.*" "")
-execute_process(COMMAND "${SUITE}" --list OUTPUT_VARIABLE listing COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${SUITE} --list OUTPUT_VARIABLE listing COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "(Aa|ddal_)[a-zA-Z0-9_]+" named "${listing}")
 
 list(LENGTH declared count)
