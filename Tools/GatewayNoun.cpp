@@ -99,6 +99,7 @@ gateway::GatewayOptions gatewayOptions(const RunOptions& options)
     result.listenAddress = options.listenAddress;
     result.queueMessages = static_cast<std::size_t>(messages);
     result.queueBytes = static_cast<std::size_t>(bytes);
+    result.allQueuesBytes = std::max(result.allQueuesBytes, result.queueBytes);
     return result;
 }
 

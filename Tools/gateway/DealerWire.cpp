@@ -65,8 +65,8 @@ bool DealerWire::send(std::span<const std::byte> head, std::span<const std::byte
         return false;
     }
     zmq::message_t message;
-    if (zmq_msg_init_size(message.handle(), head.size() + body.size()) != 0) {
-        return false; // no memory now
+    if (!makeRoom(message, head.size() + body.size())) {
+        return false;
     }
     std::memcpy(message.data(), head.data(), head.size());
     if (!body.empty()) {

@@ -35,7 +35,7 @@ std::span<const std::byte> bytesOf(std::string_view text)
 /// @return false when there is no memory for it.
 bool copy(std::span<const std::byte> bytes, zmq::message_t& message)
 {
-    if (zmq_msg_init_size(message.handle(), bytes.size()) != 0) {
+    if (!makeRoom(message, bytes.size())) {
         return false;
     }
     std::copy(bytes.begin(), bytes.end(), message.data<std::byte>());

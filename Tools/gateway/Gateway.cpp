@@ -190,7 +190,10 @@ Gateway::Loop::~Loop()
     for (const auto& peer : m_peers) {
         peer->endpoint.reset(); // takes in what senders have handed over, so that it is counted
     }
-    m_receivers->flushAll();
+    try {
+        m_receivers->flushAll();
+    } catch (const std::bad_alloc&) { // what stays is told of
+    }
     for (const auto& peer : m_peers) {
         if (const std::uint64_t pending = peer->account.pending; pending > 0) {
             AaSysLogPrint(EAaSysLogSeverityLevel_Warning,

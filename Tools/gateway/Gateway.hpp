@@ -71,7 +71,8 @@ struct GatewayOptions {
     std::size_t allReceiversBytes = std::size_t{64} << 20;
 
     Nanoseconds heartbeat = std::chrono::milliseconds(500); ///< between two heartbeats
-    /// A link of which nothing is heard for so long is cut; another gateway's connection after three times that.
+    /// A link of which nothing is heard for so long is cut; another gateway's connection is asked for a
+    /// sign of life then, and ended when there is none for three times that.
     Nanoseconds silence = std::chrono::seconds(2);
     Nanoseconds attempt = std::chrono::seconds(3);                 ///< a connection that is not up by then is given up
     Nanoseconds firstBackOff = std::chrono::milliseconds(100);     ///< before a link is tried again; doubled each time

@@ -284,14 +284,11 @@ void Receivers::tick(Nanoseconds now)
         return;
     }
     m_retryAt = host::noDeadline;
-    std::vector<TAaSysComCpid> waiting;
-    for (const auto& [cpid, receiver] : m_receivers) {
-        if (!receiver.socket) {
-            waiting.push_back(cpid);
+    for (auto next = m_receivers.begin(); next != m_receivers.end();) {
+        const auto entry = next++; // it may be forgotten
+        if (!entry->second.socket) {
+            flush(entry->first, entry->second);
         }
-    }
-    for (const TAaSysComCpid cpid : waiting) {
-        flush(cpid, m_receivers[cpid]);
     }
 }
 
@@ -336,18 +333,16 @@ Receivers::Outcome Receivers::sendKept(TAaSysComCpid cpid, Receiver& receiver)
 
 void Receivers::flushAll()
 {
-    std::vector<TAaSysComCpid> cpids;
-    for (const auto& [cpid, receiver] : m_receivers) {
-        cpids.push_back(cpid);
-    }
-    for (const TAaSysComCpid cpid : cpids) {
-        flush(cpid, m_receivers[cpid]);
+    for (auto next = m_receivers.begin(); next != m_receivers.end();) {
+        const auto entry = next++; // it may be forgotten
+        flush(entry->first, entry->second);
     }
 }
 
 void Receivers::dropKept(DeliveryAccount& account)
 {
-    for (auto& [cpid, receiver] : m_receivers) {
+    for (auto& entry : m_receivers) {
+        Receiver& receiver = entry.second;
         std::erase_if(receiver.kept, [&](const Kept& kept) {
             if (kept.account != &account) {
                 return false;

@@ -33,16 +33,31 @@ std::vector<std::string> systemLookUp(const std::string& host)
 
 } // namespace
 
+namespace {
+
+/// None, too, when there is no memory for them: the name is looked up again.
+std::vector<std::string> addressesOf(const Resolver::LookUp& lookUp, const std::string& host)
+{
+    try {
+        return lookUp(host);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+} // namespace
+
 struct Resolver::Shared {
     std::mutex mutex;
     host::WaitSet* waitSet; ///< null when nobody wants to know any more
-    std::vector<Found> found;
+    std::list<Found> found;
 
-    void add(Found one)
+    /// Takes the place that was made when the look-up began: there may be no memory now.
+    void add(std::list<Found> one)
     {
         const std::lock_guard lock(mutex);
         if (waitSet) {
-            found.push_back(std::move(one));
+            found.splice(found.end(), std::move(one));
             waitSet->ring();
         }
     }
@@ -62,24 +77,28 @@ Resolver::~Resolver()
 
 void Resolver::start(std::size_t ticket, const std::string& host)
 {
-    if (!m_underWay.insert(ticket).second) {
+    if (m_underWay.contains(ticket)) {
         return;
     }
     try {
-        std::thread([shared = m_shared, lookUp = m_lookUp, ticket, host] {
-            shared->add({ticket, lookUp(host)});
+        m_underWay.insert(ticket);
+        std::list<Found> one;
+        one.push_back({ticket, {}});
+        std::thread([shared = m_shared, lookUp = m_lookUp, host, one = std::move(one)]() mutable {
+            one.front().addresses = addressesOf(lookUp, host);
+            shared->add(std::move(one));
         }).detach();
-    } catch (const std::system_error&) {
-        m_shared->add({ticket, {}}); // no thread to be had now
+    } catch (const std::exception&) { // no thread to be had now, or no memory
+        m_underWay.erase(ticket);
     }
 }
 
-std::vector<Resolver::Found> Resolver::take()
+std::list<Resolver::Found> Resolver::take()
 {
-    std::vector<Found> found;
+    std::list<Found> found;
     {
         const std::lock_guard lock(m_shared->mutex);
-        found = std::exchange(m_shared->found, {});
+        found.swap(m_shared->found);
     }
     for (const Found& one : found) {
         m_underWay.erase(one.ticket);

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -33,10 +34,11 @@ public:
     Resolver(const Resolver&) = delete;
     Resolver& operator=(const Resolver&) = delete;
 
-    /// Begins to look @p host up for @p ticket, unless that is under way.
+    /// Begins to look @p host up for @p ticket, unless that is under way. Where no thread can be had for it nothing will
+    /// be found; it may be begun again.
     void start(std::size_t ticket, const std::string& host);
     /// What has been found since the last call.
-    std::vector<Found> take();
+    std::list<Found> take();
 
 private:
     struct Shared;

@@ -49,8 +49,8 @@ void StatusServer::onReadable()
 {
     UnixSocket socket(accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
     if (!socket) {
-        if (errno == EMFILE || errno == ENFILE) {
-            m_waitSet.holdOff();
+        if (errno != EAGAIN && errno != ECONNABORTED) {
+            m_waitSet.holdOff(); // descriptors or memory have run out; it stays readable
         }
         return;
     }

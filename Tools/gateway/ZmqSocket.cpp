@@ -79,6 +79,15 @@ bool ZmqSocket::send(zmq::message_t message, bool hasMore)
     }
 }
 
+bool makeRoom(zmq::message_t& message, std::size_t size)
+{
+    if (zmq_msg_init_size(message.handle(), size) == 0) {
+        return true;
+    }
+    zmq_msg_init(message.handle()); // what has failed halfway cannot be closed
+    return false;
+}
+
 namespace {
 
 std::string newMonitorAddress()

@@ -47,6 +47,9 @@ private:
     bool m_isDirty = true;
 };
 
+/// Gives an empty message room for @p size bytes. @return false when there is no memory for it now.
+bool makeRoom(zmq::message_t& message, std::size_t size);
+
 /// What happens to the connections of a socket. Ends before the socket.
 class ZmqMonitor {
 public:

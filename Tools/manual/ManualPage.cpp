@@ -3,10 +3,10 @@
 
 #include "HelpFormatter.hpp"
 #include "Program.hpp"
+#include "manual/Roff.hpp"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cctype>
 #include <sstream>
 #include <string_view>
 
@@ -14,37 +14,6 @@ namespace dorn::tool {
 namespace {
 
 using Commands = std::vector<const CLI::App*>;
-
-/// Text that formats nothing: a hyphen is one that can be copied, and no line begins with a request.
-std::string plain(const std::string& text)
-{
-    std::string result;
-    for (const char c : text) {
-        if (c == '\\') {
-            result += "\\e";
-        } else if (c == '-') {
-            result += "\\-";
-        } else {
-            if ((c == '.' || c == '\'') && (result.empty() || result.back() == '\n')) {
-                result += "\\&";
-            }
-            result += c;
-        }
-    }
-    return result;
-}
-
-std::string bold(const std::string& text)
-{
-    return "\\fB" + plain(text) + "\\fR";
-}
-
-std::string upperCase(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return text;
-}
 
 /// "dorn-rad"
 std::string pageName(const CLI::App& command)
@@ -69,15 +38,7 @@ std::string usageOf(const CLI::App& command)
 
 std::string head(const Program& program, const CLI::App& command)
 {
-    const std::string name = pageName(command);
-    return ".TH " + upperCase(name) + " 1 \"\" \"" + program.commandLine().version() + "\" \"Dorn\"\n" + ".SH NAME\n" +
-           plain(name) + " \\- " + plain(command.get_description()) + "\n";
-}
-
-/// A term and what it is, in the body of a list.
-std::string item(const std::string& term, const std::string& description)
-{
-    return ".TP\n" + term + "\n" + plain(description) + "\n";
+    return pageHead(pageName(command), program.commandLine().version(), command.get_description());
 }
 
 std::string optionItems(const CLI::App& command)

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Writes what is installed beside the command: its manual and its completion. Run by the build.
-// Usage: dorn-manual DIRECTORY
+// Writes what is installed beside the command: its manual and its completion, and the manual of the conformance suite,
+// which knows none of the command's texts. Run by the build. Usage: dorn-manual DIRECTORY
 #include "Completion.hpp"
 #include "NewFile.hpp"
 #include "Nouns.hpp"
+#include "Options.hpp"
 #include "Program.hpp"
+#include "manual/HelpPage.hpp"
 #include "manual/ManualPage.hpp"
 
 #include <exception>
@@ -25,13 +27,21 @@ void write(const std::filesystem::path& path, const std::string& text)
     file.keep();
 }
 
+void writePage(const std::filesystem::path& directory, const ManualPage& page)
+{
+    write(directory / "man1" / (page.name + ".1"), page.text);
+}
+
 void writeAll(const std::filesystem::path& directory)
 {
     Program program;
     addNouns(program);
     for (const ManualPage& page : manualPages(program)) {
-        write(directory / "man1" / (page.name + ".1"), page.text);
+        writePage(directory, page);
     }
+    const std::string suite = "dorn-conformance";
+    writePage(directory / "conformance",
+              helpPage(suite, dorn::conformance::helpText(suite), program.commandLine().version()));
     write(directory / "bash" / "dorn", bashCompletion(program));
     write(directory / "zsh" / "_dorn", zshCompletionFunction(program));
 }

@@ -7,6 +7,7 @@
 #include "port/CancellationOff.hpp"
 #include "syscom/CpidRegistry.hpp"
 #include "syscom/MessageTap.hpp"
+#include "syscom/Node.hpp"
 #include "syscom/Post.hpp"
 
 #include <exception>
@@ -97,7 +98,7 @@ void* AaSysComMsgCreate(TAaSysComMsgId id, uint16_t payloadSize, TAaSysComSicad 
 {
     const Eu* const eu = eus::currentIfAny();
     const TAaSysComCpid cpid = eu ? eu->firstCpid.load(std::memory_order_relaxed) : TAaSysComCpid{0};
-    const TAaSysComSicad sender = cpid != 0 ? AaSysComSicadGet(cpid, AaSysComGetOwnNid()) : 0;
+    const TAaSysComSicad sender = cpid != 0 ? AaSysComSicadGet(cpid, idInAddresses(AaSysComGetOwnNid())) : 0;
     return Message::create(id, payloadSize, sender, receiver);
 }
 

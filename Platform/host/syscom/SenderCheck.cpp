@@ -35,11 +35,14 @@ bool SenderCheck::isCredible(TAaSysComCpid cpid, const Peer& peer, const CpidSto
 
 bool SenderCheck::isGateway(const Peer& peer, const CpidStore* store)
 {
-    const Believed asked{peer.pid(), store ? store->generation() : 0, 0};
+    if (!store || peer.pid() <= 0) { // 0: of a world with other process ids
+        return false;
+    }
+    const Believed asked{peer.pid(), store->generation(), 0};
     if (asked.isSame(m_gateway)) {
         return true;
     }
-    if (!store || !store->isGateway(peer)) {
+    if (!store->isGateway(peer)) {
         return false;
     }
     m_gateway = asked;

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <new>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
@@ -187,11 +188,16 @@ UnixEndpoint::~UnixEndpoint()
     const std::lock_guard lock(m_waitSet.mutex());
     m_isEnding = true;
     shutdown(m_listener.get(), SHUT_RD); // from here on nobody connects, also who has found the name before
-    onReadable();                        // those who have connected may have sent
     m_waitSet.remove(m_listener.get());
+    try {
+        onReadable(); // those who have connected may have sent
+        for (const auto& connection : m_connections) {
+            connection->takeRest();
+        }
+    } catch (const std::bad_alloc&) { // nobody can take it then
+    }
     for (const auto& connection : m_connections) {
         m_waitSet.remove(connection->descriptor());
-        connection->takeRest();
     }
 }
 

@@ -106,10 +106,13 @@ EAaSysComStatus UnixTransport::send(TAaSysComCpid receiver, std::span<const std:
 
 EAaSysComStatus UnixTransport::sendToNode(TAaSysComNid node, std::span<const std::byte> frame, Nanoseconds patience)
 {
-    const bool hung = m_isGatewayHung.load(std::memory_order_relaxed);
-    const EAaSysComStatus status = sendTo(destinationOfNode(node), frame, hung ? Nanoseconds(0) : patience);
-    if (const bool hangs = status == EAaSysComStatus_QueueFull; hangs != hung) {
-        m_isGatewayHung.store(hangs, std::memory_order_relaxed);
+    const Destination place = destinationOfNode(node);
+    const Destination hungAt = m_hungAt.load(std::memory_order_relaxed);
+    const EAaSysComStatus status = sendTo(place, frame, hungAt != 0 ? Nanoseconds(0) : patience);
+    if (status == EAaSysComStatus_QueueFull && hungAt == 0) {
+        m_hungAt.store(place, std::memory_order_relaxed);
+    } else if (status != EAaSysComStatus_QueueFull && hungAt == place) {
+        m_hungAt.store(0, std::memory_order_relaxed);
     }
     return status == EAaSysComStatus_NoReceiver ? EAaSysComStatus_NoRoute : status; // no gateway, or none to that node
 }

@@ -53,9 +53,9 @@ private:
 
     const RunDirectory& m_directory;
     std::atomic<std::uint64_t> m_generation; ///< changes whenever a connection is given up
-    /// It has made no room in time though it reads at all times, and is not waited for again, message by message, until
-    /// it has taken one.
-    std::atomic<bool> m_isGatewayHung{false};
+    /// Where the gateway has made no room in time though it reads at all times. It is not waited for again, message by
+    /// message, wherever to, until there is room at this place.
+    std::atomic<Destination> m_hungAt{0};
     std::shared_mutex m_mutex;
     std::unordered_map<Destination, std::shared_ptr<Connection>> m_connections;
 };

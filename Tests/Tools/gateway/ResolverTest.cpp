@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "gateway/Resolver.hpp"
 
+#include "NoMemory.hpp"
 #include "TestNet.hpp"
 
 #include <condition_variable>
 #include <gmock/gmock.h>
+#include <iterator>
+#include <list>
+#include <new>
 
 namespace dorn::gateway::test {
 namespace {
@@ -47,9 +51,8 @@ protected:
     {
         std::vector<Resolver::Found> all;
         EXPECT_TRUE(waitUntil([&] {
-            for (Resolver::Found& one : m_resolver->take()) {
-                all.push_back(std::move(one));
-            }
+            std::list<Resolver::Found> found = m_resolver->take();
+            std::move(found.begin(), found.end(), std::back_inserter(all));
             return all.size() >= count;
         }));
         return all;
@@ -89,6 +92,31 @@ TEST_F(ResolverTest, NextOneBeginsWhenTheAnswerHasBeenTaken)
     EXPECT_THAT(found.at(0).addresses, ElementsAre("found other"));
 }
 
+TEST_F(ResolverTest, LookUpThatCannotBeginBeginsLater)
+{
+    const std::string host = "a name that is longer than what a string has room for in itself";
+    m_lookUp->let();
+    {
+        const NoMemory noMemory;
+        m_resolver->start(1, host);
+    }
+    m_resolver->start(1, host);
+
+    EXPECT_THAT(wait(1).at(0).addresses, ElementsAre("found " + host));
+    EXPECT_EQ(m_lookUp->begun(), 1);
+}
+
+TEST_F(ResolverTest, LookUpThatFailsForWantOfMemoryFindsNothing)
+{
+    Resolver resolver(m_waitSet, [](const std::string&) -> std::vector<std::string> { throw std::bad_alloc(); });
+    resolver.start(1, "one");
+    std::list<Resolver::Found> found;
+
+    ASSERT_TRUE(waitUntil([&] { return !(found = resolver.take()).empty(); }));
+
+    EXPECT_THAT(found.front().addresses, IsEmpty());
+}
+
 TEST_F(ResolverTest, WhatIsFoundAfterTheEndGoesNowhere)
 {
     m_resolver->start(1, "one");
@@ -106,12 +134,12 @@ TEST(SystemLookUpTest, AddressesOfTheOwnHostAreFound)
     host::WaitSet waitSet;
     Resolver resolver(waitSet);
     resolver.start(7, "localhost");
-    std::vector<Resolver::Found> found;
+    std::list<Resolver::Found> found;
 
     ASSERT_TRUE(waitUntil([&] { return !(found = resolver.take()).empty(); }));
 
-    EXPECT_EQ(found[0].ticket, 7U);
-    EXPECT_THAT(found[0].addresses, testing::Contains(testing::AnyOf("127.0.0.1", "::1")));
+    EXPECT_EQ(found.front().ticket, 7U);
+    EXPECT_THAT(found.front().addresses, testing::Contains(testing::AnyOf("127.0.0.1", "::1")));
 }
 
 } // namespace

@@ -230,6 +230,18 @@ TEST(OwnNodeTest, NodeWithoutIdIsReachedUnderZeroAndUnderTheFirst)
     EXPECT_EQ(takeId(), 2U);
 }
 
+TEST(OwnNodeTest, NodeWithoutIdSendsAsTheFirst)
+{
+    const TestNode node({.nodeId = 0});
+    const TAaSysComCpid cpid = AaSysComUserRegister(0, AaProEuCurrent());
+
+    void* const message = AaSysComMsgCreate(1, 0, AaSysComSicadGet(0x0300, 0x0F02));
+
+    EXPECT_EQ(AaSysComMsgGetSender(message), AaSysComSicadGet(cpid, 0x0F01));
+    void* owned = message;
+    AaSysComMsgDestroy(&owned);
+}
+
 TEST(NodeMapTest, BoardAndCpuOfANodeAreLookedUpInTheTags)
 {
     const TestNode node;

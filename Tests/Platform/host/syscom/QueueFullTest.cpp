@@ -228,11 +228,12 @@ public:
         m_endpoint = UnixEndpoint::open(directory, nodeSocketName(node), "a node", m_waitSet, *this);
     }
 
-    void takeSome()
+    bool takeSome()
     {
-        while (m_taken == 0) {
+        for (int turn = 0; turn < 1000 && m_taken == 0; ++turn) {
             m_waitSet.wait(Deadline(0));
         }
+        return m_taken > 0;
     }
 
 private:
@@ -259,10 +260,26 @@ TEST_F(QueueFullBetweenProcessesTest, HungGatewayIsWaitedForOnceUntilItTakesSome
                              "receiver=0x0F020300 sender=";
     EXPECT_EQ(m_log.texts(), (std::vector<std::string>{text + "0x00000000)", text + "0x0F01F000)"}));
 
-    gateway.takeSome();
+    EXPECT_TRUE(gateway.takeSome());
     EXPECT_EQ(sendEmpty(1, receiver), EAaSysComStatus_Ok);
     fill(receiver, clock);
     EXPECT_EQ(clock.monotonic(), begin + 2 * backPressureTime);
+}
+
+TEST_F(QueueFullBetweenProcessesTest, GatewayThatHasHungAtOneNodeIsWaitedForAtNone)
+{
+    HungGateway toFullNode(0x0F02);
+    const HungGateway toOtherNode(0x0F03);
+    const TAaSysComSicad full = AaSysComSicadGet(0x0300, 0x0F02);
+    ManualClock clock;
+    const Deadline begin = clock.monotonic();
+    fill(full, clock);
+
+    EXPECT_EQ(sendEmpty(1, AaSysComSicadGet(0x0300, 0x0F03)), EAaSysComStatus_Ok);
+    EXPECT_EQ(sendEmpty(1, AaSysComSicadGet(0x0300, 0x0F04)), EAaSysComStatus_NoRoute);
+    EXPECT_EQ(sendEmpty(1, full), EAaSysComStatus_QueueFull); // at once, all of them: nobody moves the clock
+
+    EXPECT_EQ(clock.monotonic(), begin + backPressureTime);
 }
 
 TEST_F(QueueFullBetweenProcessesTest, FullReceiverIsReportedAfterTheBackPressureTime)
