@@ -3,6 +3,7 @@
 
 #include "Nouns.hpp"
 #include "Program.hpp"
+#include "manual/HelpPage.hpp"
 
 #include <CLI/CLI.hpp>
 #include <gmock/gmock.h>
@@ -113,6 +114,49 @@ TEST(ManualTest, EveryNounOfTheCommandHasAPageWithAllItsHelp)
             EXPECT_THAT(pages[index + 1].text, HasSubstr("dorn " + nouns[index]->get_name() + " " + verb->get_name()));
         }
     }
+}
+
+TEST(HelpPageTest, PageHasEachLineOfTheHelpInItsSection)
+{
+    const std::string help = "Usage: spin-test [options] [FAN...]\n\n"
+                             "Spins fans.\n"
+                             "'FAN' is one; all without.\n\n"
+                             "  --list          print C:\\fans\n"
+                             "  --speed PERCENT  .5 and more\n"
+                             "  --a-long-name WITH-A-VALUE\n"
+                             "                  stands alone\n\n"
+                             "Example: spin-test --list\n\n"
+                             "Exit status: 0 fine, 2 wrong use.\n";
+
+    const ManualPage page = helpPage("spin-test", help, "fans 1.2");
+
+    EXPECT_EQ(page.name, "spin-test");
+    EXPECT_EQ(page.text, ".TH SPIN-TEST 1 \"\" \"fans 1.2\" \"Dorn\"\n"
+                         ".SH NAME\n"
+                         "spin\\-test \\- Spins fans\n"
+                         ".SH SYNOPSIS\n"
+                         "\\fBspin\\-test [options] [FAN...]\\fR\n"
+                         ".SH DESCRIPTION\n"
+                         "Spins fans.\n"
+                         "\\&'FAN' is one; all without.\n"
+                         ".SH OPTIONS\n"
+                         ".TP\n"
+                         "\\fB\\-\\-list\\fR\n"
+                         "print C:\\efans\n"
+                         ".TP\n"
+                         "\\fB\\-\\-speed PERCENT\\fR\n"
+                         "\\&.5 and more\n"
+                         ".TP\n"
+                         "\\fB\\-\\-a\\-long\\-name WITH\\-A\\-VALUE\\fR\n"
+                         "stands alone\n"
+                         ".SH EXAMPLE\n"
+                         ".nf\n"
+                         "spin\\-test \\-\\-list\n"
+                         ".fi\n"
+                         ".SH EXIT STATUS\n"
+                         "0 fine, 2 wrong use.\n"
+                         ".SH SEE ALSO\n"
+                         ".BR dorn (1)\n");
 }
 
 } // namespace

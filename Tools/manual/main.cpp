@@ -9,6 +9,7 @@
 #include "manual/HelpPage.hpp"
 #include "manual/ManualPage.hpp"
 
+#include <CLI/CLI.hpp>
 #include <exception>
 #include <filesystem>
 #include <iostream>
