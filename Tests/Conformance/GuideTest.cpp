@@ -48,5 +48,20 @@ TEST_F(GuideTest, TableHasTheFunctionsAndRulesOfTheSuite)
     EXPECT_THAT(guideTable(), ::testing::ContainerEq(suite));
 }
 
+TEST_F(GuideTest, CountOfTheRulesIsThatOfTheSuite)
+{
+    std::ifstream guide(DORN_TREE "/Docs/integrators-guide.md");
+    const std::regex sentence("^([0-9]+) rules hold them\\..*");
+    std::vector<std::string> counts;
+    for (std::string line; std::getline(guide, line);) {
+        std::smatch matched;
+        if (std::regex_match(line, matched, sentence)) {
+            counts.push_back(matched[1]);
+        }
+    }
+
+    EXPECT_THAT(counts, ::testing::ElementsAre(std::to_string(listedRules().size())));
+}
+
 } // namespace
 } // namespace dorn::conformance
