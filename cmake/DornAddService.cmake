@@ -15,7 +15,8 @@ function(dorn_add_service name)
         message(FATAL_ERROR "dorn_add_service(${name}): SOURCES are missing")
     endif()
     if(SERVICE_UNPARSED_ARGUMENTS)
-        message(FATAL_ERROR "dorn_add_service(${name}): '${SERVICE_UNPARSED_ARGUMENTS}' is neither SOURCES nor LIBRARIES")
+        message(FATAL_ERROR "dorn_add_service(${name}): '${SERVICE_UNPARSED_ARGUMENTS}' is none of SOURCES, LIBRARIES and "
+                            "PLATFORM")
     endif()
     if(SERVICE_PLATFORM)
         # One group: nothing else keeps the platform behind the library.

@@ -1,6 +1,7 @@
 # What `cmake --install` puts where. Nothing of it names a place of this machine: it can be moved, and packed.
 #
-# Install components: runtime (the command), dev (library, provider, TestKit), tools (simulated boards and their services).
+# Install components: runtime (the command), dev (library, provider, TestKit, conformance suite, pages), tools (simulated
+# boards and their services).
 include_guard(GLOBAL)
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -10,7 +11,8 @@ set(DORN_INSTALL_CMAKEDIR "${CMAKE_INSTALL_LIBDIR}/cmake/Dorn")
 
 # dorn_install(NAME PART part [ROOT folder] [HEADERS headers...]) installs the target behind dorn::NAME under that name, with those
 # of its headers that a user includes: files below ROOT, by default the target's folder, or patterns of them.
-# A PART (library, host, testkit) is an include root of what is installed: a header is spelled there as it is in the tree.
+# A PART (library, host, testkit, conformance) is an include root of what is installed: a header is spelled there as it is in the
+# tree.
 function(dorn_install name)
     cmake_parse_arguments(INSTALL "" "PART;ROOT" "HEADERS" ${ARGN})
     if(NOT INSTALL_ROOT)
@@ -77,6 +79,21 @@ function(dorn_install_program target)
     endif()
     install(TARGETS ${target} RUNTIME DESTINATION "${PROGRAM_DESTINATION}" COMPONENT ${PROGRAM_COMPONENT})
     dorn_install_stripped(${PROGRAM_COMPONENT} --strip-all "${PROGRAM_DESTINATION}/${name}")
+endfunction()
+
+# dorn_install_documents(COMPONENT component PACKAGE package [PAGES]) installs the licence where the Debian package of that name
+# has its copyright; with PAGES all pages, which lead to each other as in this tree.
+function(dorn_install_documents)
+    cmake_parse_arguments(DOCUMENTS "PAGES" "COMPONENT;PACKAGE" "" ${ARGN})
+    set(folder "${CMAKE_INSTALL_DATADIR}/doc/${DOCUMENTS_PACKAGE}")
+    install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${folder}" COMPONENT ${DOCUMENTS_COMPONENT})
+    if(NOT DOCUMENTS_PAGES)
+        return()
+    endif()
+    install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION "${folder}"
+            COMPONENT ${DOCUMENTS_COMPONENT})
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/Docs" DESTINATION "${folder}" COMPONENT ${DOCUMENTS_COMPONENT}
+            PATTERN CMakeLists.txt EXCLUDE PATTERN Doxyfile EXCLUDE)
 endfunction()
 
 # dorn_install_package() installs what find_package(Dorn) reads. Called once, behind every dorn_install().

@@ -38,12 +38,15 @@ boards.")
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME dorn-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEV_PACKAGE_SHLIBDEPS ON) # of dorn-conformance
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "libboost-dev, zlib1g-dev, liblmdb-dev, libfdt-dev")
 set(CPACK_DEBIAN_DEV_PACKAGE_RECOMMENDS
     "dorn ${sameVersion}, g++, cmake (>= 3.25), libgtest-dev, libgmock-dev")
 set(CPACK_DEBIAN_DEV_DESCRIPTION "library and test kit for hardware services of a base-station board
 Headers, archives, and what CMake and pkg-config need to build services
-outside of the source tree and to test them without a board.")
+outside of the source tree and to test them without a board; the program
+dorn-conformance, which holds a platform against the rules of the seams, as an
+archive to link with one's own, too; and all pages about it.")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME dorn-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION devel)

@@ -35,6 +35,10 @@ project() {
         "$1" "${2:-}" >CMakeLists.txt
 }
 
+pkg_version() {
+    sed -n 's/^Version: //p' "$prefix/lib/pkgconfig/dorn.pc"
+}
+
 configure() {
     "$CMAKE" -S . -B build -DCMAKE_PREFIX_PATH="$prefix" "$@"
 }
@@ -54,10 +58,15 @@ IsWholeAndCanBeMoved() {
         lib/pkgconfig/dorn.pc lib/systemd/system/dorn-service@.service \
         lib/systemd/system/dorn-gateway.service share/man/man1/dorn-rad.1 \
         share/bash-completion/completions/dorn share/zsh/vendor-completions/_dorn \
-        libexec/dorn/DornClimateSExe share/dorn/boards/tarn-single.dtb; do
+        libexec/dorn/DornClimateSExe share/dorn/boards/tarn-single.dtb \
+        bin/dorn-conformance include/dorn/conformance/Conformance.hpp lib/libdorn_conformance.a \
+        lib/cmake/Dorn/Dorn-conformance.cmake lib/pkgconfig/dorn-conformance.pc share/man/man1/dorn-conformance.1 \
+        share/doc/dorn/LICENSE share/doc/dorn-dev/LICENSE share/doc/dorn-tools/LICENSE; do
         [ -f "$prefix/$file" ] || fail "$file is not installed"
     done
-    [ "$("$prefix/bin/dorn" --version)" = "dorn $(sed -n 's/^Version: //p' "$prefix/lib/pkgconfig/dorn.pc")" ]
+    cmp "$SOURCES/CHANGELOG.md" "$prefix/share/doc/dorn-dev/CHANGELOG.md"
+    diff -r --exclude CMakeLists.txt --exclude Doxyfile "$SOURCES/Docs" "$prefix/share/doc/dorn-dev/Docs"
+    [ "$("$prefix/bin/dorn" --version)" = "dorn $(pkg_version)" ]
 }
 
 NamesNoPlaceOfTheMachine() {
@@ -69,10 +78,19 @@ NamesNoPlaceOfTheMachine() {
     done
 }
 
+# LICENSE and the copyright of the packages are one text in two forms.
+LicenceIsThatOfThePackages() {
+    local copyright="$SOURCES/packaging/debian/copyright"
+    cmp <(sed -n '/^Permission/,$p' "$prefix/share/doc/dorn/LICENSE") \
+        <(sed -n 's/^ //; s/^\.$//; /^Permission/,$p' "$copyright")
+    grep -qxF "Copyright (c) $(sed -n 's/^Copyright: //p' "$copyright")" "$prefix/share/doc/dorn/LICENSE" ||
+        fail "LICENSE and the packages' copyright name different holders"
+}
+
 HeadersNeedNothingElse() {
     empty_folder headers
     local part header spelled
-    for part in library host testkit; do
+    for part in library host testkit conformance; do
         while IFS= read -r header; do
             spelled="${header#"$prefix/include/dorn/$part/"}"
             echo "#include \"$spelled\"" >>all.cpp
@@ -86,12 +104,12 @@ HeadersNeedNothingElse() {
     [ "$(wc -l <all.cpp)" -gt 120 ] || fail "only $(wc -l <all.cpp) headers are installed"
     [ -z "$(sort all.cpp | uniq -d)" ] || fail "two headers are spelled alike: $(sort all.cpp | uniq -d)"
     [ "$(wc -l <all.c)" -gt 30 ] || fail "only $(wc -l <all.c) headers are for C"
-    project 'REQUIRED COMPONENTS dorn testkit' 'add_library(inC OBJECT all.c)
+    project 'REQUIRED COMPONENTS dorn testkit conformance' 'add_library(inC OBJECT all.c)
         target_link_libraries(inC PRIVATE dorn::dorn)
         set_target_properties(inC PROPERTIES C_STANDARD 11 C_STANDARD_REQUIRED ON C_EXTENSIONS OFF)
         find_package(GTest REQUIRED)
         add_library(inCpp OBJECT all.cpp)
-        target_link_libraries(inCpp PRIVATE dorn::testkit GTest::gtest)'
+        target_link_libraries(inCpp PRIVATE dorn::testkit dorn::conformance GTest::gtest)'
     configure
     "$CMAKE" --build build
 }
@@ -183,6 +201,49 @@ PlatformStandsBehindTheLibrary() {
     grep -q '^DornFanExe \[options\]' help || fail "no usage: $(<help)"
 }
 
+# Fails unless a program of the conformance suite keeps all rules of semaphores. Usage: keeps_its_rules PROGRAM
+keeps_its_rules() {
+    DORN_RUN_DIR="$(mktemp -d)"
+    DORN_RUN_DIR="$DORN_RUN_DIR" "$1" --directory "$PWD/files" 'sem.*' >rules.log 2>&1 || fail "$1: $(<rules.log)"
+    rm -rf "$DORN_RUN_DIR"
+    local kept
+    kept="$(grep -c '^kept     sem\.' rules.log)"
+    [ "$kept" -ge 10 ] || fail "only $kept rules were tried: $(<rules.log)"
+    [ "$(tail -n 1 rules.log)" = "$kept rules: $kept kept, 0 broken, 0 skipped" ] || fail "$(<rules.log)"
+}
+
+# As an integrator does it, who has no providers of ours; and the program that is installed.
+ConformanceIsLinkedWithAPlatform() {
+    empty_folder conformance
+    cp "$SOURCES/Conformance/main.cpp" .
+    project 'REQUIRED COMPONENTS conformance' "add_executable(board-conformance main.cpp)
+        set(providers \"\$<LINK_GROUP:RESCAN,$prefix/lib/libdorn_host.a,$prefix/lib/libdorn_board.a>\" lmdb fdt)
+        target_link_libraries(board-conformance PRIVATE dorn::conformance \${providers})
+        if(TARGET dorn::service)
+            message(FATAL_ERROR \"the provider comes unasked\")
+        endif()"
+    configure
+    "$CMAKE" --build build
+    keeps_its_rules build/board-conformance
+    keeps_its_rules "$prefix/bin/dorn-conformance"
+}
+
+# With the line of the integrator's guide.
+ConformanceIsLinkedWithoutCMake() {
+    command -v pkg-config >/dev/null || exit 77
+    empty_folder "conformance without cmake"
+    cp "$SOURCES/Conformance/main.cpp" .
+    export PKG_CONFIG_PATH="$prefix/lib/pkgconfig"
+    pkg-config --validate dorn-conformance
+    local ask='$(pkg-config --cflags --libs dorn-conformance)' yours='libyour_platform.a libyour_drivers.a' line
+    line="$(grep -F "$ask" "$prefix/share/doc/dorn-dev/Docs/integrators-guide.md")"
+    [[ "$line" == "    g++ "*"$yours"* ]] || fail "the guide does not say how to link with one's own: $line"
+    line="${line/"$ask"/"$(pkg-config --cflags --libs dorn-conformance)"}"
+    line="${line/"$yours"/"-Wl,--start-group '$prefix'/lib/libdorn_{host,board}.a -Wl,--end-group -llmdb -lfdt"}"
+    eval "${line/g++/"'$CXX'"}"
+    keeps_its_rules ./board-conformance
+}
+
 PackageTellsWhatItHasNot() {
     empty_folder package
     project '0.1 REQUIRED COMPONENTS common raml firmware'
@@ -210,6 +271,8 @@ ServiceNamesAreChecked() {
     expect_failure "'Fan Two' cannot be a service's name" configure
     project REQUIRED 'dorn_add_service(Fan LIBRARIES dorn::dorn)'
     expect_failure "dorn_add_service(Fan): SOURCES are missing" configure
+    project REQUIRED 'dorn_add_service(Fan stray SOURCES main.cpp)'
+    expect_failure "dorn_add_service(Fan): 'stray' is none of SOURCES, LIBRARIES and PLATFORM" configure
     project 'REQUIRED COMPONENTS dorn' 'dorn_add_service(Fan SOURCES main.cpp)'
     expect_failure "this installation has no provider of the platform" configure
     cp "$SOURCES/Tests/Install/climate/CMakeLists.txt" CMakeLists.txt
@@ -256,6 +319,79 @@ UnitsAreVerified() {
         grep dorn || true)"
     [ -z "$complaints" ] || fail "$complaints"
     grep -qx 'SuccessExitStatus=1' dorn-service@ClimateS.service
+}
+
+# What a package holds, without folders. Usage: files_of PACKAGE
+files_of() {
+    dpkg-deb -c "$1"_*.deb | sed -n 's|^[^d].* \./usr/||p' | sort
+}
+
+# Fails unless a package needs others, with or without a version. Usage: expect_depends PACKAGE NEEDED...
+expect_depends() {
+    local package="$1" depends needed
+    depends=", $(dpkg-deb -f "$package"_*.deb Depends), "
+    for needed in "${@:2}"; do
+        [[ "$depends" =~ ", $needed"( \(|, ) ]] || fail "$package does not need $needed, but: $depends"
+    done
+}
+
+# Fails unless the three packages hold what is installed, each file in one of them, with what Debian wants of each.
+expect_all_that_is_installed() {
+    local package
+    for package in dorn dorn-dev dorn-tools; do
+        files_of $package
+    done | sort >packed
+    {
+        # Manual pages are compressed, and copyright stands for the licence.
+        (cd "$prefix" && find . ! -type d -printf '%P\n') | sed 's|^share/man/.*|&.gz|; /^share\/doc\/[^/]*\/LICENSE$/d'
+        printf 'share/doc/%s/changelog.gz\nshare/doc/%s/copyright\n' \
+            dorn dorn dorn-dev dorn-dev dorn-tools dorn-tools
+    } | sort >installed
+    diff installed packed
+}
+
+# Fails unless a package holds files. Usage: expect_files PACKAGE FILE...
+expect_files() {
+    local file
+    files_of "$1" >files
+    for file in "${@:2}"; do
+        grep -qxF "$file" files || fail "$1 does not hold $file"
+    done
+}
+
+PackagesAreMade() {
+    command -v dpkg-deb >/dev/null || exit 77
+    command -v dpkg-shlibdeps >/dev/null || exit 77
+    empty_folder packages
+    "$CPACK" --config "$build/CPackConfig.cmake" -B "$PWD"
+    rm -rf _CPack_Packages
+    local version architecture package
+    version="$(pkg_version)"
+    architecture="$(dpkg --print-architecture)"
+    [ "$(echo *)" = "dorn-dev_${version}_$architecture.deb dorn-tools_${version}_$architecture.deb \
+dorn_${version}_$architecture.deb" ] || fail "these are the packages: $(echo *)"
+    for package in dorn dorn-dev dorn-tools; do
+        [ "$(dpkg-deb -f "$package"_*.deb Package Version Architecture)" = "Package: $package
+Version: $version
+Architecture: $architecture" ] || fail "$(dpkg-deb -I "$package"_*.deb)"
+        dpkg-deb --fsys-tarfile "$package"_*.deb | tar -xO "./usr/share/doc/$package/changelog.gz" | zcat >changelog
+        grep -qF "$package ($version)" changelog || fail "the changelog of $package is not its own"
+        grep -qF /usr/share/doc/dorn-dev/CHANGELOG.md changelog || fail "the changelog does not lead to what is new"
+        rm changelog
+    done
+    expect_depends dorn libc6 libstdc++6 liblmdb0 libarchive13
+    expect_depends dorn-dev libboost-dev zlib1g-dev liblmdb-dev libfdt-dev libc6 libstdc++6 liblmdb0
+    expect_depends dorn-tools libc6 "dorn (= $version)"
+    expect_all_that_is_installed
+    expect_files dorn bin/dorn lib/systemd/system/dorn-service@.service lib/systemd/system/dorn-gateway.service \
+        lib/sysusers.d/dorn.conf share/man/man1/dorn.1.gz share/man/man1/dorn-gateway.1.gz
+    expect_files dorn-dev bin/dorn-conformance share/man/man1/dorn-conformance.1.gz lib/libdorn_common.a \
+        lib/pkgconfig/dorn-service.pc lib/cmake/Dorn/DornConfig.cmake include/dorn/library/Service.hpp \
+        share/doc/dorn-dev/CHANGELOG.md share/doc/dorn-dev/Docs/pictures/overview.svg
+    expect_files dorn-tools libexec/dorn/DornGreeterSExe share/dorn/boards/tarn-single.dtb
+    [ "$(dpkg-deb -I dorn_*.deb | grep -cE ' (postinst|prerm|postrm) +#!/bin/sh')" -eq 3 ] ||
+        fail "scripts of the package are missing: $(dpkg-deb -I dorn_*.deb)"
+    dpkg-deb -f dorn-dev_*.deb Description | grep -q dorn-conformance || fail "dorn-dev does not tell of dorn-conformance"
 }
 
 "$1"
