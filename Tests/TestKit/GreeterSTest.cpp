@@ -120,7 +120,7 @@ TEST_F(GreeterExeTest, RunsUntilItIsAskedToEnd)
 
     greeter.signal(SIGTERM);
 
-    EXPECT_EQ(greeter.waitForEnd(), 0);
+    EXPECT_EQ(greeter.waitForEnd(), 1);
     EXPECT_EQ(greeter.standardError(), "");
 }
 

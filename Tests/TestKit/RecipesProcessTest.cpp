@@ -25,10 +25,10 @@ TEST_F(RecipesProcessTest, StatusTellsHowTheServiceEnded)
     Process kiosk(DORN_KIOSK_EXE);
     ASSERT_TRUE(isOpen());
     kiosk.signal(SIGTERM);
-    EXPECT_EQ(kiosk.waitForEnd(), 0);
+    EXPECT_EQ(kiosk.waitForEnd(), 1);
 
     m_node.writeBoardFile("/ffs/run/kiosk/closed/sign", "");
-    EXPECT_EQ(Process(DORN_KIOSK_EXE).waitForEnd(), 1);
+    EXPECT_EQ(Process(DORN_KIOSK_EXE).waitForEnd(), 0);
 }
 
 TEST_F(RecipesProcessTest, OrdersOutliveACrash)
