@@ -12,10 +12,11 @@ namespace dorn::testkit {
 
 template <class Function>
 struct SeamSignature;
+/// What FailNth and the wrappers make of the type of a function: `decltype(&AaSemCreateC)`.
 template <class ReturnType, class... ParameterTypes>
 struct SeamSignature<ReturnType (*)(ParameterTypes...)> {
-    using Return = ReturnType;
-    using Parameters = std::tuple<ParameterTypes...>;
+    using Return = ReturnType;                        ///< `void` for a function without result
+    using Parameters = std::tuple<ParameterTypes...>; ///< in their order, references and all
 };
 
 /// Return type of a platform function.
@@ -27,12 +28,16 @@ using SeamReturn = typename SeamSignature<decltype(Function)>::Return;
 template <auto Function>
 using SeamResult = std::conditional_t<std::is_void_v<SeamReturn<Function>>, bool, SeamReturn<Function>>;
 
+/// The calls of one function, of all threads, and which of them are to fail. FailNth is what a test uses.
+///
 /// Atomics only: the functions that signal handlers may call are wrapped too.
 template <class Result>
 class SeamCall {
 public:
+    /// @param usualFailure with which calls fail when a test names no result
     explicit constexpr SeamCall(Result usualFailure) : m_usualFailure(usualFailure), m_result(usualFailure) {}
 
+    /// Calls since the process started, those that failed included.
     unsigned calls() const { return m_calls.load(std::memory_order_relaxed); }
 
     /// Counts a call. @return the result with which it fails, if it is to.
@@ -48,6 +53,7 @@ public:
 
     /// Has call number @p first (from 0) and the @p more after it fail.
     void fail(unsigned first, unsigned more) { fail(first, more, m_usualFailure); }
+    /// The same with another result than the usual one. Replaces what was ordered before.
     void fail(unsigned first, unsigned more, Result result)
     {
         m_first.store(first);
@@ -56,7 +62,9 @@ public:
         m_hasFailed.store(false);
         m_isFailing.store(true, std::memory_order_release);
     }
+    /// From here on calls are carried out; they are counted on.
     void stopFailing() { m_isFailing.store(false); }
+    /// Whether a call has failed since fail() was last called.
     bool hasFailed() const { return m_hasFailed.load(); }
 
 private:

@@ -11,18 +11,20 @@
 
 namespace dorn::board {
 
+/// A property's value as the blob has it: numbers big-endian, each string with its terminating zero.
 using TreeBytes = std::vector<std::byte>;
 
+/// One property of a node.
 struct TreeProperty {
-    std::string name;
-    TreeBytes value;
+    std::string name; ///< as in the source: "compatible", "#address-cells"
+    TreeBytes value;  ///< empty when the property only has to be there
 };
 
 /// A node with everything below it.
 struct TreeNode {
-    std::string name; ///< with its unit address: "unit@0"; empty for the root
-    std::vector<TreeProperty> properties;
-    std::vector<TreeNode> children;
+    std::string name;                     ///< with its unit address: "unit@0"; empty for the root
+    std::vector<TreeProperty> properties; ///< in the order of the blob; of a directory by name
+    std::vector<TreeNode> children;       ///< in the order of the blob; of a directory by name
 };
 
 /// Nodes below each other that a reader follows; no board has so many.

@@ -25,10 +25,11 @@ namespace dorn::host {
 /// One line of the log.
 struct LogLine {
     Nanoseconds wall{}; ///< time since the epoch, UTC; whole micro-seconds when read from text
+    /// As it was printed; one that was out of range is NotValid.
     EAaSysLogSeverityLevel severity = EAaSysLogSeverityLevel_NotValid;
-    std::string eeName;
-    std::int32_t pid = 0;
-    std::string euName; ///< empty when the thread was no EU
+    std::string eeName;   ///< name of the process: of a service its own, of other programs the executable's
+    std::int32_t pid = 0; ///< its process id
+    std::string euName;   ///< empty when the thread was no EU
     /// 0 when the line belongs to no feature, and when it was read from a text that gives only the feature's name.
     std::uint32_t featureId = 0;
     std::string featureName; ///< registered name, else the id as "0x20066"; empty when the line belongs to no feature

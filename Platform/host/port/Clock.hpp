@@ -11,10 +11,12 @@
 
 namespace dorn::host {
 
+/// The scale of every time of the host platform. It holds 292 years to either side of its zero.
 using Nanoseconds = std::chrono::nanoseconds;
 
 /// A point in time on Clock::monotonic()'s scale until which a wait lasts.
 using Deadline = Nanoseconds;
+/// The deadline of a wait that only its event ends.
 constexpr Deadline noDeadline = Deadline::max();
 
 /// Tells the time and waits. A test or a tool puts another one in its place with ClockScope.
@@ -59,6 +61,7 @@ void wakeWaiters(std::atomic<std::uint32_t>& word, int count, bool shared);
 /// Has another clock used as long as the scope lives. Made and ended while no other thread waits.
 class ClockScope {
 public:
+    /// @param clock outlives the scope
     explicit ClockScope(Clock& clock);
     ~ClockScope();
     ClockScope(const ClockScope&) = delete;
