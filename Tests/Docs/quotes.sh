@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
-# Checks that every quoted snippet stands in the file that it names.
+# Checks that every quoted snippet stands in the file that it names, and that C++ is shown only where it is quoted.
 # Usage: quotes.sh ROOT
 set -euo pipefail
 cd "$1"
 failures=0
 quotes=0
+# Its blocks stand in what `dorn new service` makes; Tests/Install holds them against that.
+made=Docs/new-service.md
 
 complain() {
     echo "$1" >&2
@@ -23,16 +25,19 @@ check_block() {
 }
 
 check_document() {
-    local document="$1" line file="" block="" inside=0
+    local document="$1" line file="" source="" block="" inside=0 number=0
     while IFS= read -r line || [ -n "$line" ]; do
+        number=$((number + 1))
         if [[ "$line" =~ ^'<!-- quote: '(.*)' -->'$ ]]; then
-            file="${BASH_REMATCH[1]}"
-        elif [ -n "$file" ] && [[ "$line" == '```'* ]]; then
-            if [ "$inside" -eq 1 ]; then
-                check_block "$document" "$file" "$block"
-                file="" block=""
-            fi
-            inside=$((1 - inside))
+            file="${BASH_REMATCH[1]}" source="$file"
+        elif [[ "$document" == "$made" && "$line" =~ ^'<!-- made: '(.*)' -->'$ ]]; then
+            source="${BASH_REMATCH[1]}"
+        elif [[ "$line" == '```'* && "$inside" -eq 1 ]]; then
+            [ -z "$file" ] || check_block "$document" "$file" "$block"
+            file="" source="" block="" inside=0
+        elif [[ "$line" == '```'* ]]; then
+            [[ "$line" != '```cpp'* || -n "$source" ]] || complain "$document:$number: C++ that is quoted from nowhere"
+            inside=1
         elif [ "$inside" -eq 1 ]; then
             block+="$line"$'\n'
         fi
