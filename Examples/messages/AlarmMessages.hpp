@@ -15,10 +15,10 @@
 
 namespace dorn::examples {
 
-/// The fault manager's cpid.
 constexpr std::uint16_t faultManagerCpid = 0x04C1;
 
-/// How many alarms of each kind the fault manager keeps.
+/// What the fault manager keeps: one more active alarm displaces the one unseen for longest, one more past alarm the
+/// oldest.
 constexpr std::size_t maxActiveAlarms = 64;
 constexpr std::size_t maxPastAlarms = 64;
 

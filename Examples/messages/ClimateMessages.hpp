@@ -9,7 +9,6 @@
 
 namespace dorn::examples {
 
-/// The climate service's cpid.
 constexpr std::uint16_t climateServiceCpid = 0x0211;
 
 /// Configuration tag, U32: temperature of the air around the board in degrees Celsius.

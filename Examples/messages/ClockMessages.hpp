@@ -12,7 +12,6 @@
 
 namespace dorn::examples {
 
-/// The clock service's cpid.
 constexpr std::uint16_t clockServiceCpid = 0x0217;
 
 /// "How are the clocks?"

@@ -9,7 +9,6 @@
 
 namespace dorn::examples {
 
-/// The comfort service's cpid.
 constexpr std::uint16_t comfortServiceCpid = 0x0213;
 
 /// Configuration tag, U32: up to how many degrees Celsius the board is comfortable.

@@ -9,7 +9,6 @@
 
 namespace dorn::examples {
 
-/// The doorbell service's cpid.
 constexpr std::uint16_t doorbellServiceCpid = 0x0214;
 
 /// The door's contact, a named pipe: a byte for each time that somebody rings.

@@ -10,7 +10,6 @@
 
 namespace dorn::examples {
 
-/// The download service's cpid.
 constexpr std::uint16_t downloadServiceCpid = 0x0219;
 
 /// "Load this file into a DSP." The file systems are made writable on the way.
@@ -22,7 +21,6 @@ struct SDownloadReq {
     std::array<char, 64> file; ///< path on the target; ends at the first zero or with the field
 };
 
-/// The answer.
 struct SDownloadResp {
     std::uint32_t transactionId;
     std::int32_t writeResult;      ///< of writeBinaryFileToSrio()

@@ -10,7 +10,6 @@
 
 namespace dorn::examples {
 
-/// The firmware service's cpid.
 constexpr std::uint16_t firmwareServiceCpid = 0x0218;
 
 /// "Look whether the board's FPGA needs another image, and flash it if so."

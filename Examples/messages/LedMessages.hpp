@@ -9,7 +9,6 @@
 
 namespace dorn::examples {
 
-/// The LED service's cpid.
 constexpr std::uint16_t ledServiceCpid = 0x0212;
 
 enum EFrontLed : std::uint32_t { EFrontLed_Status = 0, EFrontLed_Climate = 1, EFrontLed_Count = 2 };
@@ -27,7 +26,6 @@ struct SLedSetReq {
     std::uint32_t colour; ///< ELedColour
 };
 
-/// The answer: which colour the LED showed before.
 struct SLedSetResp {
     std::uint32_t led;
     std::uint32_t colour;         ///< what it shows now

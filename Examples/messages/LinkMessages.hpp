@@ -13,7 +13,6 @@
 
 namespace dorn::examples {
 
-/// The link service's cpid.
 constexpr std::uint16_t linkServiceCpid = 0x0216;
 
 /// A link's name, "cpri0"; zeros behind.
@@ -34,8 +33,8 @@ constexpr std::uint32_t allLinkParts = ELinkPart_Receive | ELinkPart_Transmit | 
 enum ELinkCondition : std::uint32_t {
     ELinkCondition_Los = 1,        ///< loss of signal
     ELinkCondition_Lof = 2,        ///< loss of frame
-    ELinkCondition_RemoteLos = 4,  ///< what the far end says of what it receives
-    ELinkCondition_RemoteLof = 8,  ///<
+    ELinkCondition_RemoteLos = 4,  ///< the far end has lost the signal of this one
+    ELinkCondition_RemoteLof = 8,  ///< the far end finds no frames in it
     ELinkCondition_RemoteRai = 16, ///< remote alarm indication
     ELinkCondition_RemoteSdi = 32, ///< SAP defect indication: the far end does not want its payload to be used
     ELinkCondition_RemoteReset = 64

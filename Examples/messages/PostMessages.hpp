@@ -9,7 +9,6 @@
 
 namespace dorn::examples {
 
-/// The self-test service's cpid.
 constexpr std::uint16_t postServiceCpid = 0x021A;
 
 /// The results of the main controller and of the DSP.

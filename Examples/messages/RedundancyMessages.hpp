@@ -16,13 +16,12 @@
 
 namespace dorn::examples {
 
-/// The redundancy manager's cpid.
 constexpr std::uint16_t redundancyManagerCpid = 0x04E4;
 
 /// How long the manager waits for all services together, whether it asks or switches.
 constexpr std::chrono::milliseconds redundancyAnswerTime{1000};
 
-/// How many services can register.
+/// Services beyond these are refused with ERedundancyRegisterStatus_TooManyServices.
 constexpr std::size_t maxRedundantServices = 32;
 
 /// Configuration tag, 4 bytes: 1 on the active unit, 0 on a standby unit. Service::isActiveLcp() reads it.

@@ -11,7 +11,6 @@
 
 namespace dorn::examples {
 
-/// The reset service's cpid.
 constexpr std::uint16_t resetServiceCpid = 0x021C;
 
 using ResetText = std::array<char, RPRAM_TEXT_SIZE>;
@@ -39,7 +38,6 @@ struct SResetShowReq {
     std::uint32_t transactionId;
 };
 
-/// The answer.
 struct SResetShowResp {
     std::uint32_t transactionId;
     std::uint32_t isKnown; ///< 0 while the board has never been reset through the service

@@ -12,7 +12,6 @@
 
 namespace dorn::examples {
 
-/// The SFP service's cpid.
 constexpr std::uint16_t sfpServiceCpid = 0x0215;
 
 /// What is in a cage.

@@ -11,7 +11,6 @@
 
 namespace dorn::examples {
 
-/// The supervisor's cpid.
 constexpr std::uint16_t supervisorServiceCpid = 0x021B;
 
 /// Reads what services write with SupervisorFifoWrite() and logs it; a real supervisor acts on it.
