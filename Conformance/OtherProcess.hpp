@@ -14,7 +14,7 @@ namespace dorn::conformance {
 /// Both talk in lines: it prints one with say() when it has got somewhere, and waits for one with awaitWord().
 class OtherProcess {
 public:
-    OtherProcess(const std::string& role, const std::vector<std::string>& arguments = {});
+    explicit OtherProcess(const std::string& role, const std::vector<std::string>& arguments = {});
     ~OtherProcess();
     OtherProcess(const OtherProcess&) = delete;
     OtherProcess& operator=(const OtherProcess&) = delete;

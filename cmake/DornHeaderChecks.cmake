@@ -1,18 +1,22 @@
 # dorn_check_headers(TARGET) compiles every header in the folder of a target alone, and twice in a row: all of them as
 # C++, those called .h also as C11. What the build makes of it, TARGET_header_checks, is not used.
-# Folders below that have a CMakeLists.txt of their own belong to other targets.
+# Folders below that have a CMakeLists.txt of their own belong to other targets, but with WITH_SUBFOLDERS to this one.
 # dorn_check_headers(TARGET PREFIX) is for a target whose folder is PREFIX below its include root.
 include_guard(GLOBAL)
 
 function(dorn_check_headers target)
     get_target_property(folder ${target} SOURCE_DIR)
     file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE "${folder}" "${folder}/*.h" "${folder}/*.hpp")
-    file(GLOB_RECURSE others RELATIVE "${folder}" "${folder}/*/CMakeLists.txt")
+    cmake_parse_arguments(PARSE_ARGV 1 check "WITH_SUBFOLDERS" "" "")
+    set(others)
+    if(NOT check_WITH_SUBFOLDERS)
+        file(GLOB_RECURSE others RELATIVE "${folder}" "${folder}/*/CMakeLists.txt")
+    endif()
     foreach(other IN LISTS others)
         cmake_path(GET other PARENT_PATH subfolder)
         list(FILTER headers EXCLUDE REGEX "^${subfolder}/")
     endforeach()
-    list(TRANSFORM headers PREPEND "${ARGV1}")
+    list(TRANSFORM headers PREPEND "${check_UNPARSED_ARGUMENTS}")
     set(sources)
     foreach(header IN LISTS headers)
         set(languages cpp)

@@ -13,8 +13,8 @@
 
 namespace dorn::gateway {
 
-/// ZeroMQ's own reconnecting never comes to it: what was on its way when a connection ended must not be sent on the next one
-/// before both sides have agreed where they are.
+/// ZeroMQ's own reconnecting never comes to it: what was on its way when a connection ended must not be sent on the
+/// next one before both sides have agreed where they are.
 class DealerWire final : public LinkWire {
 public:
     /// All arguments stay with the caller.

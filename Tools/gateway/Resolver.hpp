@@ -34,8 +34,8 @@ public:
     Resolver(const Resolver&) = delete;
     Resolver& operator=(const Resolver&) = delete;
 
-    /// Begins to look @p host up for @p ticket, unless that is under way. Where no thread can be had for it nothing will
-    /// be found; it may be begun again.
+    /// Begins to look @p host up for @p ticket, unless that is under way. Where no thread can be had for it nothing
+    /// will be found; it may be begun again.
     void start(std::size_t ticket, const std::string& host);
     /// What has been found since the last call.
     std::list<Found> take();
