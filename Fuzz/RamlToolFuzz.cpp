@@ -6,14 +6,14 @@
 /// What stands in front of the first zero byte is a table of ranks, the document is what follows.
 #include "Console.hpp"
 #include "Outcome.hpp"
-#include "RamlDiff.hpp"
-#include "RamlRanks.hpp"
-#include "RamlReading.hpp"
-#include "RamlStats.hpp"
-#include "RamlTree.hpp"
-#include "RamlWriting.hpp"
 #include "Require.hpp"
-#include "SourceLines.hpp"
+#include "raml/RamlDiff.hpp"
+#include "raml/RamlRanks.hpp"
+#include "raml/RamlReading.hpp"
+#include "raml/RamlStats.hpp"
+#include "raml/RamlTree.hpp"
+#include "raml/RamlWriting.hpp"
+#include "text/SourceLines.hpp"
 
 #include <algorithm>
 #include <cstddef>

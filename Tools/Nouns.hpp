@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 /// @file Nouns.hpp
-/// The nouns of the command. A noun is a source file of its own that defines the function which adds it; here it gets
-/// its line.
+/// The nouns of the command. A noun is a source file of its own in nouns/ that defines the function which adds it; here
+/// it gets its line.
 #pragma once
 
 namespace dorn::tool {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "AlarmText.hpp"
+#include "answers/AlarmText.hpp"
 
 #include "AaFault.h"
 #include "TestConsole.hpp"

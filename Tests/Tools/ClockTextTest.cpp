@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ClockText.hpp"
+#include "answers/ClockText.hpp"
 
 #include "TestConsole.hpp"
 

@@ -2,12 +2,12 @@
 // `dorn board fault --power-loss` and `--after`, and what `dorn board show` says of an image that is not whole.
 #include "DornCommand.hpp"
 
-#include "Json.hpp"
 #include "NodeTest.hpp"
 #include "TestBoard.hpp"
 #include "ddal_fpga.h"
 #include "description/DescribedBoard.hpp"
 #include "device/Fpga.hpp"
+#include "text/Json.hpp"
 
 #include <gtest/gtest.h>
 

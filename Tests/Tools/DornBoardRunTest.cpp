@@ -2,8 +2,8 @@
 // `dorn board run` with services as processes.
 #include "RunningBoard.hpp"
 
-#include "Json.hpp"
 #include "NodeTest.hpp"
+#include "text/Json.hpp"
 
 #include <csignal>
 #include <gtest/gtest.h>

@@ -3,13 +3,13 @@
 #include "DornCommand.hpp"
 
 #include "ClockMessages.hpp"
-#include "Json.hpp"
 #include "LinkMessages.hpp"
 #include "NodeTest.hpp"
 #include "Peer.hpp"
 #include "RadWait.hpp"
 #include "SfpMessages.hpp"
 #include "rad/ERadHwapiState.h"
+#include "text/Json.hpp"
 
 #include <chrono>
 #include <csignal>

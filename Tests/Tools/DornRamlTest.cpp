@@ -2,11 +2,11 @@
 // The verbs of the noun raml, as they are started.
 #include "DornCommand.hpp"
 
-#include "Json.hpp"
 #include "NodeTest.hpp"
 #include "RamlDocuments.hpp"
 #include "Sanitizers.hpp"
 #include "generator/RamlGenerator.hpp"
+#include "text/Json.hpp"
 
 #include <algorithm>
 #include <gtest/gtest.h>

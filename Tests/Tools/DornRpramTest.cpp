@@ -2,9 +2,9 @@
 // `dorn rpram` on the storage of a board.
 #include "DornCommand.hpp"
 
-#include "Json.hpp"
 #include "NodeTest.hpp"
 #include "RpramShared.h"
+#include "text/Json.hpp"
 
 #include <algorithm>
 #include <filesystem>

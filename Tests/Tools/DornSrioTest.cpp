@@ -2,7 +2,6 @@
 // `dorn srio`, `dorn board rio` and `dorn board reset` on the hardware of a board.
 #include "DornCommand.hpp"
 
-#include "Json.hpp"
 #include "NodeTest.hpp"
 #include "RadWait.hpp"
 #include "RpramShared.h"
@@ -10,6 +9,7 @@
 #include "ddal_rio.h"
 #include "device/Resets.hpp"
 #include "rad/ERadHwapiState.h"
+#include "text/Json.hpp"
 
 #include <csignal>
 #include <gtest/gtest.h>

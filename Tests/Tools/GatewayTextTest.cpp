@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "GatewayText.hpp"
+#include "answers/GatewayText.hpp"
 
 #include "TestConsole.hpp"
 

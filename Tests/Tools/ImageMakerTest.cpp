@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "ImageMaker.hpp"
+#include "image/ImageMaker.hpp"
 
 #include "FailingFilePort.hpp"
 #include "Image.hpp"
-#include "ImageText.hpp"
-#include "NewFile.hpp"
 #include "SyslogCapture.hpp"
 #include "TestNode.hpp"
 #include "binary.h"
+#include "files/NewFile.hpp"
+#include "image/ImageText.hpp"
 
 #include <filesystem>
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "InputFile.hpp"
+#include "files/InputFile.hpp"
 
 #include "Outcome.hpp"
 #include "TestConsole.hpp"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "LinkText.hpp"
+#include "answers/LinkText.hpp"
 
 #include "TestConsole.hpp"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "LogView.hpp"
+#include "answers/LogView.hpp"
 
 #include "Outcome.hpp"
 #include "TestConsole.hpp"

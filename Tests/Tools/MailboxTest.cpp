@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Mailbox.hpp"
+#include "waiting/Mailbox.hpp"
 
 #include "ManualClock.hpp"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "MessageText.hpp"
+#include "answers/MessageText.hpp"
 
 #include "syscom/MessageTap.hpp"
 

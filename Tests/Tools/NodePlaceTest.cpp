@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "NodePlace.hpp"
+#include "node/NodePlace.hpp"
 
 #include "Outcome.hpp"
 #include "TestNode.hpp"

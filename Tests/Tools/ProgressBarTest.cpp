@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ProgressBar.hpp"
+#include "waiting/ProgressBar.hpp"
 
 #include "ManualClock.hpp"
 #include "TestConsole.hpp"

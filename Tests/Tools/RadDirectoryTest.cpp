@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "RadDirectory.hpp"
+#include "answers/RadDirectory.hpp"
 
 #include "Outcome.hpp"
 

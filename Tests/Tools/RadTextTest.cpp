@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "RadText.hpp"
+#include "answers/RadText.hpp"
 
 #include "TestConsole.hpp"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "RamlDiff.hpp"
+#include "raml/RamlDiff.hpp"
 
 #include "RamlDocuments.hpp"
 #include "TestConsole.hpp"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "RamlFields.hpp"
+#include "raml/RamlFields.hpp"
 
 #include "raml/RAML_ostream.hpp"
 

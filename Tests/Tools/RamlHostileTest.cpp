@@ -3,8 +3,8 @@
 // size. A document of these sizes that took quadratic time would not end within the bound of a test.
 #include "NodeTest.hpp"
 #include "RamlDocuments.hpp"
-#include "RamlReading.hpp"
 #include "Sanitizers.hpp"
+#include "raml/RamlReading.hpp"
 
 #include <functional>
 #include <gtest/gtest.h>

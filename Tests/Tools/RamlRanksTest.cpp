@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "RamlRanks.hpp"
+#include "raml/RamlRanks.hpp"
 
 #include "Outcome.hpp"
 #include "RamlDocuments.hpp"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "RamlReading.hpp"
+#include "raml/RamlReading.hpp"
 
 #include "NodeTest.hpp"
 #include "Outcome.hpp"

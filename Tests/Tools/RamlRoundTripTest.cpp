@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Properties of generated documents: what is made, read, written and read again is the same.
 #include "NodeTest.hpp"
-#include "RamlDiff.hpp"
 #include "RamlDocuments.hpp"
-#include "RamlReading.hpp"
-#include "RamlWriting.hpp"
 #include "TestConsole.hpp"
 #include "generator/RamlGenerator.hpp"
+#include "raml/RamlDiff.hpp"
+#include "raml/RamlReading.hpp"
+#include "raml/RamlWriting.hpp"
 
 #include <gtest/gtest.h>
 #include <utility>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "RamlStats.hpp"
+#include "raml/RamlStats.hpp"
 
 #include "RamlDocuments.hpp"
 #include "TestConsole.hpp"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "RamlTree.hpp"
+#include "raml/RamlTree.hpp"
 
 #include "RamlDocuments.hpp"
 #include "TestConsole.hpp"

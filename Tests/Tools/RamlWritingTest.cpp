@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "RamlWriting.hpp"
+#include "raml/RamlWriting.hpp"
 
 #include "NodeTest.hpp"
 #include "Outcome.hpp"

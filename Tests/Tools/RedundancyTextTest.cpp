@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "RedundancyText.hpp"
+#include "answers/RedundancyText.hpp"
 
 #include "TestConsole.hpp"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "RunningBoard.hpp"
 
-#include "ServiceList.hpp"
+#include "answers/ServiceList.hpp"
 #include "node/EeTable.hpp"
 #include "node/PerNode.hpp"
 

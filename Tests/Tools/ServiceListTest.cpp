@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ServiceList.hpp"
+#include "answers/ServiceList.hpp"
 
 #include "TestConsole.hpp"
 

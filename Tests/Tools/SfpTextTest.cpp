@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "SfpText.hpp"
+#include "answers/SfpText.hpp"
 
 #include "TestConsole.hpp"
 

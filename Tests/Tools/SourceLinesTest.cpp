@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "SourceLines.hpp"
+#include "text/SourceLines.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Table.hpp"
+#include "text/Table.hpp"
 
 #include "TestConsole.hpp"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "TagText.hpp"
+#include "answers/TagText.hpp"
 
 #include "Outcome.hpp"
 #include "TestConsole.hpp"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "TimeLimit.hpp"
+#include "waiting/TimeLimit.hpp"
 
 #include "ManualClock.hpp"
 #include "Outcome.hpp"

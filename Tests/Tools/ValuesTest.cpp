@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Values.hpp"
+#include "text/Values.hpp"
 
 #include "Outcome.hpp"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Watch.hpp"
+#include "waiting/Watch.hpp"
 
 #include "ManualClock.hpp"
 #include "TestConsole.hpp"

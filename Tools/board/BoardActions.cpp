@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "board/BoardActions.hpp"
 
-#include "AskedService.hpp"
 #include "ClockMessages.hpp"
-#include "LinkText.hpp"
 #include "RedundancyMessages.hpp"
 #include "ResetMessages.hpp"
 #include "SfpMessages.hpp"
+#include "answers/LinkText.hpp"
+#include "node/AskedService.hpp"
 
 #include <algorithm>
 #include <cstring>

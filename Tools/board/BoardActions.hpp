@@ -5,8 +5,8 @@
 
 #include "AaSysCom.h"
 #include "LinkMessages.hpp"
-#include "Values.hpp"
 #include "driver/DriverFunction.hpp"
+#include "text/Values.hpp"
 
 #include <cstdint>
 #include <optional>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "board/BoardFrame.hpp"
 
-#include "AlarmText.hpp"
-#include "ClockText.hpp"
-#include "LinkText.hpp"
-#include "SfpText.hpp"
+#include "answers/AlarmText.hpp"
+#include "answers/ClockText.hpp"
+#include "answers/LinkText.hpp"
+#include "answers/SfpText.hpp"
 #include "log/LogText.hpp"
 
 #include <algorithm>

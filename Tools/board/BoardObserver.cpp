@@ -3,11 +3,11 @@
 
 #include "AaConfigTag.h"
 #include "AaPro.h"
-#include "AskedService.hpp"
 #include "RedundancyMessages.hpp"
 #include "ddal_error.h"
 #include "fault/FaultStore.hpp"
 #include "log/LogReader.hpp"
+#include "node/AskedService.hpp"
 #include "node/PerNode.hpp"
 #include "port/SignalsBlocked.hpp"
 #include "syscom/MessageTap.hpp"

@@ -2,7 +2,7 @@
 #include "board/ElementReader.hpp"
 
 #include "Outcome.hpp"
-#include "Values.hpp"
+#include "text/Values.hpp"
 
 #include <algorithm>
 

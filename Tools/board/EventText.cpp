@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "board/EventText.hpp"
 
-#include "Values.hpp"
+#include "text/Values.hpp"
 
 #include <algorithm>
 #include <array>

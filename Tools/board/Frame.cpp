@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "board/Frame.hpp"
 
-#include "Utf8.hpp"
+#include "text/Utf8.hpp"
 
 #include <algorithm>
 

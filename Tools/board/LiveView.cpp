@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "board/LiveView.hpp"
 
-#include "LinkText.hpp"
-#include "NodePlace.hpp"
-#include "SfpText.hpp"
+#include "answers/LinkText.hpp"
+#include "answers/SfpText.hpp"
 #include "driver/DriverFunction.hpp"
+#include "node/NodePlace.hpp"
 
 #include <algorithm>
 #include <csignal>

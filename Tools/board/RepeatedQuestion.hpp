@@ -3,7 +3,7 @@
 /// A question that is put to a service again and again.
 #pragma once
 
-#include "AskedService.hpp"
+#include "node/AskedService.hpp"
 #include "port/Clock.hpp"
 
 #include <cstdint>

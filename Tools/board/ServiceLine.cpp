@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "board/ServiceLine.hpp"
 
-#include "ServiceList.hpp"
-#include "Table.hpp"
-#include "Values.hpp"
+#include "answers/ServiceList.hpp"
+#include "text/Table.hpp"
+#include "text/Values.hpp"
 
 namespace dorn::tool {
 namespace {

@@ -4,8 +4,8 @@
 #pragma once
 
 #include "Console.hpp"
-#include "Json.hpp"
 #include "board/Supervisor.hpp"
+#include "text/Json.hpp"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "board/Supervisor.hpp"
 
-#include "ServiceList.hpp"
 #include "ServiceState.hpp"
+#include "answers/ServiceList.hpp"
 
 #include <algorithm>
 #include <array>

@@ -2,10 +2,10 @@
 // Writes what is installed beside the command: its manual and its completion, and the manual of the conformance suite,
 // which knows none of the command's texts. Run by the build. Usage: dorn-manual DIRECTORY
 #include "Completion.hpp"
-#include "NewFile.hpp"
 #include "Nouns.hpp"
 #include "Options.hpp"
 #include "Program.hpp"
+#include "files/NewFile.hpp"
 #include "manual/HelpPage.hpp"
 #include "manual/ManualPage.hpp"
 

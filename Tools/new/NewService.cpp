@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "new/NewService.hpp"
 
-#include "NewFile.hpp"
 #include "Outcome.hpp"
-#include "Values.hpp"
+#include "files/NewFile.hpp"
 #include "new/ServiceTemplate.hpp"
 #include "port/FilePort.hpp"
+#include "text/Values.hpp"
 
 #include <algorithm>
 #include <array>
