@@ -42,8 +42,6 @@ const void* identityOf(std::int64_t number)
     return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(number)); // NOLINT: never followed
 }
 
-// -------------------------------------------------------------------------------------------------------- time-outs
-
 class PendingTimers {
 public:
     PendingTimers()
@@ -155,8 +153,6 @@ void armAndRunInAsio(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * batch);
 }
 BENCHMARK(armAndRunInAsio)->Name("timeout/expire/asio")->UseRealTime();
-
-// --------------------------------------------------------------------------------------------------------- requests
 
 /// A request that knows its reply by a number, which stands at the beginning of the message.
 class BenchReq : public Req {

@@ -231,8 +231,6 @@ void ManualClock::Hands::sleepOn(std::span<const pollfd> entries, Deadline until
     }
 }
 
-// -------------------------------------------------------------------------------------------------- what a test holds
-
 ManualClock::ManualClock(Nanoseconds wall) : m_hands(Hands::start(wall)) {}
 
 ManualClock::~ManualClock()

@@ -86,8 +86,6 @@ bool EventDispatcher::isRunning()
     return std::atomic_ref(m_euId).load() != 0;
 }
 
-// -------------------------------------------------------------------------------------------------------- registration
-
 void EventDispatcher::RegisterEventHandler(int fd, EventHandler& handler, short events)
 {
     const SemLock lock(m_handlerRegSem);
@@ -125,8 +123,6 @@ void EventDispatcher::PostSafeSem()
 }
 
 void EventDispatcher::HandleEvent(int /*fd*/) {}
-
-// ----------------------------------------------------------------------------------------------------------- the EU
 
 void* EventDispatcher::DispatcherFunction(void* args)
 {

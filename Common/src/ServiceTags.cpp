@@ -29,8 +29,6 @@ unsigned int numberAt(const void* value)
 
 } // namespace
 
-// -------------------------------------------------------------------------------------------------------- observing
-
 void Service::SetObservedTag(std::string tag)
 {
     {
@@ -76,8 +74,6 @@ void Service::ConfigTagObserver(const char* name, const void* value, unsigned in
         service->HandleConfigTagChange(name, numberAt(value));
     }
 }
-
-// ---------------------------------------------------------------------------------------------------------- waiting
 
 /// Holds the table of those who wait.
 class Service::TagTableLock {

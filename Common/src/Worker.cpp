@@ -98,8 +98,6 @@ void Worker::startWorkerThread()
                                        &self, sizeof(self), 0);
 }
 
-// --------------------------------------------------------------------------------------------------------------- tasks
-
 void Worker::AssignTask(Task* task, unsigned int giveOwnership)
 {
     if (giveOwnership == 1) {
@@ -187,8 +185,6 @@ void Worker::execute(Task& task)
         delete &task;
     }
 }
-
-// ---------------------------------------------------------------------------------------------------------- suspension
 
 void Worker::SuspendWorking()
 {

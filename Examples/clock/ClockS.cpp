@@ -91,8 +91,6 @@ void ClockS::Init()
     startTimer();
 }
 
-// ---------------------------------------------------------------------------------------------------------- the clocks
-
 void ClockS::startTimer()
 {
     m_secondsUnderWay = m_pll.secondsToNextStep();
@@ -168,8 +166,6 @@ void ClockS::calibrate(double seconds)
     }
     m_pllMonitor.setClockCalibrationStatusFinished();
 }
-
-// ------------------------------------------------------------------------------------------------------------ messages
 
 void ClockS::HandleShow(ClockShowReqMsg request)
 {

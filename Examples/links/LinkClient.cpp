@@ -41,8 +41,6 @@ LinkClient::RemoteNodeCallback LinkClient::remoteConditionOf(ELinkCondition cond
         [this, condition](const RemoteNode& event) { onCondition(*event.getLink(), condition, event.getActive()); });
 }
 
-// -------------------------------------------------------------------------------------------------------- registration
-
 void LinkClient::listenTo(vel::hwapi::common::bif::baseband::obsai::AbstractObsaiLinkSynchronizerBif& bif)
 {
     bif.setRxLinkSynchronizationCallback(&m_obsaiRx);
@@ -78,8 +76,6 @@ void LinkClient::listenTo(vel::hwapi::common::bif::baseband::cpri::AbstractCpriL
     bif.setCpriVsbBytesReceivedCallback(&m_vsbReceived);
     bif.setCpriVsbBytesTransmittedCallback(&m_vsbTransmitted);
 }
-
-// -------------------------------------------------------------------------------------------------------------- events
 
 void LinkClient::onObsaiRx(const ObsaiSync& event)
 {

@@ -103,8 +103,6 @@ void RedundancyManagerS::Init()
     meetMate();
 }
 
-// -------------------------------------------------------------------------------------------------------- registration
-
 void RedundancyManagerS::HandleRegister(HwapiRedundancyRegisterReqMsg request)
 {
     const TAaSysComSicad address = request.GetSender();
@@ -153,8 +151,6 @@ void RedundancyManagerS::forget(TAaSysComSicad address)
         goOnIfDone();
     }
 }
-
-// ------------------------------------------------------------------------------------------------ questions, switches
 
 void RedundancyManagerS::HandleShow(RedundancyShowReqMsg request)
 {
@@ -363,8 +359,6 @@ void RedundancyManagerS::endSwitch(EUnitRole target)
                  isDone ? ERedundancySwitchStatus_Done : ERedundancySwitchStatus_Failed);
 }
 
-// --------------------------------------------------------------------------------------------------------------- mate
-
 void RedundancyManagerS::meetMate()
 {
     m_term = termBefore();
@@ -494,8 +488,6 @@ void RedundancyManagerS::HandleHeartbeat(MateHeartbeatMsg heartbeat)
     }
     yieldToMate();
 }
-
-// ------------------------------------------------------------------------------------------------------------- answers
 
 /// Sends an answer with services behind its record. @param fill is given the answer, to write what else is in it
 template <class Answer, class Fill>

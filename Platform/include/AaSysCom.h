@@ -44,8 +44,6 @@ typedef enum EAaSysComStatus {
     EAaSysComStatus_NoResources = 5 ///< descriptors or memory ran out
 } EAaSysComStatus;
 
-// ---------------------------------------------------------------------------------------------------------------- EUs
-
 /// Entry point of an EU. @p args points at the EU's own copy of the argument block, valid until the entry returns.
 typedef void* (*TAaSysComEuEntry)(void* args);
 
@@ -75,8 +73,6 @@ int32_t AaSysComEuCreateAndStartWithPolicy(TAaProEuId* euId, const char* name, T
 /// called from a signal handler.
 void AaSysComEuWakeUp(TAaProEuId euId);
 
-// ---------------------------------------------------------------------------------------------------------- addresses
-
 /// Registers a cpid for an EU.
 /// @param cpid the wanted cpid; 0 asks for any free one.
 /// @param euId the EU that will receive what is sent to it.
@@ -103,8 +99,6 @@ uint32_t AaSysComNmapGetBoard(TAaSysComSicad sicad);
 /// Looks up the CPU that the node map gives for the node of @p sicad.
 /// @return the CPU's number; 0 when the map does not know the node.
 uint32_t AaSysComNmapGetCpu(TAaSysComSicad sicad);
-
-// ----------------------------------------------------------------------------------------------------------- messages
 
 /// Creates a message. Its sender is the first cpid of the calling EU, or 0 when it has none.
 /// @param id message id

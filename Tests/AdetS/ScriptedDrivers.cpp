@@ -105,8 +105,6 @@ std::int32_t answerOfExtModule(const std::string& call, std::uint32_t port, std:
 
 } // namespace
 
-// -------------------------------------------------------------------------------------------------------- the seam
-
 std::int32_t ddal_devicetree_get_unit_id(std::uint32_t unit, std::uint32_t maxLength, char* buffer)
 {
     if (const std::int32_t result = note(formatted("ddal_devicetree_get_unit_id(%u, %u)", unit, maxLength));

@@ -137,8 +137,6 @@ TEST_F(TarnUnitTest, ParameterThatIsNoBoardCodeHidesTheDriversCode)
                 ElementsAre("Debug 0x20063 ApiGetTarnBoardType: returning ETarnBoardType_Unknown (boardType:0x55)"));
 }
 
-// ----------------------------------------------------------------------------------------------------------------- RAT
-
 class TarnRatTest : public AutodetTest {
 protected:
     static constexpr const char* tag = "sys.orv.fpga.technology";

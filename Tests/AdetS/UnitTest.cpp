@@ -11,8 +11,6 @@ using testing::ElementsAre;
 
 class UnitTest : public AutodetTest {};
 
-// ----------------------------------------------------------------------------------------------------------------- id
-
 TEST_F(UnitTest, IdIsWhatTheDriverGives)
 {
     m_drivers.units[7] = {"HOLMA", 0x500123, "", ""};
@@ -70,8 +68,6 @@ TEST_F(UnitTest, EmptyOwnIdIsNotKept)
     EXPECT_EQ(ask(ApiGetLocalUnitId, 5), inBuffer("TARN", 5));
 }
 
-// ------------------------------------------------------------------------------------------------------------ HW/SW id
-
 TEST_F(UnitTest, HwSwIdIsWhatTheDriverGives)
 {
     m_drivers.units[3].hwSwId = 0xFEDCBA98;
@@ -122,8 +118,6 @@ TEST_F(UnitTest, OwnHwIdOfZeroIsReadAgain)
     m_drivers.units[0].hwSwId = 0x507001;
     EXPECT_EQ(ApiGetLocalUnitHwId(), 0x507U);
 }
-
-// ---------------------------------------------------------------------------------------------------------------- type
 
 struct TypeRow {
     std::uint32_t hwSwId;
@@ -200,8 +194,6 @@ TEST_F(UnitTest, UnknownOwnTypeIsReadFromTheDriverOnEveryCall)
 
     EXPECT_EQ(driverCalls().size(), 4U);
 }
-
-// ------------------------------------------------------------------------------------------------------------- version
 
 struct VersionRow {
     std::uint32_t hwSwId;
@@ -343,8 +335,6 @@ TEST_F(UnitTest, UnknownOwnVersionIsReadFromTheDriverOnEveryCall)
     EXPECT_EQ(driverCalls().size(), 4U);
 }
 
-// ---------------------------------------------------------------------------------- production code, serial number
-
 TEST_F(UnitTest, ProductionCodeIsWhatTheDriverGives)
 {
     m_drivers.units[2].productionCode = "900500B.203";
@@ -394,8 +384,6 @@ TEST_F(UnitTest, OwnSerialNumberIsReadOnceWithSixteenCharacters)
 
     EXPECT_THAT(m_platform.calls(), ElementsAre("ddal_devicetree_get_serial_number(0, 17)"));
 }
-
-// ------------------------------------------------------------------------------------------------------------------- C
 
 TEST_F(UnitTest, FunctionsAreCalledFromC)
 {

@@ -292,8 +292,6 @@ TEST_F(RingBufferRegistrationTest, FunctionsAreCalledFromC)
     EXPECT_THAT(registeredPaths(), ElementsAre("/ram/dsp.log"));
 }
 
-// ------------------------------------------------------------------------------------------------------ file callbacks
-
 class RingBufferFileTest : public RingBufferRegistrationTest {
 protected:
     static TroubleCollection collect()

@@ -28,8 +28,6 @@ protected:
 
 const std::string defaultHelp = "\t-h\n\t--help\n\t\t Print usage information\n";
 
-// ------------------------------------------------------------------------------------------------------- declarations
-
 TEST_F(ArgParserTest, NewParserKnowsTheTwoHelpOptions)
 {
     EXPECT_EQ(m_parser.ReadArgument("h"), "arg off");
@@ -199,8 +197,6 @@ TEST_F(ArgParserTest, LaterDeclarationIsReadAlthoughAnEarlierTextWasCut)
     EXPECT_EQ(m_parser.ReadArgument("z"), "arg off");
 }
 
-// ------------------------------------------------------------------------------------------------------ short options
-
 TEST_F(ArgParserTest, ShortOptionIsMarked)
 {
     EXPECT_EQ(parse({"-h"}), "");
@@ -228,8 +224,6 @@ TEST_F(ArgParserTest, EveryUnknownLetterIsReported)
 {
     EXPECT_EQ(parse({"-x=-"}), " -x -= --");
 }
-
-// ------------------------------------------------------------------------------------------------------- long options
 
 TEST_F(ArgParserTest, LongOptionIsMarked)
 {
@@ -311,8 +305,6 @@ TEST_F(ArgParserTest, ThreeCharactersAreNoLongFormEvenWithAnEqualsSign)
 {
     EXPECT_EQ(parse({"--="}), " --=");
 }
-
-// ---------------------------------------------------------------------------------------------------------- the rest
 
 TEST_F(ArgParserTest, ArgumentWithoutDashIsReportedWhole)
 {

@@ -66,7 +66,6 @@ public:
     void Perform() override {}
 };
 
-// --------------------------------------------------------------------------------------------------- virtual functions
 // The first two places of a class whose destructor comes first are the destructor's.
 
 TEST(ClassLayoutTest, VirtualFunctionsOfTheExceptionRootKeepTheirOrder)
@@ -149,8 +148,6 @@ TEST(ClassLayoutTest, VirtualFunctionsOfTaskKeepTheirOrder)
     EXPECT_EQ(slotOf(&AbstractWorker::Task::setExecutingWorker), 5);
     EXPECT_EQ(slotOf(&AbstractWorker::Task::setOwnedByWorker), 6);
 }
-
-// ------------------------------------------------------------------------------------------------------------- members
 
 TEST(ClassLayoutTest, MembersOfTheExceptionRootKeepTheirPlaces)
 {
@@ -237,8 +234,6 @@ TEST(ClassLayoutTest, FreshTaskIsNobodysAndIsNotExecuted)
     EXPECT_FALSE((*job).*exposed(OwnedTag{}));
     EXPECT_EQ((*job).*exposed(ExecutingTag{}), nullptr);
 }
-
-// ----------------------------------------------------------------------------------------------------------- messages
 
 TEST(ClassLayoutTest, RedundancyMessagesHaveTheirIdsAndRecords)
 {

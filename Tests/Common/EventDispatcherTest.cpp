@@ -78,8 +78,6 @@ protected:
     Handler m_b{"b"};
 };
 
-// ------------------------------------------------------------------------------------------------------------ its life
-
 TEST_F(EventDispatcherTest, ConstructorCreatesTheSemaphores)
 {
     EXPECT_THAT(m_platform.calls(), ElementsAre("AaSemCreateC(1)", "AaSemCreateC(1)", "AaSemCreateC(1)"));
@@ -208,8 +206,6 @@ TEST_F(EventDispatcherTest, OwnHandlerDoesNothing)
 
     EXPECT_THAT(m_platform.calls(), IsEmpty());
 }
-
-// -------------------------------------------------------------------------------------------------------- registration
 
 TEST_F(EventDispatcherTest, TablesAreChangedUnderTheirLockOnly)
 {
@@ -376,8 +372,6 @@ TEST_F(EventDispatcherTest, DescriptorRegisteredAgainAfterTheTakeoverHasItsHandl
                 ElementsAre("poll(5:0x1, 200)", "poll(200)", "poll(5:0x1, 200)", "poll(5:0x1, 200)"));
     EXPECT_THAT(handled(), ElementsAre("b handles 5"));
 }
-
-// -------------------------------------------------------------------------------------------------------------- rounds
 
 TEST_F(EventDispatcherTest, EveryEntryIsLookedAtInOrderUnderTheSafeSemaphore)
 {

@@ -256,8 +256,6 @@ std::int32_t send(const char* function, void** message)
 
 } // namespace
 
-// ------------------------------------------------------------------------------------------------- the seam: start-up
-
 std::int32_t AaConfigEarlyStartup()
 {
     return note("AaConfigEarlyStartup()");
@@ -273,8 +271,6 @@ void AaStartupSetShutdownHandler(TAaStartupShutdownHandler handler)
     RecordingPlatform::get().shutdownHandler = handler;
     note(formatted("AaStartupSetShutdownHandler(%s)", handler ? "set" : "null"));
 }
-
-// -------------------------------------------------------------------------------------------- the seam: configuration
 
 std::int32_t AaConfigTagSetString(const char* name, const char* value)
 {
@@ -391,8 +387,6 @@ std::uint32_t AaConfigRadReadValue(TAaConfigRadId id)
     return found == parameters.end() ? 0 : found->second;
 }
 
-// ------------------------------------------------------------------------------------------------------ the seam: log
-
 std::int32_t AaSysLogCallLevel = 0;
 
 void(AaSysLogPrintE)(EAaSysLogSeverityLevel severity, std::uint32_t featureId, const char* format, ...)
@@ -412,8 +406,6 @@ void(AaSysLogPrint)(EAaSysLogSeverityLevel severity, const char* format, ...)
     va_end(arguments);
     note(formatted("%s 0x0 ", dorn::test::severityName(severity)) + text);
 }
-
-// ----------------------------------------------------------------------------------------- the seam: EUs, semaphores
 
 std::int32_t AaProEeGetDefaultSchedulingPolicy(EAaProEuSchedulingPolicy* policy)
 {
@@ -495,8 +487,6 @@ std::int32_t AaSemReMutexGive(AaSemReMutex* mutex)
     const std::int32_t result = note("AaSemReMutexGive()");
     return mutex ? result : 1;
 }
-
-// ------------------------------------------------------------------------------------------------- the seam: messages
 
 TAaSysComCpid AaSysComUserRegister(TAaSysComCpid cpid, TAaProEuId euId)
 {

@@ -258,8 +258,6 @@ TEST_F(ServiceDelegatesTest, ExceptionOutOfADelegatesEndEndsTheProcessWithTheSer
         testing::ExitedWithCode(3), "terminated");
 }
 
-// --------------------------------------------------------------------------------------------------- message handlers
-
 struct Reading {
     std::uint32_t sensor;
     std::uint32_t value;

@@ -350,8 +350,6 @@ TEST_F(ServiceHostTest, RequestToEndComesWhileMessagesFlow)
     EXPECT_EQ(state(), 4U);
 }
 
-// --------------------------------------------------------------------------------------------------- a real executable
-
 class ServiceProcessTest : public NodeTest {
 protected:
     static constexpr TAaSysComSicad address = 0x0F010777;

@@ -48,8 +48,6 @@ protected:
     ScriptedService m_service;
 };
 
-// --------------------------------------------------------------------------------------------------------- one message
-
 TEST_F(ServiceMainLoopTest, MessageGoesToItsDelegateAndIsDestroyed)
 {
     std::vector<std::string> order;
@@ -122,8 +120,6 @@ TEST_F(ServiceMainLoopTest, TerminateAloneDoesNotCutTheWaitingShort)
     EXPECT_TRUE(waited);
     EXPECT_EQ(m_platform.liveMessages(), 0U);
 }
-
-// ---------------------------------------------------------------------------------------------------------- exceptions
 
 TEST_F(ServiceMainLoopTest, StandardExceptionOfADelegateIsLoggedAndBecomesARuntimeException)
 {
@@ -238,8 +234,6 @@ TEST_F(ServiceMainLoopTest, CancelledMainEuUnwindsAndDestroysTheMessageInHand)
     EXPECT_EQ(m_platform.parameters[0x22000B], 3U);
 }
 
-// ------------------------------------------------------------------------------------------------------------ the loop
-
 TEST_F(ServiceMainLoopTest, FamilyExceptionThatIsNotTheServicesOwnIsUnexpected)
 {
     m_service.init = [this] { m_service.AddMsgDelegate(nullptr); };
@@ -344,8 +338,6 @@ TEST_F(ServiceMainLoopTest, InitFailedExceptionOutOfRunEndsTheServiceWithStateFi
     EXPECT_EQ(m_platform.parameters[0x22000B], 5U);
     EXPECT_THAT(m_platform.calls("AaSysComUserDeregister"), IsEmpty()); // only a failed InitEu() gives the cpid up
 }
-
-// --------------------------------------------------------------------------------------- requests to end the process
 
 class ServiceShutdownTest : public ServiceMainLoopTest {
 protected:

@@ -84,8 +84,6 @@ protected:
     RedundantService m_service;
 };
 
-// -------------------------------------------------------------------------------------------------------- registration
-
 TEST_F(ServiceRedundancyTest, RegistrationIsSentAndItsAnswerAwaited)
 {
     answer(0);
@@ -202,8 +200,6 @@ TEST_F(ServiceRedundancyTest, RegistrationAnswerThatIsTooShortHasNoPayload)
 
     EXPECT_THAT(m_platform.calls(), ElementsAre(nullReceived));
 }
-
-// ------------------------------------------------------------------------------------------------------------ commands
 
 TEST_F(ServiceRedundancyTest, CommandIsAcknowledgedBeforeTheServiceReacts)
 {
@@ -360,8 +356,6 @@ TEST_F(ServiceRedundancyTest, HandlerOfCommandsIsRegisteredOnce)
 
     EXPECT_THAT(m_platform.calls("Error"), ElementsAre("Error 0x20075 Message handler already registered: id=0x0FB3"));
 }
-
-// --------------------------------------------------------------------------------------------------------- active unit
 
 class ActiveUnitTest : public ServiceRedundancyTest {
 protected:

@@ -57,8 +57,6 @@ const std::string euCreation = "AaSysComEuCreateAndStartWithPolicy(\"PingMain\",
                                "argsSize " +
                                std::to_string(sizeof(void*)) + ", wait 1)";
 
-// ------------------------------------------------------------------------------------------------------- command line
-
 TEST_F(ServiceStartupTest, UnknownOptionIsToldAndNothingElseHappens)
 {
     bool preStarted = false;
@@ -130,8 +128,6 @@ TEST_F(ServiceStartupTest, OptionsOfTheServiceAreUnderstoodAndListed)
                                "\t--level=N\n\t\t Level of detail\n");
     EXPECT_EQ(m_service.GetArgumentParser().ReadArgument("level"), "3");
 }
-
-// ----------------------------------------------------------------------------------------------------------- sequence
 
 TEST_F(ServiceStartupTest, StepsOfALifeComeInTheirOrder)
 {
@@ -377,8 +373,6 @@ TEST_F(ServiceStartupTest, ServiceInitializedIsLoggedAfterInit)
     EXPECT_THAT(m_platform.calls("Info 0x20075"), ElementsAre("Info 0x20075 Service initialized ( 0x0456 )"));
 }
 
-// -------------------------------------------------------------------------------------------------- construction, end
-
 TEST(ServiceLifeTest, NewServiceIsTheProcesssAndHasItsMutex)
 {
     RecordingPlatform platform;
@@ -471,8 +465,6 @@ TEST(ServiceLifeTest, ExitGivesTheQueueAndTheWantedCpidUp)
     EXPECT_THAT(platform.calls(), ElementsAre("AaSysComUserDeregister(0x456)"));
 }
 
-// -------------------------------------------------------------------------------------------------------------- state
-
 class ServiceStateTest : public testing::Test {
 protected:
     ServiceStateTest() { m_platform.clearCalls(); }
@@ -520,8 +512,6 @@ TEST_F(ServiceStateTest, StateIsReadFromItsParameter)
 
     EXPECT_EQ(m_service.GetServiceStateRad(), 17U);
 }
-
-// ------------------------------------------------------------------------------------------------- what a service is
 
 TEST_F(ServiceStateTest, NameAndPrintsAreThoseOfTheConstruction)
 {

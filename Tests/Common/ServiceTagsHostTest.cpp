@@ -61,8 +61,6 @@ protected:
     unsigned m_marker = 0;
 };
 
-// -------------------------------------------------------------------------------------------------------- observing
-
 TEST_F(ServiceTagsHostTest, ExistingTagIsDeliveredAtOnceOnTheCallersThread)
 {
     AaConfigTagSetU32("x", 7);
@@ -241,8 +239,6 @@ TEST_F(ServiceTagsHostTest, TagWithoutANameIsLogged)
     EXPECT_THAT(m_service.changes(), IsEmpty());
 }
 
-// ---------------------------------------------------------------------------------------------------------- waiting
-
 TEST_F(ServiceTagsHostTest, WaitSeesOnlyASetThatWasMadeAfterItBegan)
 {
     AaConfigTagSetU32("x", 5);
@@ -361,8 +357,6 @@ TEST_F(ServiceTagsHostTest, ThreadThatIsCancelledLeavesTheOthersWaiting)
     EXPECT_EQ(m_gives.count(), 1U);
 }
 
-// --------------------------------------------------------------------------------------------------- two processes
-
 TEST_F(ServiceTagsHostTest, SetOfAnotherProcessIsDeliveredAndReleases)
 {
     m_service.SetObservedTag("x");
@@ -404,8 +398,6 @@ TEST_F(ServiceTagsHostTest, ThreadOfAnotherProcessIsReleased)
 
     EXPECT_EQ(waiter.waitForEnd(), 0) << waiter.standardError();
 }
-
-// ---------------------------------------------------------------------------------------- services of one process
 
 class ServiceTagsLivesTest : public NodeTest {};
 

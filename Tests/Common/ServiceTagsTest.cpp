@@ -76,8 +76,6 @@ protected:
     unsigned m_waits = 0;
 };
 
-// -------------------------------------------------------------------------------------------------------- observing
-
 TEST_F(ServiceTagsTest, MissingTagIsRegisteredAndThenReadAndDeliversNothing)
 {
     m_service.SetObservedTag("x");
@@ -360,8 +358,6 @@ TEST_F(ServiceTagsTest, NextServiceBeginsWithoutTags)
 
     EXPECT_THAT(next.m_observedTags, IsEmpty());
 }
-
-// ---------------------------------------------------------------------------------------------------------- waiting
 
 TEST_F(ServiceTagsTest, WaitRegistersUnderTheMutexAndWaitsOutsideIt)
 {

@@ -108,8 +108,6 @@ protected:
     Worker m_worker; ///< its semaphores: 1 task count, 2 queue, 3 suspension, 4 execution
 };
 
-// -------------------------------------------------------------------------------------------------------------- set-up
-
 TEST_F(WorkerTest, ConstructorCreatesTheSemaphores)
 {
     EXPECT_THAT(m_platform.calls(),
@@ -260,8 +258,6 @@ TEST_F(WorkerTest, SetupStartsTheThreadThroughItsVirtualFunction)
     EXPECT_THAT(m_platform.calls("AaSysCom"), IsEmpty());
 }
 
-// --------------------------------------------------------------------------------------------------------------- tasks
-
 TEST_F(WorkerTest, AssignedTaskIsQueuedUnderTheLockAndThenCounted)
 {
     Job job("job");
@@ -354,8 +350,6 @@ TEST_F(WorkerTest, TasksRunInTheOrderInWhichTheyWereAssigned)
     EXPECT_EQ(performed, expected);
 }
 
-// ------------------------------------------------------------------------------------------------------------ failures
-
 TEST_F(WorkerTest, TaskExceptionIsLoggedAndTheTaskNeitherResetNorDeleted)
 {
     Job job("job", [] { throw AbstractWorker::Task::TaskException("no link", "port 3 is down", __FILE__, __LINE__); });
@@ -441,8 +435,6 @@ TEST_F(WorkerTest, WorkerWithoutSemaphoresRunsWhatIsThere)
     EXPECT_THAT(m_platform.calls("Error"), IsEmpty());
 }
 
-// ---------------------------------------------------------------------------------------------------------- suspension
-
 TEST_F(WorkerTest, SuspensionByATaskHoldsUpTheNextOne)
 {
     Job suspend("suspend", [this] {
@@ -463,7 +455,6 @@ TEST_F(WorkerTest, SuspensionByATaskHoldsUpTheNextOne)
     EXPECT_FALSE(m_worker.IsWorkingSuspended());
 }
 
-// ------------------------------------------------------------------------------------------------------------ registry
 // Registered workers live as long as the process, longer than any test's platform: they are made, never destroyed.
 
 TEST_F(WorkerTest, RegisteredWorkerIsTheSameEachTime)

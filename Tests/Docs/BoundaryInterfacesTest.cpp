@@ -21,8 +21,6 @@ using vel::hwapi::common::Worker;
 
 namespace sfp = vel::hwapi::common::bif::baseband::sfp;
 
-// ------------------------------------------------------------------------------------------------------------- driver
-
 /// A board with two cages, the second of which serves no link.
 class TwoCages : public sfp::AbstractSfpBif {
 public:
@@ -43,8 +41,6 @@ public:
     }
 };
 
-// ------------------------------------------------------------------------------------------------------------- client
-
 /// Keeps a book of the modules that have come and gone.
 class ModuleBook : public sfp::AbstractSfpBif::AbstractSfpCallback {
 public:
@@ -55,8 +51,6 @@ public:
     }
     std::vector<std::string> entries;
 };
-
-// --------------------------------------------------------------------------------------------------------- taking down
 
 /// Tells that the worker has run everything that was assigned before.
 class TellDone : public AbstractWorker::Task {
@@ -100,8 +94,6 @@ TEST_F(BoundaryInterfacesTest, EventOnAWorkerAndTheEnd)
     EXPECT_THAT(book.entries, ElementsAre("module on link 4", "no module on link 255"));
     Worker::Get(hardwareEvents)->SuspendAndWaitWorkToComplete();
 }
-
-// ---------------------------------------------------------------------------------------------- vendor specific bytes
 
 namespace cpri = vel::hwapi::common::bif::baseband::cpri;
 

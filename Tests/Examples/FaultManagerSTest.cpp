@@ -142,8 +142,6 @@ TEST_F(FaultManagerSTest, FullTablesAreListedWhole)
     EXPECT_EQ(alarms().size(), maxActiveAlarms + maxPastAlarms);
 }
 
-// ----------------------------------------------------------------------------------------------------------- bad input
-
 TEST_F(FaultManagerSTest, FaultThatIsTooShortIsLoggedAndDropped)
 {
     m_service.send(11140, faultManagerCpid, std::string(11, 'x'));
@@ -208,8 +206,6 @@ TEST_F(FaultManagerSTest, NoMemoryForAnAnswerIsLogged)
                                      "Error 0x20009 No memory to answer 0x0F010301",
                                      "Error 0x20009 No memory to answer 0x0F010301"));
 }
-
-// --------------------------------------------------------------------------------------------------------- subscribers
 
 TEST_F(FaultManagerSTest, SubscriberIsToldOfEveryChange)
 {

@@ -129,8 +129,6 @@ protected:
     Player m_second{0x212};
 };
 
-// -------------------------------------------------------------------------------------------------------- registration
-
 TEST_F(RedundancyManagerSTest, RegistrationIsAnsweredAndLogged)
 {
     EXPECT_EQ(m_first.enlist(), ERedundancyRegisterStatus_Ok);
@@ -206,8 +204,6 @@ TEST_F(RedundancyManagerSTest, NoMemoryForAnAnswerIsLogged)
                                           "Error 0x20080 No memory to answer 0x0F010301",
                                           "Error 0x20080 No memory to answer 0x0F010301"));
 }
-
-// ----------------------------------------------------------------------------------------------------------- questions
 
 TEST_F(RedundancyManagerSTest, EveryServiceIsAskedForItsState)
 {
@@ -302,8 +298,6 @@ TEST_F(RedundancyManagerSTest, QuestionDuringASwitchIsAnsweredWithWhatIsKnown)
     EXPECT_EQ(answer.services[0].command, ERedundancyCommand_PrepareActive);
     EXPECT_EQ(answer.services[0].state, 0U);
 }
-
-// ------------------------------------------------------------------------------------------------------------ switches
 
 TEST_F(RedundancyManagerSTest, UnitBecomesActiveStepByStep)
 {
@@ -548,8 +542,6 @@ TEST_F(RedundancyManagerSTest, SwitchThatHasEndedLeavesNoTimeOut)
 
     EXPECT_EQ(cancelled.count(), 1U);
 }
-
-// --------------------------------------------------------------------------------------------------------- coming back
 
 TEST_F(RedundancyManagerSTest, ManagerThatComesBackKnowsItsServicesAndItsRole)
 {

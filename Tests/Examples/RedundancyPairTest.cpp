@@ -105,8 +105,6 @@ const std::vector<ERedundancyCommand> toActive{ERedundancyCommand_PrepareActive,
 const std::vector<ERedundancyCommand> toStandby{ERedundancyCommand_PrepareStandby, ERedundancyCommand_ReleaseActive,
                                                 ERedundancyCommand_ReleaseHwLatch};
 
-// ---------------------------------------------------------------------------------------------------------- heartbeats
-
 /// The next heartbeat that a watcher of the node's messages sees.
 SMateHeartbeat seen(Peer& watcher, std::vector<SRedundancyRegistration>& services)
 {
@@ -214,8 +212,6 @@ TEST_F(RedundancyPairTest, MateThatIsNoOtherNodeEndsTheManager)
     }));
 }
 
-// ----------------------------------------------------------------------------------------------------------- take-over
-
 TEST_F(RedundancyPairTest, SilentActiveMateIsStoodInFor)
 {
     start();
@@ -277,8 +273,6 @@ TEST_F(RedundancyPairTest, TakeOverThatFailedIsTriedAgainAfterASecond)
 
     EXPECT_TRUE(isActive());
 }
-
-// -------------------------------------------------------------------------------------------------- two active halves
 
 TEST_F(RedundancyPairTest, ActiveHalfOfAnEarlierTermYields)
 {
@@ -349,8 +343,6 @@ TEST_F(RedundancyPairTest, TermSurvivesTheManager)
     m_service.expectNothing();
     EXPECT_TRUE(isActive());
 }
-
-// ------------------------------------------------------------------------------------------------ the mate's services
 
 TEST_F(RedundancyPairTest, MatesServicesAreAskedByAddress)
 {

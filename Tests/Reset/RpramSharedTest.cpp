@@ -152,8 +152,6 @@ protected:
     dorn::testkit::LogCapture m_log;
 };
 
-// -------------------------------------------------------------------------------------------------------------- fields
-
 TEST_F(RpramTest, EveryFieldHasItsNumberAndItsFile)
 {
     int number = 0;
@@ -215,8 +213,6 @@ TEST_P(UnsupportedFieldTest, IsNotRead)
 }
 
 INSTANTIATE_TEST_SUITE_P(Fields, UnsupportedFieldTest, testing::Values(19, 20, 77, 78, 128, 0x10000, -1));
-
-// ------------------------------------------------------------------------------------------------------------- writing
 
 TEST_F(RpramTest, FirstWriteMakesTheDirectoryAndAFileOfOneLine)
 {
@@ -459,8 +455,6 @@ TEST_F(RpramTest, PathThatHasNoPlaceIsAFailure)
     EXPECT_EQ(set(4, "cold"), 1);
     EXPECT_EQ(get(), (Read{1, 0xDEAD, "(untouched)"}));
 }
-
-// ------------------------------------------------------------------------------------------------------------- reading
 
 TEST_F(RpramTest, NewestLineIsRead)
 {

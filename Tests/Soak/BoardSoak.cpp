@@ -86,7 +86,6 @@ std::string BoardSoak::summary() const
            "\nat last " + usageText(m_latest);
 }
 
-// ----------------------------------------------------------------------------------------------------------------
 // waits
 
 void BoardSoak::runUntil(const std::function<bool()>& isSo, const std::string& otherwise)
@@ -148,7 +147,6 @@ void BoardSoak::checkUsage()
     }
 }
 
-// ---------------------------------------------------------------------------------------------------------------
 // faults
 
 std::string BoardSoak::apply(Fault fault)

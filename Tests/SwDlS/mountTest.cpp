@@ -90,8 +90,6 @@ protected:
     TAaSysComCpid m_cpid;
 };
 
-// ------------------------------------------------------------------------------------------------------------ messages
-
 TEST_F(MountTest, MessagesHaveTheirNumbers)
 {
     EXPECT_EQ(API_MOUNT_REQ_MSG, 0x2B95);
@@ -209,8 +207,6 @@ TEST_F(MountTest, AnswerIsAwaitedForFiveSeconds)
     EXPECT_THAT(m_log.texts(), ElementsAre(timeoutLine));
 }
 
-// ------------------------------------------------------------------------------------------------------- both together
-
 TEST_F(MountTest, BothFileSystemsAreMountedAndBothAnswersAwaited)
 {
     std::jthread service([this] {
@@ -312,8 +308,6 @@ TEST_F(MountTest, LostRequestLeavesTheOtherAnswer)
                 ElementsAre(info + "requestRwMount(): Requesting RW mount for fs 0x36.",
                             receivedLine("fsId 0x36, type 0x2, mode 0x2, success_code 0x0"), timeoutLine));
 }
-
-// ------------------------------------------------------------------------------------------------------ is it mounted?
 
 class MountModeTest : public MountTest {
 protected:

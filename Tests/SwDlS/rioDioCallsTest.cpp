@@ -43,8 +43,6 @@ protected:
     dorn::testkit::LogCapture m_log;
 };
 
-// ------------------------------------------------------------------------------------------------------------- writing
-
 TEST_F(RioCallsTest, WritingReadsTheFileBlockByBlockThroughOneHandle)
 {
     writeFile(0x10001);
@@ -72,8 +70,6 @@ TEST_F(RioCallsTest, WritingThatFailsIsSaidBeforeBufferAndFileAreGivenBack)
                                       "total 0xa",
                             call + "give back block 1", call + "close"));
 }
-
-// -------------------------------------------------------------------------------------------------------- verification
 
 TEST_F(RioCallsTest, VerificationTakesAndGivesBackEverythingForEachBlock)
 {
@@ -143,8 +139,6 @@ TEST_F(RioCallsTest, EmptyFileIsSaidBeforeItIsClosed)
                 ElementsAre(call + "open /ffs/run/dsp.bin r",
                             warning + "validateSrioWrite, /ffs/run/dsp.bin file zero length", call + "close"));
 }
-
-// ------------------------------------------------------------------------------------------------------------- dumping
 
 TEST_F(RioCallsTest, DumpIsWrittenInOneCallAndSaidBeforeItIsClosed)
 {

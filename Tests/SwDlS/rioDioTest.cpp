@@ -105,8 +105,6 @@ protected:
     dorn::testkit::LogCapture m_log;
 };
 
-// ------------------------------------------------------------------------------------------------------------- writing
-
 class RioWriteTest : public RioTest {
 protected:
     static std::int32_t write(const char* filename = path) { return writeBinaryFileToSrio(device, address, filename); }
@@ -407,8 +405,6 @@ TEST_F(RioWriteTest, FullDiskBehindTheDeviceIsAFailure)
     EXPECT_EQ(lines().back(), failedLine("0x10000", "0x20000"));
 }
 
-// -------------------------------------------------------------------------------------------------------- verification
-
 class RioValidateTest : public RioTest {
 protected:
     /// Has file and device hold the same.
@@ -701,8 +697,6 @@ TEST_F(RioValidateTest, FunctionsAreCalledFromC)
     EXPECT_EQ(loadInC(device, address, path), 0);
     EXPECT_EQ(loadInC(0x77, address, path), -2);
 }
-
-// ------------------------------------------------------------------------------------------------------------- dumping
 
 class RioDumpTest : public RioTest {
 protected:

@@ -176,8 +176,6 @@ TEST_F(DornBoardShowTest, MissingDescriptionIsExplained)
                              "(DORN_BOARD can name another one)\n"}));
 }
 
-// ------------------------------------------------------------------------------------------- the answer and its source
-
 /// How a node of the source stands in the answer.
 struct Kind {
     std::map<std::string, std::string> properties;                    ///< property to member
@@ -361,8 +359,6 @@ TEST_F(DornBoardShowTest, JsonSaysWhatTheSourceSays)
         EXPECT_GE(comparison.compared(), 50) << blob;
     }
 }
-
-// --------------------------------------------------------------------------------------------------------------- fault
 
 class DornBoardFaultTest : public testkit::NodeTest {
 protected:

@@ -58,8 +58,6 @@ protected:
     testkit::Process m_service;
 };
 
-// ----------------------------------------------------------------------------------------------------------------- SFP
-
 class DornBoardSfpTest : public DornBoardTest {
 protected:
     DornBoardSfpTest() : DornBoardTest(DORN_SFP_SERVICE, ERadHwapiState_SfpServiceState) {}
@@ -134,8 +132,6 @@ TEST_F(DornBoardSfpTest, CutAnswerIsNotBelieved)
 
     EXPECT_EQ(show.result(), (CommandResult{1, "", "dorn: the answer is cut off: 0 of 4 records are there\n"}));
 }
-
-// --------------------------------------------------------------------------------------------------------------- links
 
 class DornBoardLinkTest : public DornBoardTest {
 protected:
@@ -232,8 +228,6 @@ TEST_F(DornBoardLinkTest, RefusalThatIsNotKnownIsANo)
     EXPECT_EQ(broken.result(),
               (CommandResult{1, "", "dorn: the link service does not know how to break link 'cpri0' like this\n"}));
 }
-
-// -------------------------------------------------------------------------------------------------------------- clocks
 
 class DornBoardClockTest : public DornBoardTest {
 protected:

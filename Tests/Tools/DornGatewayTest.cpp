@@ -42,8 +42,6 @@ protected:
     std::string m_tableFile = m_node.boardPath(gateway::defaultTableFile);
 };
 
-// --------------------------------------------------------------------------------------------------------------- keys
-
 TEST_F(DornGatewayTest, KeysPrintsThePublicKeyAndNothingElse)
 {
     const CommandResult made = dorn({"gateway", "keys"});
@@ -93,8 +91,6 @@ TEST_F(DornGatewayTest, KeysThatCannotBeMadeOrShownAreStatus1)
               (CommandResult{1, "", "dorn: key file '/nowhere/key' cannot be written: No such file or directory\n"}));
     EXPECT_EQ(dorn({"gateway", "keys", "--show", "--force"}).status, 2);
 }
-
-// -------------------------------------------------------------------------------------------------------------- check
 
 TEST_F(DornGatewayTest, CheckPrintsAGoodTable)
 {
@@ -181,8 +177,6 @@ TEST_F(DornGatewayTest, KeyFileThatIsNamedHasToBeThere)
                              "dorn: key file '/nowhere/key' cannot be read: No such file or directory; 'dorn gateway "
                              "keys' makes it\n"}));
 }
-
-// -------------------------------------------------------------------------------------------------------- run, status
 
 /// A port that was free a moment ago.
 std::string freePort()

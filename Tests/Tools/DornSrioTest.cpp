@@ -94,7 +94,6 @@ TEST_F(DornSrioTest, WrongArgumentsAreWrongUse)
     EXPECT_EQ(dorn({"srio", "verify", "0x10", "0"}).status, 2);
 }
 
-// --------------------------------------------------------------------------------------------------------- dorn board
 // rio
 
 TEST_F(DornSrioTest, NothingToldIsARemark)
@@ -134,7 +133,6 @@ TEST_F(DornSrioTest, WrongFaultsAreWrongUse)
     EXPECT_EQ(dorn({"board", "rio", "slow", "1", "3600001"}).status, 2);
 }
 
-// ------------------------------------------------------------------------------------------------------- dorn board
 // reset
 
 class DornBoardResetTest : public DornSrioTest {

@@ -86,8 +86,6 @@ std::string format(const char* text, Arguments... arguments)
     return buffer.data();
 }
 
-// ------------------------------------------------------------------------------------------------------------ services
-
 void putTitle(Frame& frame, const BoardContent& content)
 {
     const std::string role = !content.picture.isActiveUnit ? "" : *content.picture.isActiveUnit ? "active" : "standby";
@@ -116,8 +114,6 @@ void putServices(Frame& frame, const std::vector<ServiceLine>& services, std::si
                   Colour::Yellow);
     }
 }
-
-// ------------------------------------------------------------------------------------------------------------ hardware
 
 /// The heading of a part, and whether its service answers.
 void putHeading(Pane& pane, const std::string& name, Answering state)
@@ -192,8 +188,6 @@ void putHardware(Frame& frame, const BoardPicture& picture, std::size_t end)
     putCages(pane, picture.cages);
     putClock(pane, picture.clock);
 }
-
-// ----------------------------------------------------------------------------------------------------------- the lines
 
 /// One line below the services.
 struct NewsLine {
@@ -282,8 +276,6 @@ void putLines(Frame& frame, const BoardContent& content, std::size_t begin, std:
     putNamed(frame, begin + events, messages, "msgs", messageLines(content.picture.messages));
     putNamed(frame, begin + events + messages, room - events - messages, "log", logLines(content.picture.log));
 }
-
-// ------------------------------------------------------------------------------------------------------------- choices
 
 /// The columns of a menu are as wide as what stands in them.
 void putMenu(Frame& frame, const Menu& menu)

@@ -84,8 +84,6 @@ BoardContent LiveView::content() const
     return content;
 }
 
-// ---------------------------------------------------------------------------------------------------------------- keys
-
 void LiveView::handle(Key key)
 {
     if (key == interruptKey) {

@@ -140,8 +140,6 @@ void Supervisor::wait(std::vector<pollfd> others, host::Deadline until) const
     host::Clock::get().waitDescriptors(others, std::min(until, nextStep()));
 }
 
-// ---------------------------------------------------------------------------------------------------------------- ends
-
 void Supervisor::reap()
 {
     for (SupervisedService& service : m_services) {
@@ -201,8 +199,6 @@ void Supervisor::restartOrLeave(SupervisedService& service, int status)
         break;
     }
 }
-
-// ---------------------------------------------------------------------------------------------------------------- look
 
 void Supervisor::look()
 {
@@ -266,8 +262,6 @@ void Supervisor::setHealth(SupervisedService& service, ServiceHealth health)
     }
 }
 
-// --------------------------------------------------------------------------------------------------------------- reset
-
 bool Supervisor::hasBoardBeenReset()
 {
     const std::uint32_t resets = m_sight.resets();
@@ -307,8 +301,6 @@ void Supervisor::goOnWithReset()
     }
 }
 
-// --------------------------------------------------------------------------------------------------------------- start
-
 bool Supervisor::mayStart(const SupervisedService& service) const
 {
     const std::vector<std::size_t>& after = service.description.after;
@@ -344,8 +336,6 @@ void Supervisor::start(SupervisedService& service)
     enter(service, ServicePhase::Starting);
     tell(&service, "started, pid " + std::to_string(service.process->pid()), News::Plain);
 }
-
-// ----------------------------------------------------------------------------------------------------------------- end
 
 void Supervisor::end()
 {
@@ -405,8 +395,6 @@ void Supervisor::goOnWithEnd()
         }
     }
 }
-
-// --------------------------------------------------------------------------------------------------------------- state
 
 bool Supervisor::areAllRunning() const
 {

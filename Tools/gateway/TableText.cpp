@@ -54,8 +54,6 @@ std::optional<std::uint16_t> numberIn(std::string_view text, bool mayBeHex)
     return static_cast<std::uint16_t>(value);
 }
 
-// -------------------------------------------------------------------------------------------------------------- hosts
-
 bool isOf(std::string_view text, std::string_view characters)
 {
     return text.find_first_not_of(characters) == std::string_view::npos;
@@ -99,8 +97,6 @@ bool isHost(std::string_view text)
     }
     return isOf(text, "0123456789.") ? isAddress(AF_INET, std::string(text)) : isName(text);
 }
-
-// -------------------------------------------------------------------------------------------------------------- lines
 
 Columns columnsOf(std::string_view line)
 {

@@ -36,8 +36,6 @@ struct WatchOptions {
     WatchLimits limits;
 };
 
-// ---------------------------------------------------------------------------------------------------------------- list
-
 bool areAllWanted(const ListOptions& options)
 {
     return options.isActiveWanted == options.isPastWanted;
@@ -68,8 +66,6 @@ Outcome list(const ListOptions& options, Console& console)
     return Outcome::Fine;
 }
 
-// --------------------------------------------------------------------------------------------------------------- clear
-
 Outcome clear(const ClearOptions& options, Console&)
 {
     if (options.isAllWanted == !options.number.empty()) {
@@ -85,8 +81,6 @@ Outcome clear(const ClearOptions& options, Console&)
     }
     return Outcome::Fine;
 }
-
-// --------------------------------------------------------------------------------------------------------------- watch
 
 /// A subscription to the changes of alarms, which is renewed every second: so it outlives a fault manager that comes
 /// back.

@@ -77,8 +77,6 @@ gateway::TableReading readOwnTable(const std::string& path, const gateway::Publi
     return reading;
 }
 
-// ---------------------------------------------------------------------------------------------------------------- run
-
 constexpr std::uint64_t greatestQueueMessages = 1U << 24;
 constexpr std::uint64_t greatestQueueBytes = 1U << 30;
 
@@ -136,8 +134,6 @@ const CLI::App& addRun(Program& program, CLI::App& noun)
     return verb;
 }
 
-// ------------------------------------------------------------------------------------------------------------- status
-
 gateway::GatewayStatus fetchOwnStatus()
 {
     const NodePlace node;
@@ -178,8 +174,6 @@ void addStatus(Program& program, CLI::App& noun)
     verb.add_flag("--json", options->asJson, "Prints JSON");
 }
 
-// --------------------------------------------------------------------------------------------------------------- keys
-
 gateway::KeyPair makeKeyFile(const std::string& path, bool isForced)
 {
     const gateway::KeyPair keys = gateway::makeKeyPair();
@@ -210,8 +204,6 @@ void addKeys(Program& program, CLI::App& noun)
     verb.add_flag("--show", options->isShown, "Makes nothing: prints the public key that is there")->excludes(force);
     verb.add_flag("--json", options->asJson, "Prints JSON");
 }
-
-// -------------------------------------------------------------------------------------------------------------- check
 
 Json tableJson(const gateway::TableReading& reading)
 {

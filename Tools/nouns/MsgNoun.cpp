@@ -60,8 +60,6 @@ private:
     CommunicationPoint m_point;
 };
 
-// ---------------------------------------------------------------------------------------------------------------- send
-
 /// What `msg send` has been told, understood.
 struct Letter {
     TAaSysComMsgId id = 0;
@@ -162,8 +160,6 @@ Outcome send(const SendOptions& options, Console& console)
     }
     return Outcome::Fine;
 }
-
-// --------------------------------------------------------------------------------------------------------------- watch
 
 MessageFilter filterOf(const WatchOptions& options)
 {

@@ -73,8 +73,6 @@ RamlParser::~RamlParser()
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::~RamlParser");
 }
 
-// ----------------------------------------------------------------------------------------------------------- document
-
 RAML_Type::pointer RamlParser::parseRaml(const std::string& input, RAML_ParsingResult& result, bool inputIsFile)
 {
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::parseRaml");
@@ -171,8 +169,6 @@ void RamlParser::in_raml(AaGpuXmlNode* node, RAML_Type& document, RAML_ParsingRe
                        "Validation constraint violation: missing required element [cmData]");
     }
 }
-
-// -------------------------------------------------------------------------------------------------------------- block
 
 void RamlParser::in_cmData(AaGpuXmlNode* node, const RAML_CMDataType::pointer& cmData, RAML_ParsingResult& result)
 {
@@ -282,8 +278,6 @@ RAML_ScopeType RamlParser::getScopeType(const std::string& text)
     AaSysLogPrintE(EAaSysLogSeverityLevel_Debug, ERadHwapi_RAML, "RamlParser::getScopeType");
     return valueOf(text, scopeTypes, RAML_SCOPE_INVALID);
 }
-
-// ----------------------------------------------------------------------------------------------------- managed object
 
 void RamlParser::in_mo(AaGpuXmlNode* node, const RAML_ManagedObjectType::pointer& mo, RAML_ParsingResult& result)
 {
@@ -461,8 +455,6 @@ void RamlParser::in_item(AaGpuXmlNode* node, const RAML_ListType::pointer& list,
     }
     list->add(std::move(item));
 }
-
-// -------------------------------------------------------------------------------------------------------------- nodes
 
 AaGpuXmlNode* RamlParser::getNextSiblingNode(AaGpuXmlNode* start, EAaGpuXmlNodeType type, const char* name)
 {

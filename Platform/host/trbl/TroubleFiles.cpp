@@ -162,8 +162,6 @@ bool TroubleFiles::isAlive(std::int32_t pid) const
     return pid == getpid() || m_store.lockHolder(processLocks + static_cast<std::size_t>(pid)) != 0;
 }
 
-// ---------------------------------------------------------------------------------------------------------- collection
-
 bool TroubleFiles::beginCollection() const
 {
     return m_store.tryLock(collectionLock);
@@ -204,8 +202,6 @@ SharedSignal& TroubleFiles::answers() const
 {
     return header().answers;
 }
-
-// ----------------------------------------------------------------------------------------------------------- own files
 
 void TroubleFiles::start()
 {

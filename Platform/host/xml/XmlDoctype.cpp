@@ -65,8 +65,6 @@ const char* skipChoices(const char* at, SkipEntry skipEntry)
     }
 }
 
-// ------------------------------------------------------------------------------------------------------------ elements
-
 const char* skipQuantifier(const char* at)
 {
     return *at == '?' || *at == '*' || *at == '+' ? at + 1 : at;
@@ -121,8 +119,6 @@ const char* skipElement(const char* at)
     return skipEnd(isXmlAt(first, text) ? skipMixed(first + text.size()) : skipGroups(at));
 }
 
-// ---------------------------------------------------------------------------------------------------------- attributes
-
 /// Longer words before those that they begin with.
 constexpr std::array<std::string_view, 8> attributeTypes{"CDATA",    "IDREFS", "IDREF",    "ID",
                                                          "ENTITIES", "ENTITY", "NMTOKENS", "NMTOKEN"};
@@ -169,8 +165,6 @@ const char* skipAttributes(const char* at)
     }
 }
 
-// ------------------------------------------------------------------------------------------------------------ entities
-
 const char* skipEntityValue(const char* at)
 {
     const char* const end = skipXmlLiteral(at, wrong);
@@ -214,8 +208,6 @@ const char* skipNotation(const char* at)
     const char* const next = skipXmlBlanks(at);
     return skipEnd(*next == '>' ? next : skipXmlLiteral(expectXmlBlanks(at), wrong));
 }
-
-// -------------------------------------------------------------------------------------------------------- declarations
 
 struct Declaration {
     std::string_view begin;

@@ -165,8 +165,6 @@ const char* XmlReader::skipProlog(const char* at)
     return at;
 }
 
-// ---------------------------------------------------------------------------------------------------------------- tags
-
 /// Reads a start tag, or the tag of an empty element, from its '<' on.
 char* XmlReader::readStartTag(char* at)
 {
@@ -279,8 +277,6 @@ char* XmlReader::readEndTag(char* at)
     return inText(place + 1);
 }
 
-// ------------------------------------------------------------------------------------------------------------- content
-
 /// Reads text, if there is any, and the markup behind it.
 char* XmlReader::readContent(char* at)
 {
@@ -360,8 +356,6 @@ void XmlReader::endContent(char* begin, char* end, bool isPlain)
     element.value = m_tree.store(m_pieces);
     m_pieces.clear();
 }
-
-// --------------------------------------------------------------------------------------------------------------- fault
 
 bool XmlReader::keepComplete()
 {

@@ -30,8 +30,6 @@ void expectEverythingCounts(const Parameter& parameter, const std::vector<std::f
     }
 }
 
-// -------------------------------------------------------------------------------------------------------------- links
-
 TEST(CallbackParamTest, ParameterOfObsaiSynchronisationKeepsAndComparesItsFields)
 {
     using Param = obsai::LinkSyncCallbackParam;
@@ -172,8 +170,6 @@ TEST(CallbackParamTest, ParameterOfSfpModulesKeepsAndComparesItsFields)
     static_assert(std::same_as<sfp::TSfpModuleId, std::uint32_t>);
 }
 
-// -------------------------------------------------------------------------------------------------------------- clocks
-
 TEST(CallbackParamTest, ParameterOfTheSystemTimerKeepsAndComparesItsFields)
 {
     using Param = systemtimer::TimerSyncCallbackParam;
@@ -252,8 +248,6 @@ TEST(CallbackParamTest, ParameterOfPhaseLocksKeepsAndComparesItsFields)
     expectEverythingCounts<Param>(param, {[](Param& p) { p.setPhaseLockStatus(phaselock::EPhaseLockStatus_Ok); },
                                           [](Param& p) { p.setIdentifier("slow"); }});
 }
-
-// --------------------------------------------------------------------------------------------------------------- OCXO
 
 /// What is marked as modified.
 std::vector<std::string> modifiedIn(const ocxo::OcxoCallbackParam& param)

@@ -148,8 +148,6 @@ TEST_F(DspXmlTest, SectionsAndEntriesMayStandInAnyOrderAmongOthers)
     EXPECT_EQ(m_addresses.runtimeSwAddr, 0x10000000U);
 }
 
-// ----------------------------------------------------------------------------------------------------------- numbers
-
 TEST_F(DspXmlTest, NumbersAreThoseOfALongOf32Bits)
 {
     struct Row {
@@ -232,8 +230,6 @@ TEST_F(DspXmlTest, ResetTypeAndPostFlagsAreReadByTheirPrefixAndExtractorSwIsDeci
     EXPECT_EQ(read(document(with(info, "ExtractorSw", "010") + memAddress)), 1U);
     EXPECT_EQ(m_config.bootInfo.runExtractorSw, 10U);
 }
-
-// ------------------------------------------------------------------------------------------------- what can be missing
 
 TEST_F(DspXmlTest, NullNameFailsSilently)
 {
@@ -441,8 +437,6 @@ TEST_F(DspXmlTest, EntriesOneLevelDeeperAreNotFound)
                                            "Warning 0x20046 Failed to read BootInfo parameters from DSP.xml"));
 }
 
-// --------------------------------------------------------------------------------------------------------------- nodes
-
 std::unique_ptr<AaGpuXmlNode> tree(const std::string& text)
 {
     AaGpuXmlParser parser(0);
@@ -514,8 +508,6 @@ TEST_F(DspXmlDeathTest, NullStructuresEndTheProcessOnceTheirSectionIsFound)
     EXPECT_DEATH(showAndCall([&] { ApiParseDspXml(service, &m_config, nullptr); }),
                  "<Assertion failed: addrParams != NULL \\(file: Common");
 }
-
-// -------------------------------------------------------------------------------------------------------------- others
 
 TEST_F(DspXmlTest, FunctionsAreCalledFromC)
 {

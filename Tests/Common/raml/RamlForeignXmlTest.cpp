@@ -169,8 +169,6 @@ TEST_F(RamlForeignXmlTest, OtherNodesInAHeaderAreSkipped)
     EXPECT_THAT(errors(), IsEmpty());
 }
 
-// ---------------------------------------------------------------------------------------------------------- attributes
-
 TEST_F(RamlForeignXmlTest, AttributesMayStandBehindOtherChildren)
 {
     ForeignNode& raml = m_root->add(AA_GPU_XML_ELEMENT_NODE, "raml");
@@ -219,8 +217,6 @@ TEST_F(RamlForeignXmlTest, NodesOfOtherKindsAreNoAttributes)
     EXPECT_EQ(RamlParser().GetAttributeValue(m_root.get(), "name", value), 0U);
     EXPECT_EQ(value, "before");
 }
-
-// ---------------------------------------------------------------------------------------------------------------- tree
 
 TEST_F(RamlForeignXmlTest, NextTreeTakesThePlaceOfTheLast)
 {

@@ -28,8 +28,6 @@ using testing::ElementsAre;
 
 constexpr std::size_t vector = sizeof(std::vector<int>);
 
-// --------------------------------------------------------------------------------------------------- virtual functions
-
 template <class... Classes>
 constexpr bool haveVirtualDestructor = (std::has_virtual_destructor_v<Classes> && ...);
 
@@ -94,8 +92,6 @@ TEST(RamlLayoutTest, NothingButDestructorsIsVirtual)
                         &RamlParser::defaultConfigRequired, &RamlParser::currentElement),
                 Each(-1));
 }
-
-// ------------------------------------------------------------------------------------------------------------- members
 
 TEST(RamlLayoutTest, MembersOfDocumentAndHeaderKeepTheirPlaces)
 {

@@ -37,8 +37,6 @@ RAML_ManagedObjectType::pointer managedObject(const std::string& distName)
     return mo;
 }
 
-// ------------------------------------------------------------------------------------------------------------- objects
-
 TEST_F(RamlModelTest, DocumentBeginsEmpty)
 {
     const RAML_Type::pointer document = RAML_Type::create();
@@ -268,8 +266,6 @@ TEST_F(RamlModelTest, PlanAndScopeAreToldByTheirTexts)
     EXPECT_EQ(cmData->toString(static_cast<RAML_ScopeType>(-1)), "");
 }
 
-// ---------------------------------------------------------------------------------------------------------- parameters
-
 TEST_F(RamlModelTest, ParameterHasNameAndValue)
 {
     const RAML_ParameterType::pointer empty = RAML_ParameterType::create();
@@ -385,8 +381,6 @@ TEST_F(RamlModelTest, RecordsAreCopiedAndMoved)
     const RAML_LogType copy = log;
     EXPECT_EQ(copy.text + copy.appVersion, "text7");
 }
-
-// ------------------------------------------------------------------------------------------------------------- lookups
 
 TEST_F(RamlModelTest, ManagedObjectIsFoundByItsWholeName)
 {

@@ -72,8 +72,6 @@ protected:
     }
 };
 
-// ----------------------------------------------------------------------------------------------------------- documents
-
 TEST_F(RamlOstreamTest, DocumentIsWrittenLineByLine)
 {
     const RAML_Type::pointer made = document();
@@ -184,8 +182,6 @@ TEST_F(RamlOstreamTest, HeaderHasItsLogsOnLinesOfTheirOwn)
                                "    </header>\n");
 }
 
-// ----------------------------------------------------------------------------------------------------- managed objects
-
 TEST_F(RamlOstreamTest, ObjectIsWrittenWithItsOperation)
 {
     EXPECT_EQ(written(object()), "    <managedObject class=\"A\" operation=\"create\" distName=\"B\" version=\"C\">\n"
@@ -249,8 +245,6 @@ TEST_F(RamlOstreamTest, ParametersAreOnLinesOfTheirOwn)
                            "\n"
                            "    </managedObject>\n");
 }
-
-// ---------------------------------------------------------------------------------------------------------- parameters
 
 TEST_F(RamlOstreamTest, ValueOfASimpleParameterIsEscaped)
 {
@@ -334,8 +328,6 @@ TEST_F(RamlOstreamTest, ListWithoutNameIsNotLogged)
     EXPECT_THAT(m_log.texts(), testing::Not(testing::Contains(testing::HasSubstr("ListName"))));
 }
 
-// ------------------------------------------------------------------------------------------------------------ escaping
-
 TEST_F(RamlOstreamTest, OneCharacterAtMostIsEscaped)
 {
     const std::vector<std::pair<std::string, std::string>> texts{
@@ -359,8 +351,6 @@ TEST_F(RamlOstreamTest, OneCharacterAtMostIsEscaped)
     }
     EXPECT_EQ(handleXmlCharacters(std::string("a\0&", 3)), std::string("a\0&amp;", 7));
 }
-
-// -------------------------------------------------------------------------------------------------------------- stream
 
 /// A stream's end that remembers what had come at each flush.
 class FlushRecorder : public std::stringbuf {

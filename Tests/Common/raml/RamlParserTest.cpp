@@ -43,8 +43,6 @@ protected:
     RAML_ParsingResult m_result = RAML_RESOURCE_LIMITATION;
 };
 
-// -------------------------------------------------------------------------------------------------------------- parser
-
 TEST_F(RamlParserTest, ParserSaysWhenItBeginsAndEnds)
 {
     m_log.clear();
@@ -123,8 +121,6 @@ TEST_F(RamlParserTest, OtherTopElementIsReported)
                             errorLine("Validation constraint violation: missing required element [raml]"),
                             debugLine("RamlParser::parseRaml: End Parsing Raml document")));
 }
-
-// ---------------------------------------------------------------------------------------------------------- all fields
 
 TEST_F(RamlParserTest, EveryAttributeOfABlockIsStored)
 {
@@ -218,8 +214,6 @@ TEST_F(RamlParserTest, PlaceForManagedObjectsIsTakenBeforehand)
     const RAML_Type::pointer document = parse(inBlock(objects));
     EXPECT_GE(document->cmDataList.at(0)->managedObjects.capacity(), 37U);
 }
-
-// --------------------------------------------------------------------------------------------------------------- trace
 
 const std::string sibling = "RamlParser::getNextSiblingNode";
 
@@ -435,8 +429,6 @@ TEST_F(RamlParserTest, TextsWithPercentSignsAreLoggedAsTheyAre)
     parse(inObject("<p name='%s%n'>%d</p>"));
     EXPECT_EQ(m_log.count(debugLine("--p: '%s%n'    '%d'")), 1U);
 }
-
-// --------------------------------------------------------------------------------------------------------------- nodes
 
 TEST_F(RamlParserTest, AttributeIsLookedUpByItsWholeName)
 {

@@ -58,8 +58,6 @@ protected:
     RAML_ManagedObjectType::pointer m_mo;
 };
 
-// ----------------------------------------------------------------------------------------------------------- equality
-
 TEST_F(RamlRoundTripTest, ModelsWithinTheLimitsAreReadBackEqual)
 {
     for (std::uint32_t number = 0; number < 1000; ++number) {
@@ -94,8 +92,6 @@ TEST_F(RamlRoundTripTest, ReadDocumentIsReadBackWithoutWhatIsNotWritten)
         "raml(2.1,ns) cmData(defaults,changes)<,i,d,> log(t,a,u,, text ) A:A-1<4,v,,,,,,0,0,0,>(x= a<b  l[{=1} ])");
     EXPECT_EQ(m_result, RAML_OK);
 }
-
-// -------------------------------------------------------------------------------------------------------- differences
 
 TEST_F(RamlRoundTripTest, PlanNoneIsRejected)
 {

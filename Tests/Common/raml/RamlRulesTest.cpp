@@ -84,8 +84,6 @@ std::string wrongOperation(const std::string& operation)
 const std::string raml = "raml(2.1,ns)";
 const std::string block = raml + " cmData(actual,all)";
 
-// ------------------------------------------------------------------------------------------------------------ document
-
 const std::string noVersion = violation + "missing required attribute 'version' in element [ raml ].";
 const std::string noXmlns = violation + "missing required attribute 'xmlns' in element [raml].";
 const std::string wrongVersion = violation + "RAML version mismatch.";
@@ -181,8 +179,6 @@ INSTANTIATE_TEST_SUITE_P(
              block + " A:A-1() cmData(actual,all)"}),
     nameOf);
 
-// --------------------------------------------------------------------------------------------------------------- block
-
 const std::string noType = violation + "missing required attribute 'type' in element [cmData].";
 const std::string wrongType = violation + "Missing or invalid value for attribute 'type' in element [cmData]";
 
@@ -262,8 +258,6 @@ INSTANTIATE_TEST_SUITE_P(
              block + " A:A-1()"}),
     nameOf);
 
-// -------------------------------------------------------------------------------------------------------------- header
-
 const std::string log1 = "<log dateTime='t' action='a'/>";
 const std::string badLog = violation + "missing required attribute 'dateTime' and/or 'action' in element [log].";
 
@@ -329,8 +323,6 @@ INSTANTIATE_TEST_SUITE_P(
              {unexpectedInMo("q")},
              block + " log(t,a,,,) A:A-1()"}),
     nameOf);
-
-// ----------------------------------------------------------------------------------------------------- managed object
 
 const std::string noClass = violation + "missing required attribute 'class' in element [managedObject].";
 const std::string noDistName = violation + "missing required attribute 'distName' in element [managedObject].";
@@ -422,8 +414,6 @@ INSTANTIATE_TEST_SUITE_P(
              {unexpectedInMo("Defaults"), noMo},
              block}),
     nameOf);
-
-// --------------------------------------------------------------------------------------------------------------- lists
 
 const std::string noListName = violation + "missing required attribute 'name' in element [list]";
 

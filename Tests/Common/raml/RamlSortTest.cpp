@@ -82,8 +82,6 @@ protected:
     RAML_CMDataType::pointer m_cmData = RAML_CMDataType::create();
 };
 
-// ---------------------------------------------------------------------------------------------------------- predicates
-
 TEST_F(RamlSortTest, ClassesOfTheMapAreValid)
 {
     const RamlMoPtr_validclass isValid(m_ranks);
@@ -133,8 +131,6 @@ TEST_F(RamlSortTest, EmptyPointerComesLast)
     EXPECT_FALSE(less(nullptr, nullptr));
     EXPECT_THAT(m_log.texts(), ElementsAre(emptyFirst, emptySecond, emptyFirst, emptySecond, emptyFirst));
 }
-
-// ---------------------------------------------------------------------------------------------------------------- sort
 
 TEST_F(RamlSortTest, ValidObjectsAreOrderedByRank)
 {

@@ -112,8 +112,6 @@ struct Number {
     std::uint32_t value;
 };
 
-// --------------------------------------------------------------------------------------------------------- requests
-
 TEST_F(ReqHandlerTest, RequestLogsItsBeginningAndItsEnd)
 {
     std::optional<Req> req(std::in_place, m_reqs, printId, nullptr);
@@ -161,8 +159,6 @@ TEST_F(ReqHandlerTest, WhatARequestDoesNotOverrideTellsWhereItWasThrown)
     expectThrownIn<MsgHandlingException>(file, [&] { req.HandleForwardedReqResp(nullptr); });
     expectThrownIn<MsgHandlingException>(file, [&] { req.HandleForwardedReqTimeout(); });
 }
-
-// ------------------------------------------------------------------------------------------------------ new requests
 
 TEST_F(ReqHandlerTest, HandlerLogsItsBeginning)
 {
@@ -266,8 +262,6 @@ TEST_F(ReqHandlerTest, ExceptionOutOfNewReqPassesAndAddsNothing)
     EXPECT_THAT(m_reqs.open(), IsEmpty());
 }
 
-// -------------------------------------------------------------------------------------------------------- completion
-
 TEST_F(ReqHandlerTest, CompletedRequestIsTakenOutAndDeleted)
 {
     ScriptedReq& req = m_reqs.add();
@@ -327,8 +321,6 @@ TEST_F(ReqHandlerTest, EndOfTheHandlerDeletesTheOpenRequestsTheOldestFirst)
                             line("Req::~Req this: ", first), line("ReqHandler::~ReqHandler delete req ", last),
                             line("Req::~Req this: ", last)));
 }
-
-// ---------------------------------------------------------------------------------------------------------- time-out
 
 TEST_F(ReqHandlerTest, TimeOutIsToldToTheRequestWithTheIdentity)
 {
@@ -455,8 +447,6 @@ TEST_F(ReqHandlerTest, ExceptionOutOfATimeOutPassesAndTheRequestStaysOpen)
 
     EXPECT_THAT(m_reqs.open(), ElementsAre(req));
 }
-
-// --------------------------------------------------------------------------------------------------------- delegates
 
 TEST_F(ReqHandlerTest, DelegatesCallTheEntryPoints)
 {

@@ -32,8 +32,6 @@ protected:
     Gauge m_gauge{m_worker};
 };
 
-// ------------------------------------------------------------------------------------------------------ registration
-
 TEST_F(AbstractBifTest, NullIsNoCallback)
 {
     try {
@@ -180,8 +178,6 @@ TEST_F(AbstractBifTest, InterfaceDoesNotDeleteCallbacks)
     EXPECT_EQ(deleted, 0);
 }
 
-// ----------------------------------------------------------------------------------------------------------- delivery
-
 TEST_F(AbstractBifTest, BeforeInitializationTheCallbackGetsTheRaisersObjectInItsThread)
 {
     const Reading* taken = nullptr;
@@ -311,8 +307,6 @@ TEST_F(AbstractBifTest, DriverMayStepIntoEveryVirtualFunction)
     EXPECT_THAT(m_values, ElementsAre(5));
 }
 
-// ------------------------------------------------------------------------------------------------------------- worker
-
 TEST_F(AbstractBifTest, InitializationSetsTheWorkerUpOnce)
 {
     EXPECT_FALSE(m_gauge.isInitializationDone());
@@ -389,8 +383,6 @@ TEST_F(AbstractBifTest, InterfaceOfAnyKindIsDestroyedThroughItsRoot)
 
     EXPECT_TRUE(isDestroyed);
 }
-
-// -------------------------------------------------------------------------------------------------------------- event
 
 /// Notes what happens to it.
 class NotedEvent : public Gauge::Event {

@@ -141,8 +141,6 @@ protected:
     std::unique_ptr<Supervisor> m_supervisor;
 };
 
-// --------------------------------------------------------------------------------------------------------------- start
-
 TEST_F(SupervisorTest, ServicesStartInTheirOrder)
 {
     supervise({serviceOf("A"), serviceOf("B"), serviceOf("C")});
@@ -228,8 +226,6 @@ TEST_F(SupervisorTest, StartThatFailsIsAnEnd)
     EXPECT_EQ(service(0).phase, ServicePhase::Starting);
 }
 
-// ------------------------------------------------------------------------------------------------------------- restart
-
 TEST_F(SupervisorTest, ServiceThatDiesStartsAgainAfterItsDelay)
 {
     supervise({serviceOf("A")});
@@ -313,8 +309,6 @@ TEST_F(SupervisorTest, RestartWaitsForThoseBeforeIt)
 
     EXPECT_EQ(m_node.starts.back(), "B");
 }
-
-// -------------------------------------------------------------------------------------------------------------- health
 
 TEST_F(SupervisorTest, StartThatTakesLongIsToldOnce)
 {
@@ -404,8 +398,6 @@ TEST_F(SupervisorTest, WhatAServicePrintsIsAnEvent)
     EXPECT_EQ(m_events.back(), "A: says: good morning");
 }
 
-// --------------------------------------------------------------------------------------------------------------- reset
-
 TEST_F(SupervisorTest, ResetOfTheBoardStartsAllServicesAgain)
 {
     supervise({serviceOf("A"), serviceOf("B", {0})});
@@ -471,8 +463,6 @@ TEST_F(SupervisorTest, ResetIsSeenAlsoWhenNobodyDiesOfIt)
     pass(250ms);
     EXPECT_EQ(m_events.back(), ": reset; all services start again");
 }
-
-// ----------------------------------------------------------------------------------------------------------------- end
 
 TEST_F(SupervisorTest, ServicesAreAskedToEndInTheReverseOrder)
 {
