@@ -132,9 +132,16 @@ bool Process::isRunning() const
 
 void Process::signal(int number)
 {
-    const std::lock_guard lock(m_mutex);
-    if (!m_status) {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_status) {
+            return;
+        }
         kill(m_pid, number);
+    }
+    if (number == SIGSTOP) {
+        siginfo_t info{};
+        waitid(P_PID, static_cast<id_t>(m_pid), &info, WSTOPPED | WEXITED | WNOWAIT); // its end is left to the reaper
     }
 }
 

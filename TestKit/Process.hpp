@@ -40,7 +40,7 @@ public:
     /// False from the moment on when it has ended and been waited for.
     bool isRunning() const;
 
-    /// Sends a signal; does nothing when the child has ended.
+    /// Sends a signal; does nothing when the child has ended. After SIGSTOP it has stopped.
     void signal(int number);
     /// Waits until the child has ended and all its output is here.
     /// @return its exit status, 0 to 255, or the negative number of the signal that ended it.

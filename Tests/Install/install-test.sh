@@ -362,6 +362,7 @@ expect_files() {
 PackagesAreMade() {
     command -v dpkg-deb >/dev/null || exit 77
     command -v dpkg-shlibdeps >/dev/null || exit 77
+    command -v file >/dev/null || exit 77
     empty_folder packages
     "$CPACK" --config "$build/CPackConfig.cmake" -B "$PWD"
     rm -rf _CPack_Packages

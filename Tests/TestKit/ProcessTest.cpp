@@ -6,7 +6,9 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <fstream>
 #include <gmock/gmock.h>
+#include <string>
 #include <system_error>
 #include <unistd.h>
 
@@ -33,6 +35,31 @@ TEST(ProcessTest, SignalThatEndedItIsGiven)
     shell.signal(SIGTERM);
 
     EXPECT_EQ(shell.waitForEnd(), -SIGTERM);
+}
+
+/// "R" or "S" of a process that runs, "T" of one that has stopped.
+std::string stateOf(pid_t pid)
+{
+    std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
+    std::string number;
+    std::string name;
+    std::string state;
+    file >> number >> name >> state;
+    return state;
+}
+
+TEST(ProcessTest, ChildThatIsToStopHasStopped)
+{
+    Shell shell("while :; do :; done");
+
+    for (int count = 0; count < 100; ++count) {
+        shell.signal(SIGSTOP);
+        ASSERT_EQ(stateOf(shell.pid()), "T");
+        shell.signal(SIGSTOP); // which changes nothing
+        shell.signal(SIGCONT);
+    }
+    shell.signal(SIGKILL);
+    EXPECT_EQ(shell.waitForEnd(), -SIGKILL);
 }
 
 TEST(ProcessTest, OutputIsCollectedByStream)

@@ -129,17 +129,17 @@ TEST_F(ResolverTest, WhatIsFoundAfterTheEndGoesNowhere)
     EXPECT_TRUE(waitUntil([this] { return m_lookUp.use_count() == 1; }));
 }
 
-TEST(SystemLookUpTest, AddressesOfTheOwnHostAreFound)
+TEST(SystemLookUpTest, AddressIsFoundAsItStands)
 {
     host::WaitSet waitSet;
     Resolver resolver(waitSet);
-    resolver.start(7, "localhost");
+    resolver.start(7, "127.0.0.1"); // a name would ask what the machine knows
     std::list<Resolver::Found> found;
 
     ASSERT_TRUE(waitUntil([&] { return !(found = resolver.take()).empty(); }));
 
     EXPECT_EQ(found.front().ticket, 7U);
-    EXPECT_THAT(found.front().addresses, testing::Contains(testing::AnyOf("127.0.0.1", "::1")));
+    EXPECT_THAT(found.front().addresses, ElementsAre("127.0.0.1"));
 }
 
 } // namespace
