@@ -50,12 +50,12 @@ TEST(GatewayTableTest, RowsAreReadInWhateverOrderAndKeptByNode)
                    "\n"
                    "3842 \t board-2.example.org\t5671 " +
                    keyText(2) + " # the other half\r\n" + "   # more\n" + "0x0F01 192.168.10.1 5670 " + keyText(1) +
-                   "\n0xf03 fe80::1%eth0 65535 " + keyText(3));
+                   "\n0xf03 fe80::1%eth0.100 65535 " + keyText(3));
 
     EXPECT_THAT(reading.complaints, IsEmpty());
     EXPECT_THAT(reading.table.rows(), ElementsAre(TableRow{0x0F01, "192.168.10.1", 5670, keyOf(1)},
                                                   TableRow{0x0F02, "board-2.example.org", 5671, keyOf(2)},
-                                                  TableRow{0x0F03, "fe80::1%eth0", 65535, keyOf(3)}));
+                                                  TableRow{0x0F03, "fe80::1%eth0.100", 65535, keyOf(3)}));
 }
 
 TEST(GatewayTableTest, NodesAreFoundByIdAndByKey)
@@ -99,6 +99,8 @@ constexpr std::array badLines{
     BadLine{"1 tcp://a 1", "host 'tcp://a' is none: a name or an IPv4 or IPv6 address is expected"},
     BadLine{"1 * 1", "host '*' is none: a name or an IPv4 or IPv6 address is expected"},
     BadLine{"1 [::1] 1", "host '[::1]' is none: a name or an IPv4 or IPv6 address is expected"},
+    BadLine{"1 ::1%sixteen-letters- 1",
+            "host '::1%sixteen-letters-' is none: a name or an IPv4 or IPv6 address is expected"},
     BadLine{"1 ::1% 1", "host '::1%' is none: a name or an IPv4 or IPv6 address is expected"},
     BadLine{"1 1:2 1", "host '1:2' is none: a name or an IPv4 or IPv6 address is expected"},
     BadLine{"1 300.1.1.1 1", "host '300.1.1.1' is none: a name or an IPv4 or IPv6 address is expected"},

@@ -21,13 +21,14 @@ struct PartCase {
     const char* sentence;
 };
 
-constexpr std::array<PartCase, 6> cases{{
+constexpr std::array<PartCase, 7> cases{{
     {NodePart::Services, "ees", "no services have run here"},
     {NodePart::RadParameters, "rad/control", "no R&D parameters have been registered here"},
     {NodePart::Tags, "tags/data.mdb", "no tags have been set here"},
     {NodePart::Messages, "cpids", "no services have run here"},
     {NodePart::Log, "log.control", "no log has been written here"},
     {NodePart::DriverFaults, "board.faults", "no driver function has been told to fail here"},
+    {NodePart::Gateway, "cpids", "no gateway has run here"},
 }};
 
 class NodePlaceTest : public ::testing::TestWithParam<PartCase> {

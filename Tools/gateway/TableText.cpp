@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cstdio>
 #include <limits>
+#include <net/if.h>
 
 namespace dorn::gateway {
 namespace {
@@ -71,6 +72,13 @@ bool isNameLabel(std::string_view label)
            isOf(label, "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_");
 }
 
+/// What the kernel may call an interface: "eth0", "eth0.100".
+bool isInterface(std::string_view text)
+{
+    return !text.empty() && text.size() < IF_NAMESIZE &&
+           isOf(text, "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_.");
+}
+
 bool isName(std::string_view text)
 {
     for (;;) {
@@ -93,7 +101,7 @@ bool isHost(std::string_view text)
     if (text.find(':') != std::string_view::npos) { // IPv6, perhaps with the interface that a local one is of
         const std::size_t zone = text.find('%');
         return isAddress(AF_INET6, std::string(text.substr(0, zone))) &&
-               (zone == std::string_view::npos || isNameLabel(text.substr(zone + 1)));
+               (zone == std::string_view::npos || isInterface(text.substr(zone + 1)));
     }
     return isOf(text, "0123456789.") ? isAddress(AF_INET, std::string(text)) : isName(text);
 }

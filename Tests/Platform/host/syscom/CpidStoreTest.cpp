@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <fcntl.h>
+#include <functional>
 #include <memory>
 #include <string>
 #include <sys/wait.h>
@@ -24,6 +25,27 @@ struct SomePeer : Peer {
     bool hasEnded;
 };
 
+/// Starts a process that does @p work, and stays until it is killed. @return its id, once the work has been done well
+pid_t startStaying(const std::function<bool()>& work)
+{
+    int ready[2] = {-1, -1};
+    EXPECT_EQ(pipe(ready), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        const char result = work() ? 'y' : 'n';
+        [[maybe_unused]] const ssize_t written = write(ready[1], &result, 1);
+        for (;;) {
+            pause();
+        }
+    }
+    char result = 0;
+    EXPECT_EQ(read(ready[0], &result, 1), 1);
+    EXPECT_EQ(result, 'y');
+    close(ready[0]);
+    close(ready[1]);
+    return child;
+}
+
 /// Another node of the test's run directory, so that this process has its store open once.
 class CpidStoreTest : public testkit::NodeTest {
 protected:
@@ -31,26 +53,15 @@ protected:
     /// Starts a process that becomes the node's gateway, and stays until it is killed. @return its id
     pid_t startGateway(Stay stay = Stay::Gateway) const
     {
-        int ready[2] = {-1, -1};
-        EXPECT_EQ(pipe(ready), 0);
-        const pid_t child = fork();
-        if (child == 0) {
-            auto store = std::make_unique<CpidStore>(m_directory);
-            const char result = store->tryBecomeGateway() ? 'y' : 'n';
+        std::unique_ptr<CpidStore> store; // the child's
+        return startStaying([&] {
+            store = std::make_unique<CpidStore>(m_directory);
+            const bool isGateway = store->tryBecomeGateway();
             if (stay == Stay::Resigned) {
                 store.reset();
             }
-            [[maybe_unused]] const ssize_t written = write(ready[1], &result, 1);
-            for (;;) {
-                pause();
-            }
-        }
-        char result = 0;
-        EXPECT_EQ(read(ready[0], &result, 1), 1);
-        EXPECT_EQ(result, 'y');
-        close(ready[0]);
-        close(ready[1]);
-        return child;
+            return isGateway;
+        });
     }
     static void kill(pid_t process)
     {
@@ -169,22 +180,8 @@ TEST_F(SenderCheckTest, WhatIsRememberedOfAGatewayEndsWithItsSuccessor)
 class UnseenHolder {
 public:
     UnseenHolder(const RunDirectory& directory, const std::vector<TAaSysComCpid>& cpids)
+        : m_process(startStaying([&] { return lockAll(directory.path() + "/cpids", cpids); }))
     {
-        int ready[2] = {-1, -1};
-        EXPECT_EQ(pipe(ready), 0);
-        m_process = fork();
-        if (m_process == 0) {
-            const char result = lockAll(directory.path() + "/cpids", cpids) ? 'y' : 'n';
-            [[maybe_unused]] const ssize_t written = write(ready[1], &result, 1);
-            for (;;) {
-                pause();
-            }
-        }
-        char result = 0;
-        EXPECT_EQ(read(ready[0], &result, 1), 1);
-        EXPECT_EQ(result, 'y');
-        close(ready[0]);
-        close(ready[1]);
     }
     ~UnseenHolder()
     {
