@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // `dorn gateway` on the node of a test.
 #include "DornCommand.hpp"
+#include "RunningBoard.hpp"
 
 #include "NodeTest.hpp"
 #include "gateway/Keys.hpp"
@@ -317,6 +318,27 @@ TEST_F(DornGatewayRunTest, GatewayThatCannotStartSaysWhy)
     EXPECT_EQ(dorn({"gateway", "run"}).status, 1) << "another key";
     m_node.writeBoardFile(gateway::defaultTableFile, row("0x0F02", gateway::makeKeyPair().publicKey.text()));
     EXPECT_EQ(dorn({"gateway", "run"}).status, 1) << "no row";
+}
+
+TEST_F(DornGatewayRunTest, QueueHasTheRoomThatIsAskedFor)
+{
+    constexpr int count = 1200;           // 72 MiB: more than all queues have unless more is asked for
+    constexpr std::uint16_t size = 63000; // bytes of a payload
+    writeTable();
+    DornCommand running({"gateway", "run", "--queue-bytes", "80M"});
+    ASSERT_EQ(statusOnceItRuns(running).status, 0);
+
+    for (int number = 0; number < count; ++number) {
+        void* message = AaSysComMsgCreate(1, size, AaSysComSicadGet(0x0300, 0x0F02));
+        ASSERT_EQ(AaSysComMsgSend(&message), EAaSysComStatus_Ok);
+    }
+
+    const auto accepted = [] {
+        return nlohmann::json::parse(dorn({"gateway", "status", "--json"}).answer)["links"][0]["accepted"].get<int>();
+    };
+    EXPECT_TRUE(comesTrue([&] { return accepted() == count; }));
+    const auto json = nlohmann::json::parse(dorn({"gateway", "status", "--json"}).answer);
+    EXPECT_EQ(json["links"][0]["waiting"], count);
 }
 
 TEST_F(DornGatewayRunTest, QueueWithoutRoomIsWrongUse)
